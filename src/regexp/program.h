@@ -1,0 +1,84 @@
+// The compiled program of one expression: a flat array of nodes inside the state, walked by the matcher.
+//
+// There is no tree and no pointer between nodes. Structure is expressed by node order, by open nodes that carry the
+// length of their group's body, and by group serials.
+#pragma once
+
+#include <cstdint>
+
+namespace ulk {
+
+// Option bits; the same word is used in the state header and in the operands of RX_OPTIONS, RX_OPTGROUP, RX_ALT,
+// RX_END and top-level literals.
+enum RxOption : uint32_t {
+  RX_OPT_DOTALL = 1,     // s: "." also matches the newline byte 10
+  RX_OPT_MULTILINE = 2,  // m: "^" and "$" also match at line boundaries
+  RX_OPT_CASELESS = 4,   // i: letters match regardless of case
+  RX_OPT_EXTENDED = 8,   // x: white space and "#" comments in the pattern are ignored (compile time only)
+  RX_OPT_GLOBAL = 16,    // g: find or replace all matches; only in the options string
+};
+
+// Every node code with its operands. The codes are contiguous, so that code - RX_CHAR is a dense index.
+enum RxCode : uint32_t {
+  RX_CHAR = 0x10000000,  // op1 byte; op3 options of a top-level literal, or the negation of a class member
+  RX_STRING,             // op2 length (2 or more), text; op3 as RX_CHAR
+  RX_BACKREF,            // op1 group number
+  RX_CLASS,              // op1 negation (0 or -1), op2 number of member nodes that follow
+  RX_CHARTYPE,           // op1 one of . d D s S w W; op3 the negation of a class member
+  RX_ASSERT,             // op1 one of ^ $ A B G Z b z, or kLeadingDotStar
+  RX_ALT,                // op1 signed serial of the group, 0 at top level; op2 options in force at the bar
+  RX_RANGE,              // class member: op1 low, op2 high, op3 negation
+  RX_REPEAT_LAZY,        // op1 minimum, op2 maximum
+  RX_REPEAT,             // op1 minimum, op2 maximum
+  RX_LOOKBEHIND,         // op1 minus serial, op2 body length in nodes, op3 width in characters
+  RX_NLOOKBEHIND,        // as RX_LOOKBEHIND
+  RX_LOOKAHEAD,          // op1 minus serial, op2 body length
+  RX_NLOOKAHEAD,         // as RX_LOOKAHEAD
+  RX_OPTGROUP,           // op1 serial, op2 body length, op3 options inside
+  RX_COND,               // op1 serial, op2 body length, condition included
+  RX_CAPTURE,            // op1 serial, op2 body length, op3 capture number
+  RX_GROUP,              // op1 serial, op2 body length
+  RX_ATOMIC,             // op1 minus serial, op2 body length
+  RX_END,                // op1 as the open node's, op2 options to restore, op3 repeat mark
+  RX_OPTIONS,            // op1 new options
+  RX_BYTE,               // any one byte
+  RX_CODEPOINT,          // op1 code point; op3 the negation of a class member
+  RX_CATEGORY,           // op1 general-category mask, op2 negation
+  RX_UNIRANGE,           // op1 lowest, op2 highest code point, op3 negation
+  RX_SCRIPT,             // op1 1, op2 negation, op3 number of ranges, text the ranges
+  RX_XSEQ,               // one extended sequence: a character and the marks that follow it
+  kRxCodeEnd             // one past the last code
+};
+
+inline constexpr int32_t kUnbounded = 0x3FFFFFFF;  // the maximum of "*"; no bound ever exceeds it
+inline constexpr int32_t kMaxBound = 65535;        // the largest bound that can be written in braces
+inline constexpr int32_t kLeadingDotStar = 128;    // RX_ASSERT operand: at the text start or after a newline
+inline constexpr int32_t kTopLevel = 0;            // RX_ALT operand of a bar outside every group
+
+// Repeat marks on RX_END.
+inline constexpr int32_t kRepeatMarkNone = 0;
+inline constexpr int32_t kRepeatMarkBody = 1;       // the body is one quantified item of one character
+inline constexpr int32_t kRepeatMarkRepeated = -1;  // and the group itself is quantified
+
+struct RxNode {
+  uint32_t code;  // an RxCode
+  int32_t op1;
+  int32_t op2;
+  int32_t op3;
+  const void* text;  // RX_STRING: its bytes; RX_SCRIPT: its CodePointRange table
+};
+static_assert(sizeof(void*) != 4 || sizeof(RxNode) == 20);
+
+inline bool isQuantifier(const RxNode& node) { return node.code == RX_REPEAT || node.code == RX_REPEAT_LAZY; }
+inline bool isGroupOpen(const RxNode& node) { return node.code >= RX_LOOKBEHIND && node.code <= RX_ATOMIC; }
+inline bool isLookaround(const RxNode& node) { return node.code >= RX_LOOKBEHIND && node.code <= RX_NLOOKAHEAD; }
+
+// Fixed width in characters of nodes[first, last), or -1 when its alternatives differ. For a range without
+// quantifiers of unequal bounds and without back references.
+int64_t fixedWidth(const RxNode* nodes, int32_t first, int32_t last);
+
+// Width in characters of nodes[first, last) when it holds nothing but single items, strings and greedy quantifiers
+// (which count 0); -1 otherwise.
+int64_t simpleWidth(const RxNode* nodes, int32_t first, int32_t last);
+
+}  // namespace ulk

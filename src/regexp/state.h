@@ -1,0 +1,58 @@
+// The layout of a compiled expression: header, the matcher's work areas, the program and its literal text, all in
+// one buffer that the caller provides. The program holds absolute addresses into the buffer, so a state is never moved.
+#pragma once
+
+#include <cstdint>
+
+#include "regexp/program.h"
+#include "ulkch.h"
+
+namespace ulk {
+
+inline constexpr uint32_t kStateMagic = 0x78456772;  // "rgEx" in memory order
+inline constexpr int32_t kDefaultMatchLimit = 10000;
+inline constexpr int32_t kFormatBytes = 0;
+inline constexpr int32_t kFormatUtf8 = 1;
+
+inline constexpr int32_t kMaxDepth = 999;
+inline constexpr int32_t kMaxSerial = 999;
+inline constexpr int32_t kNumFrames = 1000;
+inline constexpr int32_t kNumCaptures = 1000;
+
+// One capture: where it starts and its length; null and -1 while unset. Slot 0 is the whole match.
+struct CaptureSlot {
+  const uint8_t* start;
+  int32_t length;
+};
+
+// The iteration bookkeeping of one group, indexed by the group's serial. Lookarounds and atomic groups never use theirs.
+struct GroupFrame {
+  int32_t minLeft;               // iterations still required
+  int32_t maxLeft;               // iterations still allowed
+  int32_t openNode;              // index of the group's open node
+  int32_t remainingAtIteration;  // text left when the current iteration began
+  int32_t captureNumber;         // capture slot of an RX_CAPTURE group
+  int32_t inBody;                // 1 while an iteration's body is running
+  int32_t undo;                  // reserved: a failed group-end step puts its frame back whole, so nothing is uncounted
+  int32_t iterationLength;       // bytes consumed by the current iteration
+};
+static_assert(sizeof(GroupFrame) == 32);
+
+}  // namespace ulk
+
+struct ulkRegExpState {
+  uint32_t magic;
+  uint32_t options;
+  int32_t numNodes;
+  int32_t numCaptures;      // capturing groups plus one
+  int32_t trailingLiteral;  // index of the literal node that ends the pattern, negative for none
+  int32_t matchLimit;
+  int32_t format;
+  uint32_t reserved;
+  ulk::GroupFrame frames[ulk::kNumFrames];
+  ulk::CaptureSlot captures[ulk::kNumCaptures];
+
+  ulk::RxNode* nodes() { return reinterpret_cast<ulk::RxNode*>(this + 1); }
+  const ulk::RxNode* nodes() const { return reinterpret_cast<const ulk::RxNode*>(this + 1); }
+};
+static_assert(sizeof(void*) != 4 || sizeof(ulkRegExpState) == 40032);
