@@ -1,17 +1,26 @@
-// Unicode 5.1 properties for the expression engine: general categories, simple case mappings, scripts, blocks.
+// Unicode 5.1 properties for the expression engine: general categories, simple case mappings, scripts,
+// blocks.
 #pragma once
 
 #include <cstdint>
 
 namespace ulk {
 
+// General categories as the engine's programs hold them: the bit of a major class and, for a subcategory, one
+// of the low seven bits. A mask without low bits stands for the whole class.
+inline constexpr uint32_t kSubcategoryBits = 0x7F;
+inline constexpr uint32_t kMark = 0x100;
+inline constexpr uint32_t kUnassigned = 0x2010;
+
 struct CodePointRange {
   uint32_t first;
   uint32_t last;
 };
 
-// True when a code point of general category `mask` is accepted (negated: by \P or \p{^...}).
-// A malformed byte comes as a negative value, which has no table entry.
+// True when a code point is accepted by \p of the category `mask`, or, when negated, by its \P. The two are
+// not opposites: an unassigned code point is accepted by both \p{Cn} and \P{Cn}, and by no other category in
+// either form. A malformed byte comes as a negative value, which counts as unassigned. `mask` is that of a
+// category that exists.
 bool acceptsCategory(int32_t codePoint, uint32_t mask, bool negated);
 
 // True for a combining mark: Mn, Mc or Me.
@@ -26,14 +35,15 @@ struct Script {
   int32_t numRanges;
 };
 
-// The script whose name the text starts with, up to and including a "}"; null if there is none. Reads no byte past
-// the first that differs.
+// The script whose name the text starts with, up to and including a "}"; null if there is none. Reads no byte
+// past the first that differs.
 const Script* findScript(const char* text);
 
 // True when codePoint lies in one of the ranges, which are in ascending order and do not overlap.
 bool inRanges(int32_t codePoint, const CodePointRange* ranges, int32_t numRanges);
 
-// The first block, in Unicode's order, whose name ("InBasicLatin") starts with the given text; null if there is none.
+// The first block, in Unicode's order, whose name ("InBasicLatin") starts with the given text; null if there
+// is none.
 struct Block {
   const char* name;
   CodePointRange range;
