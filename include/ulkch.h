@@ -59,6 +59,7 @@ typedef struct ulkLibraryVersion {
 } ulkLibraryVersion;
 
 typedef struct ulkRegExpState ulkRegExpState;
+typedef struct ulkRegExpMultiState ulkRegExpMultiState;
 
 typedef struct ulkRegExpFind {
   const uint8_t* pFound;
@@ -88,6 +89,7 @@ ULK_API ulkStatus ULK_CALL ulksRegExpGetSize(const char* pPattern, int32_t* pSiz
 ULK_API ulkStatus ULK_CALL ulksRegExpInit(const char* pPattern, const char* pOptions, ulkRegExpState* pState, int32_t* pErrOffset);
 ULK_API ulkStatus ULK_CALL ulksRegExpInitAlloc(const char* pPattern, const char* pOptions, ulkRegExpState** ppState, int32_t* pErrOffset);
 ULK_API void ULK_CALL ulksRegExpFree(ulkRegExpState* pState);
+ULK_API void ULK_CALL ulksRegExpMultiFree(ulkRegExpMultiState* pState);
 ULK_API ulkStatus ULK_CALL ulksRegExpSetMatchLimit(int32_t matchLimit, ulkRegExpState* pState);
 ULK_API ulkStatus ULK_CALL ulksRegExpSetFormat(int32_t format, ulkRegExpState* pState);
 ULK_API ulkStatus ULK_CALL ulksRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState, ulkRegExpFind* pFind, int32_t* pNumFind);

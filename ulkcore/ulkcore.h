@@ -1,7 +1,30 @@
-#pragma once
-#include <cstdint>
+/// @file
+/// ulkcore: the services that ulkch takes from its host. A program that wants its own heap or its own number
+/// of threads links another library with these three functions in place of this one; it must define all
+/// three.
+#ifndef ULKCORE_H
+#define ULKCORE_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
 extern "C" {
+#endif
+
+/// Allocates a block of at least `size` bytes from the process's heap. The contents are undefined.
+/// @return the block, aligned for every fundamental type; null when `size` is below 1 or no memory is left.
 void* ulkMalloc(int32_t size);
+
+/// Releases a block from ulkMalloc. Null is accepted and ignored.
 void ulkFree(void* pointer);
+
+/// The number of threads that the library may use for parallel work inside one call: the processors that the
+/// process may run on now.
+/// @return at least 1.
 int32_t ownGetNumThreads(void);
+
+#ifdef __cplusplus
 }
+#endif
+
+#endif

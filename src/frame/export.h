@@ -1,5 +1,5 @@
-// How an exported function is defined: with the declaration's linkage, and with the stack realigned on entry, because
-// a 32-bit caller may come with a stack that is aligned to 4 bytes only.
+// How an exported function is defined: with the declaration's linkage, and with the stack realigned on entry,
+// because a 32-bit caller may come with a stack that is aligned to 4 bytes only.
 #pragma once
 
 #include "ulkch.h"

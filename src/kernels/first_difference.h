@@ -1,0 +1,27 @@
+// Where two strings of one length differ first.
+#pragma once
+
+#include "kernels/scan.h"
+
+namespace ulk {
+
+template <class Unit>
+struct DifferenceProbe {
+  const Unit* left;
+  const Unit* right;
+
+  template <class Block>
+  ULK_INLINE Vec16<Unit> hits(const Block& block) const {
+    return block.load(left).differs(block.load(right));
+  }
+  ULK_INLINE static bool accept(int32_t /*position*/) { return true; }
+};
+
+// The lowest index at which the strings differ, -1 if they are equal.
+template <class Unit>
+int32_t firstDifference(const Unit* left, const Unit* right, int32_t length) {
+  DifferenceProbe<Unit> probe{left, right};
+  return scan<Forward>(left, static_cast<size_t>(length), probe);
+}
+
+}  // namespace ulk
