@@ -1,4 +1,32 @@
-// ulkch: string-processing primitives and regular expressions. (Documentation in progress.)
+/// @file
+/// ulkch: string-processing primitives and regular expressions.
+///
+/// Every operation is a plain function: it checks its arguments, works on memory that the caller provides and
+/// returns a status. There is nothing to initialise and nothing to configure.
+///
+/// **Strings** are a pointer to the first unit and a signed length counted in units: bytes for `_8u`
+/// functions, 16-bit units for `_16u` functions. A length of 0 is valid, the pointer must not be null even
+/// then. No terminator is read or written, except by the `_Z` functions and for patterns and options, which
+/// are zero-terminated. A 16-bit string may stand at an odd address. Strings that are only read may overlap
+/// or be the same.
+///
+/// **Units** are unsigned numbers and compared as such, without case folding or normalisation unless a
+/// function says otherwise.
+///
+/// **Names** read `ulks<Operation>[<Variant>]_<type>[_<form>]`: `C` one unit, `CAny` any unit of a set, `Rev`
+/// a search from the end, `_Z` zero-terminated inputs.
+///
+/// **Checks** come before anything is written and stop at the first failure: pointers in the order of the
+/// arguments
+/// (#ulkErrNullPtr), then lengths (#ulkErrLength), then counts, capacities and sizes (#ulkErrSize), then the
+/// validity of a state (#ulkErrInvalidState). A refused call has written nothing. Departures are stated with
+/// the function.
+///
+/// **Threads**: every function may be called from any thread at any time, as long as no two calls running at
+/// the same time share memory that one of them writes. A search writes to its compiled expression.
+///
+/// **Memory**: only functions with `Alloc` in their names allocate. Nothing keeps a pointer to the caller's
+/// memory after the call, except where a function says so.
 #ifndef ULKCH_H
 #define ULKCH_H
 
@@ -26,73 +54,335 @@ extern "C" {
 #endif
 #endif
 
+/// @name Status codes
+/// @{
+
+/// What a function returns: 0 is success, a negative value an error, a positive value a warning, with which
+/// the operation was completed. One of the constants of #ULK_STATUS_LIST.
 typedef int32_t ulkStatus;
 
-#define ulkOk 0
-#define ulkWrnSlotsExhausted 26
-#define ulkWrnPartTruncated 27
-#define ulkErrIdNotFound (-2)
-#define ulkErrBadId (-5)
-#define ulkErrSize (-6)
-#define ulkErrRegExpFormat (-7)
-#define ulkErrNullPtr (-8)
-#define ulkErrSetFull (-9)
-#define ulkErrLength (-119)
-#define ulkErrRegExpSyntax (-183)
-#define ulkErrRegExpClass (-184)
-#define ulkErrRegExpBackRef (-185)
-#define ulkErrRegExpGroup (-186)
-#define ulkErrRegExpQuantifier (-187)
-#define ulkErrMatchLimit (-188)
-#define ulkErrInvalidState (-189)
-#define ulkErrRegExpOptions (-190)
+// clang-format off
+/// All status codes, `X(name, value, meaning)` for each; programs can use the list to make tables of their own.
+#define ULK_STATUS_LIST(X)                                                                                  \
+  X(ulkOk, 0, "success")                                                                                    \
+  X(ulkWrnSlotsExhausted, 26, "the source held more substrings than the destination has slots")             \
+  X(ulkWrnPartTruncated, 27, "a substring was longer than its destination slot and was cut")                \
+  X(ulkErrIdNotFound, -2, "no member of the pattern set has this id")                                       \
+  X(ulkErrBadId, -5, "0 is not a valid pattern id")                                                         \
+  X(ulkErrSize, -6, "a count, capacity or size is below its minimum")                                       \
+  X(ulkErrRegExpFormat, -7, "the text format is neither 0 nor 1")                                           \
+  X(ulkErrNullPtr, -8, "a required pointer is null, or memory could not be allocated")                      \
+  X(ulkErrSetFull, -9, "the pattern set has no free slot")                                                  \
+  X(ulkErrLength, -119, "a length is negative, or a position and length lie outside the string")            \
+  X(ulkErrRegExpSyntax, -183, "bad escape or property in the pattern")                                      \
+  X(ulkErrRegExpClass, -184, "bad character class in the pattern")                                          \
+  X(ulkErrRegExpBackRef, -185, "reference to group 0 or to a group that does not exist, or a malformed one")\
+  X(ulkErrRegExpGroup, -186, "bad parenthesis or group in the pattern")                                     \
+  X(ulkErrRegExpQuantifier, -187, "bad quantifier in the pattern")                                          \
+  X(ulkErrMatchLimit, -188, "the match limit ran out during the search")                                    \
+  X(ulkErrInvalidState, -189, "the state does not hold a compiled expression")                              \
+  X(ulkErrRegExpOptions, -190, "bad letter in the options string")
+// clang-format on
 
+#define ULK_STATUS_CONSTANT(name, value, meaning) name = value,
+enum { ULK_STATUS_LIST(ULK_STATUS_CONSTANT) };
+#undef ULK_STATUS_CONSTANT
+
+/// @}
+/// @name Version
+/// @{
+
+/// The library's version.
 typedef struct ulkLibraryVersion {
   int32_t major;
   int32_t minor;
   int32_t majorBuild;
   int32_t build;
-  char targetCpu[4];
-  const char* Name;
-  const char* Version;
-  const char* BuildDate;
+  char targetCpu[4];      ///< the processor variant that this build is tuned for, padded with zero bytes
+  const char* Name;       ///< file name of the library
+  const char* Version;    ///< the version as text
+  const char* BuildDate;  ///< date of the release
 } ulkLibraryVersion;
 
-typedef struct ulkRegExpState ulkRegExpState;
-typedef struct ulkRegExpMultiState ulkRegExpMultiState;
-
-typedef struct ulkRegExpFind {
-  const uint8_t* pFound;
-  int32_t lenFound;
-} ulkRegExpFind;
-
+/// The version of this library.
+/// @return a constant record, the same one on every call; never null. The caller does not release it.
 ULK_API const ulkLibraryVersion* ULK_CALL ulkchGetLibVersion(void);
 
-ULK_API ulkStatus ULK_CALL ulksFind_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pFind, int32_t findLen, int32_t* pIndex);
-ULK_API ulkStatus ULK_CALL ulksFind_16u(const uint16_t* pSrc, int32_t srcLen, const uint16_t* pFind, int32_t findLen, int32_t* pIndex);
-ULK_API ulkStatus ULK_CALL ulksFindRev_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pFind, int32_t findLen, int32_t* pIndex);
-ULK_API ulkStatus ULK_CALL ulksFindRev_16u(const uint16_t* pSrc, int32_t srcLen, const uint16_t* pFind, int32_t findLen, int32_t* pIndex);
+/// @}
+/// @name Search
+///
+/// Where something stands in a text. The answer is an index: the position, in units from the start of the
+/// text, where the match begins; -1 when there is none, which is no error. Each function exists for 8-bit and
+/// for 16-bit units. The time is linear in the lengths, whatever the strings hold. Nothing outside the given
+/// strings is read.
+/// @{
+
+/// Finds the first occurrence of a substring. Occurrences may overlap. An empty `pFind` is never found, not
+/// even in an empty text.
+/// @param[in]  pSrc     the text
+/// @param[in]  srcLen   its length in units
+/// @param[in]  pFind    the substring
+/// @param[in]  findLen  its length in units
+/// @param[out] pIndex   lowest position p such that the units p .. p + findLen - 1 of the text equal `pFind`;
+/// -1 if none
+/// @retval ulkOk          `*pIndex` is set
+/// @retval ulkErrNullPtr  `pSrc`, `pFind` or `pIndex` is null
+/// @retval ulkErrLength   `srcLen` or `findLen` is negative
+ULK_API ulkStatus ULK_CALL ulksFind_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pFind,
+                                       int32_t findLen, int32_t* pIndex);
+/// @copydoc ulksFind_8u
+ULK_API ulkStatus ULK_CALL ulksFind_16u(const uint16_t* pSrc, int32_t srcLen, const uint16_t* pFind,
+                                        int32_t findLen, int32_t* pIndex);
+
+/// Finds the last occurrence of a substring: as ulksFind_8u(), but the highest position. The whole occurrence
+/// lies inside the text: two equal units are found at 1 in a text of three.
+/// @param[in]  pSrc     the text
+/// @param[in]  srcLen   its length in units
+/// @param[in]  pFind    the substring
+/// @param[in]  findLen  its length in units
+/// @param[out] pIndex   highest position where `pFind` stands; -1 if none
+/// @retval ulkOk          `*pIndex` is set
+/// @retval ulkErrNullPtr  `pSrc`, `pFind` or `pIndex` is null
+/// @retval ulkErrLength   `srcLen` or `findLen` is negative
+ULK_API ulkStatus ULK_CALL ulksFindRev_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pFind,
+                                          int32_t findLen, int32_t* pIndex);
+/// @copydoc ulksFindRev_8u
+ULK_API ulkStatus ULK_CALL ulksFindRev_16u(const uint16_t* pSrc, int32_t srcLen, const uint16_t* pFind,
+                                           int32_t findLen, int32_t* pIndex);
+
+/// Finds the first place of one unit.
+/// @param[in]  pSrc    the text
+/// @param[in]  srcLen  its length in units
+/// @param[in]  find    the unit
+/// @param[out] pIndex  lowest position of `find`; -1 if none
+/// @retval ulkOk          `*pIndex` is set
+/// @retval ulkErrNullPtr  `pSrc` or `pIndex` is null
+/// @retval ulkErrLength   `srcLen` is negative
 ULK_API ulkStatus ULK_CALL ulksFindC_8u(const uint8_t* pSrc, int32_t srcLen, uint8_t find, int32_t* pIndex);
-ULK_API ulkStatus ULK_CALL ulksFindC_16u(const uint16_t* pSrc, int32_t srcLen, uint16_t find, int32_t* pIndex);
-ULK_API ulkStatus ULK_CALL ulksFindRevC_8u(const uint8_t* pSrc, int32_t srcLen, uint8_t find, int32_t* pIndex);
-ULK_API ulkStatus ULK_CALL ulksFindRevC_16u(const uint16_t* pSrc, int32_t srcLen, uint16_t find, int32_t* pIndex);
-ULK_API ulkStatus ULK_CALL ulksFindCAny_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pSet, int32_t setLen, int32_t* pIndex);
-ULK_API ulkStatus ULK_CALL ulksFindCAny_16u(const uint16_t* pSrc, int32_t srcLen, const uint16_t* pSet, int32_t setLen, int32_t* pIndex);
-ULK_API ulkStatus ULK_CALL ulksFindRevCAny_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pSet, int32_t setLen, int32_t* pIndex);
-ULK_API ulkStatus ULK_CALL ulksFindRevCAny_16u(const uint16_t* pSrc, int32_t srcLen, const uint16_t* pSet, int32_t setLen, int32_t* pIndex);
+/// @copydoc ulksFindC_8u
+ULK_API ulkStatus ULK_CALL ulksFindC_16u(const uint16_t* pSrc, int32_t srcLen, uint16_t find,
+                                         int32_t* pIndex);
+
+/// Finds the last place of one unit.
+/// @param[in]  pSrc    the text
+/// @param[in]  srcLen  its length in units
+/// @param[in]  find    the unit
+/// @param[out] pIndex  highest position of `find`; -1 if none
+/// @retval ulkOk          `*pIndex` is set
+/// @retval ulkErrNullPtr  `pSrc` or `pIndex` is null
+/// @retval ulkErrLength   `srcLen` is negative
+ULK_API ulkStatus ULK_CALL ulksFindRevC_8u(const uint8_t* pSrc, int32_t srcLen, uint8_t find,
+                                           int32_t* pIndex);
+/// @copydoc ulksFindRevC_8u
+ULK_API ulkStatus ULK_CALL ulksFindRevC_16u(const uint16_t* pSrc, int32_t srcLen, uint16_t find,
+                                            int32_t* pIndex);
+
+/// Finds the first unit that belongs to a set.
+/// @param[in]  pSrc    the text
+/// @param[in]  srcLen  its length in units
+/// @param[in]  pSet    the members of the set, in any order; repeated members change nothing
+/// @param[in]  setLen  their number; an empty set is never found
+/// @param[out] pIndex  lowest position whose unit equals any member; -1 if none
+/// @retval ulkOk          `*pIndex` is set
+/// @retval ulkErrNullPtr  `pSrc`, `pSet` or `pIndex` is null
+/// @retval ulkErrLength   `srcLen` or `setLen` is negative
+ULK_API ulkStatus ULK_CALL ulksFindCAny_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pSet,
+                                           int32_t setLen, int32_t* pIndex);
+/// @copydoc ulksFindCAny_8u
+ULK_API ulkStatus ULK_CALL ulksFindCAny_16u(const uint16_t* pSrc, int32_t srcLen, const uint16_t* pSet,
+                                            int32_t setLen, int32_t* pIndex);
+
+/// Finds the last unit that belongs to a set.
+/// @param[in]  pSrc    the text
+/// @param[in]  srcLen  its length in units
+/// @param[in]  pSet    the members of the set, in any order; repeated members change nothing
+/// @param[in]  setLen  their number; an empty set is never found
+/// @param[out] pIndex  highest position whose unit equals any member; -1 if none
+/// @retval ulkOk          `*pIndex` is set
+/// @retval ulkErrNullPtr  `pSrc`, `pSet` or `pIndex` is null
+/// @retval ulkErrLength   `srcLen` or `setLen` is negative
+ULK_API ulkStatus ULK_CALL ulksFindRevCAny_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pSet,
+                                              int32_t setLen, int32_t* pIndex);
+/// @copydoc ulksFindRevCAny_8u
+ULK_API ulkStatus ULK_CALL ulksFindRevCAny_16u(const uint16_t* pSrc, int32_t srcLen, const uint16_t* pSet,
+                                               int32_t setLen, int32_t* pIndex);
+
+/// Finds the first occurrence of a zero-terminated substring in a zero-terminated text, as ulksFind_8u()
+/// does; the terminators take no part.
+/// @param[in]  pSrc    the text, up to its first zero unit
+/// @param[in]  pFind   the substring, up to its first zero unit
+/// @param[out] pIndex  lowest position where `pFind` stands; -1 if none
+/// @retval ulkOk          `*pIndex` is set
+/// @retval ulkErrNullPtr  `pSrc`, `pFind` or `pIndex` is null
 ULK_API ulkStatus ULK_CALL ulksFind_Z_8u(const uint8_t* pSrc, const uint8_t* pFind, int32_t* pIndex);
+/// @copydoc ulksFind_Z_8u
 ULK_API ulkStatus ULK_CALL ulksFind_Z_16u(const uint16_t* pSrc, const uint16_t* pFind, int32_t* pIndex);
+
+/// Finds the first place of one unit in a zero-terminated text. A `find` of 0 is never found.
+/// @param[in]  pSrc    the text, up to its first zero unit
+/// @param[in]  find    the unit
+/// @param[out] pIndex  lowest position of `find`; -1 if none
+/// @retval ulkOk          `*pIndex` is set
+/// @retval ulkErrNullPtr  `pSrc` or `pIndex` is null
 ULK_API ulkStatus ULK_CALL ulksFindC_Z_8u(const uint8_t* pSrc, uint8_t find, int32_t* pIndex);
+/// @copydoc ulksFindC_Z_8u
 ULK_API ulkStatus ULK_CALL ulksFindC_Z_16u(const uint16_t* pSrc, uint16_t find, int32_t* pIndex);
 
+/// @}
+/// @name Regular expressions: the compiled expression
+///
+/// An expression is compiled into one buffer, its state: either ask for the size with ulksRegExpGetSize(),
+/// provide the buffer and call ulksRegExpInit(), or let ulksRegExpInitAlloc() allocate it. The setters may
+/// then change how it searches; any number of searches follow.
+///
+/// What a caller must know about a state:
+/// - A buffer of the caller's own is aligned for a pointer and has at least the size that ulksRegExpGetSize()
+/// gives for
+///   the same pattern; neither is checked.
+/// - A state holds addresses into itself: it is used where it was compiled, never copied or moved.
+/// - A search writes to the state, so one state serves one search at a time. Different states are
+/// independent.
+/// - After a failed compile the buffer holds no expression, but may look as if it did: do not search with it.
+///
+/// Options are letters, in any order:
+///
+/// | Letter | Effect |
+/// |---|---|
+/// | `s` | "." also matches a newline (byte 10) |
+/// | `m` | "^" and "$" also match at the start and the end of each line |
+/// | `i` | letters match in either case |
+/// | `x` | white space in the pattern is skipped, "#" starts a comment that goes to the end of the line |
+/// | `g` | global: report or replace every match; makes no difference to the compile |
+/// @{
+
+/// A compiled expression. Its layout is the library's own.
+typedef struct ulkRegExpState ulkRegExpState;
+
+/// A set of compiled expressions that are searched together. Its layout is the library's own.
+typedef struct ulkRegExpMultiState ulkRegExpMultiState;
+
+/// Tells how large a buffer a pattern needs. The pattern is not parsed: one that does not compile has a size
+/// too.
+/// @param[in]  pPattern  the pattern, zero-terminated
+/// @param[out] pSize     the size of the state in bytes: 20 for each byte of the pattern and 40052 more (in a
+/// 32-bit
+///                       process; more in a 64-bit one)
+/// @retval ulkOk          `*pSize` is set
+/// @retval ulkErrNullPtr  `pPattern` or `pSize` is null
 ULK_API ulkStatus ULK_CALL ulksRegExpGetSize(const char* pPattern, int32_t* pSize);
-ULK_API ulkStatus ULK_CALL ulksRegExpInit(const char* pPattern, const char* pOptions, ulkRegExpState* pState, int32_t* pErrOffset);
-ULK_API ulkStatus ULK_CALL ulksRegExpInitAlloc(const char* pPattern, const char* pOptions, ulkRegExpState** ppState, int32_t* pErrOffset);
+
+/// Compiles an expression into a buffer of the caller's. The match limit becomes 10000 and the format 1
+/// (UTF-8), also when the buffer held an expression before.
+/// @param[in]  pPattern    the pattern, zero-terminated
+/// @param[in]  pOptions    the option letters, zero-terminated; null for none
+/// @param[out] pState      the buffer, of the size that ulksRegExpGetSize() gives, aligned for a pointer
+/// @param[out] pErrOffset  written only when the pattern or the options are refused: where in the pattern, in
+/// bytes from
+///                         its start, the error was noticed; 0 for bad options
+/// @retval ulkOk                   the state is ready for searches
+/// @retval ulkErrNullPtr           `pPattern`, `pState` or `pErrOffset` is null; nothing was written
+/// @retval ulkErrRegExpOptions     a letter other than s, m, i, x, g in the options
+/// @retval ulkErrRegExpSyntax      a bad escape or property
+/// @retval ulkErrRegExpClass       a bad character class
+/// @retval ulkErrRegExpBackRef     a reference to group 0 or to a group that does not exist
+/// @retval ulkErrRegExpGroup       a bad parenthesis or group, or too many of them
+/// @retval ulkErrRegExpQuantifier  a bad quantifier
+ULK_API ulkStatus ULK_CALL ulksRegExpInit(const char* pPattern, const char* pOptions, ulkRegExpState* pState,
+                                          int32_t* pErrOffset);
+
+/// Compiles an expression into a buffer that the library allocates; ulksRegExpFree() releases it.
+/// @param[in]  pPattern    the pattern, zero-terminated
+/// @param[in]  pOptions    the option letters, zero-terminated; null for none
+/// @param[out] ppState     the new state; null when the compile or the allocation failed
+/// @param[out] pErrOffset  as for ulksRegExpInit()
+/// @retval ulkOk          the state is ready for searches
+/// @retval ulkErrNullPtr  `pPattern`, `ppState` or `pErrOffset` is null, or there is no memory
+/// @return otherwise the compile error of ulksRegExpInit(); nothing is left to release
+ULK_API ulkStatus ULK_CALL ulksRegExpInitAlloc(const char* pPattern, const char* pOptions,
+                                               ulkRegExpState** ppState, int32_t* pErrOffset);
+
+/// Releases a state from ulksRegExpInitAlloc(). Null is accepted.
+/// @param[in] pState  the state; no other function may be using it
 ULK_API void ULK_CALL ulksRegExpFree(ulkRegExpState* pState);
+
+/// Releases a set that the library allocated: the same operation as ulksRegExpFree(). The set's members are
+/// not released.
+/// @param[in] pState  the set; null is accepted
 ULK_API void ULK_CALL ulksRegExpMultiFree(ulkRegExpMultiState* pState);
+
+/// Sets the match limit: how many steps of its program one call of a search may take in all, before it gives
+/// up with #ulkErrMatchLimit. To be called after the compile, which sets it to 10000. The state is not
+/// checked to be a compiled one.
+///
+/// A search at the default limit uses at most 512 KiB of stack. Where a larger limit would let it need more,
+/// it ends as if the limit had run out; it never overflows a thread's stack of 1 MiB.
+/// @param[in]     matchLimit  the limit, 0 or more
+/// @param[in,out] pState      the compiled state
+/// @retval ulkOk          the limit is set
+/// @retval ulkErrNullPtr  `pState` is null
+/// @retval ulkErrLength   `matchLimit` is negative
 ULK_API ulkStatus ULK_CALL ulksRegExpSetMatchLimit(int32_t matchLimit, ulkRegExpState* pState);
+
+/// Sets the format of the texts to be searched. To be called after the compile, which sets it to 1. The state
+/// is not checked to be a compiled one.
+/// @param[in]     format  0: a character is one byte; 1: texts are UTF-8
+/// @param[in,out] pState  the compiled state
+/// @retval ulkOk               the format is set
+/// @retval ulkErrNullPtr       `pState` is null
+/// @retval ulkErrRegExpFormat  `format` is neither 0 nor 1
 ULK_API ulkStatus ULK_CALL ulksRegExpSetFormat(int32_t format, ulkRegExpState* pState);
-ULK_API ulkStatus ULK_CALL ulksRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState, ulkRegExpFind* pFind, int32_t* pNumFind);
+
+/// @}
+/// @name Regular expressions: search
+/// @{
+
+/// Where a match or a capture group of it stands.
+typedef struct ulkRegExpFind {
+  const uint8_t* pFound;  ///< its first byte, in the caller's text; null for a group that took no part
+  int32_t lenFound;       ///< its length in bytes, possibly 0; -1 for a group that took no part
+} ulkRegExpFind;
+
+/// Searches a text for a compiled expression.
+///
+/// Without the option `g` the first match is reported: record 0 is the whole match, record k is capture group
+/// k. With `g`, successive matches that do not overlap are reported one after the other, as long as the
+/// records of a whole further match fit: for an expression without groups one record a match, the whole
+/// match; for one with groups only the groups of each match. Records that were not filled stay as they were.
+///
+/// When the pattern ends in a literal, the text counts as ending after the last occurrence of that literal,
+/// for "$" and lookahead too; a text in which it does not occur counts as empty.
+///
+/// What a caller must know to be safe:
+/// - The search may look at bytes after the end of the text: at the one after it, and in format 1 at those
+/// that would
+///   continue a last UTF-8 sequence. Keep them readable; a zero byte after the text ends every such look.
+/// - A reported match may end beyond the text: when the text ends inside a UTF-8 sequence, and after some
+/// lazy repeats of
+///   a single byte that failed. A program that copies a match limits its length to the end of the text.
+/// - The call writes to the state: one search per state at a time.
+/// - It uses up to 512 KiB of stack at the default match limit; see ulksRegExpSetMatchLimit().
+/// @param[in]     pSrc          the text
+/// @param[in]     srcLen        its length in bytes
+/// @param[in,out] pRegExpState  the compiled expression; must not come from a failed compile
+/// @param[out]    pFind         the records
+/// @param[in,out] pNumFind      in: the number of records in `pFind`, at least 1. Out: the number filled, 0
+/// when nothing
+///                              matches. Must not be null: unlike the other pointers, it is used without a
+///                              check
+/// @retval ulkOk               `*pNumFind` records are filled
+/// @retval ulkErrNullPtr       `pSrc`, `pRegExpState` or `pFind` is null
+/// @retval ulkErrLength        `srcLen` is negative
+/// @retval ulkErrSize          `*pNumFind` is below 1
+/// @retval ulkErrInvalidState  `pRegExpState` does not hold a compiled expression
+/// @retval ulkErrMatchLimit    the match limit ran out. Without `g`: nothing was found by then, no record is
+/// filled and
+///                             `*pNumFind` is at most the number of groups plus one. With `g`: the matches
+///                             found by then are in `pFind`, but `*pNumFind` is unchanged
+ULK_API ulkStatus ULK_CALL ulksRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen,
+                                             ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
+                                             int32_t* pNumFind);
+
+/// @}
 
 #ifdef __cplusplus
 }
