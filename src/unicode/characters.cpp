@@ -41,8 +41,8 @@ bool intersects(uint32_t category, uint32_t mask) {
 bool acceptsCategory(int32_t codePoint, uint32_t mask, bool negated) {
   const CharacterRecord& record = recordOf(codePoint);
   if (record.source != kUnlisted && intersects(record.mask, mask) != negated) return true;
-  // A ranged character that was refused goes on as an unassigned one, so \p{Cn} accepts an ideograph. What lies
-  // above the last line of the data counts as nothing at all.
+  // A ranged character that was refused goes on as an unassigned one, so \p{Cn} accepts an ideograph. What
+  // lies above the last line of the data counts as nothing at all.
   return record.source != kListed && mask == kUnassigned && codePoint <= kLastListed;
 }
 
