@@ -17,10 +17,9 @@
 /// a search from the end, `_Z` zero-terminated inputs.
 ///
 /// **Checks** come before anything is written and stop at the first failure: pointers in the order of the
-/// arguments
-/// (#ulkErrNullPtr), then lengths (#ulkErrLength), then counts, capacities and sizes (#ulkErrSize), then the
-/// validity of a state (#ulkErrInvalidState). A refused call has written nothing. Departures are stated with
-/// the function.
+/// arguments (#ulkErrNullPtr), then lengths (#ulkErrLength), then counts, capacities and sizes (#ulkErrSize),
+/// then the validity of a state (#ulkErrInvalidState). A refused call has written nothing. Departures are
+/// stated with the function.
 ///
 /// **Threads**: every function may be called from any thread at any time, as long as no two calls running at
 /// the same time share memory that one of them writes. A search writes to its compiled expression.
@@ -62,7 +61,8 @@ extern "C" {
 typedef int32_t ulkStatus;
 
 // clang-format off
-/// All status codes, `X(name, value, meaning)` for each; programs can use the list to make tables of their own.
+/// All status codes, `X(name, value, meaning)` for each; programs can use the list to make tables of their
+/// own.
 #define ULK_STATUS_LIST(X)                                                                                  \
   X(ulkOk, 0, "success")                                                                                    \
   X(ulkWrnSlotsExhausted, 26, "the source held more substrings than the destination has slots")             \
@@ -124,7 +124,7 @@ ULK_API const ulkLibraryVersion* ULK_CALL ulkchGetLibVersion(void);
 /// @param[in]  pFind    the substring
 /// @param[in]  findLen  its length in units
 /// @param[out] pIndex   lowest position p such that the units p .. p + findLen - 1 of the text equal `pFind`;
-/// -1 if none
+///                      -1 if none
 /// @retval ulkOk          `*pIndex` is set
 /// @retval ulkErrNullPtr  `pSrc`, `pFind` or `pIndex` is null
 /// @retval ulkErrLength   `srcLen` or `findLen` is negative
@@ -237,11 +237,10 @@ ULK_API ulkStatus ULK_CALL ulksFindC_Z_16u(const uint16_t* pSrc, uint16_t find, 
 ///
 /// What a caller must know about a state:
 /// - A buffer of the caller's own is aligned for a pointer and has at least the size that ulksRegExpGetSize()
-/// gives for
-///   the same pattern; neither is checked.
+///   gives for the same pattern; neither is checked.
 /// - A state holds addresses into itself: it is used where it was compiled, never copied or moved.
 /// - A search writes to the state, so one state serves one search at a time. Different states are
-/// independent.
+///   independent.
 /// - After a failed compile the buffer holds no expression, but may look as if it did: do not search with it.
 ///
 /// Options are letters, in any order:
@@ -265,8 +264,7 @@ typedef struct ulkRegExpMultiState ulkRegExpMultiState;
 /// too.
 /// @param[in]  pPattern  the pattern, zero-terminated
 /// @param[out] pSize     the size of the state in bytes: 20 for each byte of the pattern and 40052 more (in a
-/// 32-bit
-///                       process; more in a 64-bit one)
+///                       32-bit process; more in a 64-bit one)
 /// @retval ulkOk          `*pSize` is set
 /// @retval ulkErrNullPtr  `pPattern` or `pSize` is null
 ULK_API ulkStatus ULK_CALL ulksRegExpGetSize(const char* pPattern, int32_t* pSize);
@@ -277,8 +275,7 @@ ULK_API ulkStatus ULK_CALL ulksRegExpGetSize(const char* pPattern, int32_t* pSiz
 /// @param[in]  pOptions    the option letters, zero-terminated; null for none
 /// @param[out] pState      the buffer, of the size that ulksRegExpGetSize() gives, aligned for a pointer
 /// @param[out] pErrOffset  written only when the pattern or the options are refused: where in the pattern, in
-/// bytes from
-///                         its start, the error was noticed; 0 for bad options
+///                         bytes from its start, the error was noticed; 0 for bad options
 /// @retval ulkOk                   the state is ready for searches
 /// @retval ulkErrNullPtr           `pPattern`, `pState` or `pErrOffset` is null; nothing was written
 /// @retval ulkErrRegExpOptions     a letter other than s, m, i, x, g in the options
@@ -354,11 +351,11 @@ typedef struct ulkRegExpFind {
 ///
 /// What a caller must know to be safe:
 /// - The search may look at bytes after the end of the text: at the one after it, and in format 1 at those
-/// that would
-///   continue a last UTF-8 sequence. Keep them readable; a zero byte after the text ends every such look.
+///   that would continue a last UTF-8 sequence. Keep them readable; a zero byte after the text ends every
+///   such look.
 /// - A reported match may end beyond the text: when the text ends inside a UTF-8 sequence, and after some
-/// lazy repeats of
-///   a single byte that failed. A program that copies a match limits its length to the end of the text.
+///   lazy repeats of a single byte that failed. A program that copies a match limits its length to the end of
+///   the text.
 /// - The call writes to the state: one search per state at a time.
 /// - It uses up to 512 KiB of stack at the default match limit; see ulksRegExpSetMatchLimit().
 /// @param[in]     pSrc          the text
@@ -366,18 +363,16 @@ typedef struct ulkRegExpFind {
 /// @param[in,out] pRegExpState  the compiled expression; must not come from a failed compile
 /// @param[out]    pFind         the records
 /// @param[in,out] pNumFind      in: the number of records in `pFind`, at least 1. Out: the number filled, 0
-/// when nothing
-///                              matches. Must not be null: unlike the other pointers, it is used without a
-///                              check
+///                              when nothing matches. Must not be null: unlike the other pointers, it is used
+///                              without a check
 /// @retval ulkOk               `*pNumFind` records are filled
 /// @retval ulkErrNullPtr       `pSrc`, `pRegExpState` or `pFind` is null
 /// @retval ulkErrLength        `srcLen` is negative
 /// @retval ulkErrSize          `*pNumFind` is below 1
 /// @retval ulkErrInvalidState  `pRegExpState` does not hold a compiled expression
 /// @retval ulkErrMatchLimit    the match limit ran out. Without `g`: nothing was found by then, no record is
-/// filled and
-///                             `*pNumFind` is at most the number of groups plus one. With `g`: the matches
-///                             found by then are in `pFind`, but `*pNumFind` is unchanged
+///                             filled and `*pNumFind` is at most the number of groups plus one. With `g`: the
+///                             matches found by then are in `pFind`, but `*pNumFind` is unchanged
 ULK_API ulkStatus ULK_CALL ulksRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen,
                                              ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
                                              int32_t* pNumFind);
