@@ -1,1 +1,256 @@
-// In progress.
+// Repeats: one item, matched as often as its quantifier allows.
+//
+// A greedy repeat takes as many items as it can, then gives them back one at a time; a lazy one takes one more each time
+// what follows has failed. The items are taken by loops; only what follows a repeat is a choice.
+#include <algorithm>
+
+#include "regexp/byte_sets.h"
+#include "regexp/bytes.h"
+#include "regexp/items.h"
+#include "regexp/matcher.h"
+#include "unicode/unicode.h"
+
+namespace ulk {
+
+namespace {
+
+// Takes up to `most` items from m.at on, moves m.at behind them and returns how many there were.
+int32_t takeItems(MatchContext& m, const RxNode& item, int32_t most) {
+  const uint8_t* const start = m.at;
+  const uint8_t* at = start;
+  // A byte below 0x80 is a character by itself; as long as there are only such bytes, they are also the count.
+  const uint8_t* const end = start + std::min(most, m.remaining());
+  const uint32_t options = m.options;
+  switch (item.code) {
+    case RX_CHAR:
+      while (at < end && sameByte(item.op1, *at, options)) ++at;
+      m.at = at;
+      return static_cast<int32_t>(at - start);
+    case RX_BYTE:
+      m.at = end;
+      return static_cast<int32_t>(end - start);
+    case RX_CHARTYPE: {
+      const uint8_t set = byteSetOf(item.op1, options);
+      while (at < end && *at < 0x80 && inByteSet(*at, set)) ++at;
+      break;
+    }
+    case RX_CLASS:
+      while (at < end && *at < 0x80 && classAcceptsByte(item, *at, options)) ++at;
+      break;
+    default: break;
+  }
+  int32_t count = static_cast<int32_t>(at - start);
+  for (; count < most; ++count) {
+    const int32_t length = itemLength(m, item, at);
+    if (length == kNoMatch) break;
+    at += length;
+  }
+  m.at = at;
+  return count;
+}
+
+bool takeRequiredItems(MatchContext& m, const RxNode& item, int32_t count) {
+  return count == 0 || takeItems(m, item, count) == count;
+}
+
+ChoiceKind greedyKind(const RxNode& item) {
+  switch (item.code) {
+    case RX_CHAR:
+    case RX_BYTE: return ChoiceKind::kGreedyBytes;
+    case RX_XSEQ: return ChoiceKind::kGreedySequences;
+    case RX_BACKREF: return ChoiceKind::kGreedyBackref;
+    default: return ChoiceKind::kGreedyChars;
+  }
+}
+
+Next stepGreedy(MatchContext& m, const RxNode& item, const RxNode& quantifier, int32_t next) {
+  const int32_t least = quantifier.op1;
+  const int32_t most = std::min(quantifier.op2, m.remaining());
+  if (!takeRequiredItems(m, item, least)) return Next::kFail;
+  const int32_t leastAt = m.offset();
+  const int32_t spare = most > least ? takeItems(m, item, most - least) : 0;
+  m.node = next;
+  if (spare == 0) return Next::kGoOn;
+  Choice& choice = m.push(greedyKind(item));
+  choice.greedy.leastAt = leastAt;
+  choice.greedy.itemLength = (choice.at - leastAt) / spare;
+  choice.greedy.spare = spare;
+  return Next::kGoOn;
+}
+
+// The start of the character that ends at `at`, when characters are decoded from `from` on. A byte that is no
+// continuation byte always starts a character; a continuation byte belongs to the nearest such byte before it if that
+// one's sequence reaches here, and is a character by itself if not.
+const uint8_t* previousCharacter(const uint8_t* from, const uint8_t* at) {
+  const uint8_t* lead = at - 1;
+  while (lead > from && at - lead < 6 && isContinuation(*lead)) --lead;
+  return lead + decodeUtf8(lead).length == at ? lead : at - 1;
+}
+
+const uint8_t* previousSequence(const uint8_t* from, const uint8_t* at) {
+  do {
+    at = previousCharacter(from, at);
+  } while (at > from && isMark(decodeUtf8(at).value));
+  return at;
+}
+
+// Takes back the last of the items; the choice is spent when only the required ones are left.
+void giveBack(const MatchContext& m, Choice& choice) {
+  const uint8_t* const from = m.textStart + choice.greedy.leastAt;
+  const uint8_t* const at = m.textStart + choice.at;
+  switch (choice.kind) {
+    case ChoiceKind::kGreedyBytes: --choice.at; break;
+    case ChoiceKind::kGreedyChars: choice.at = static_cast<int32_t>(previousCharacter(from, at) - m.textStart); break;
+    case ChoiceKind::kGreedySequences: choice.at = static_cast<int32_t>(previousSequence(from, at) - m.textStart); break;
+    default: choice.at -= choice.greedy.itemLength; break;
+  }
+}
+
+// A literal byte that must stand where the program goes on at `node`, or -1. An attempt without it costs one step and
+// fails, so it may be paid for instead of made.
+int32_t requiredByte(const MatchContext& m, int32_t node) {
+  if (node == m.endNode || (m.options & RX_OPT_CASELESS) || m.hasQuantifier(node + 1)) return -1;
+  const RxNode& next = m.nodes[node];
+  if (next.code == RX_CHAR) return next.op1;
+  if (next.code == RX_STRING) return *static_cast<const uint8_t*>(next.text);
+  return -1;
+}
+
+bool failsAtOnce(const MatchContext& m, int32_t required) {
+  return required >= 0 && m.at <= m.textEnd && (m.at == m.textEnd || *m.at != required);
+}
+
+// A lazy repeat of one byte looks for the literal that follows it before it tries anything, and places without it cost
+// no step. Whether that literal is itself optional is not asked.
+bool mayContinue(const MatchContext& m, const RxNode& item, int32_t next) {
+  if (item.code != RX_CHAR && item.code != RX_BYTE) return true;
+  if (next >= m.numNodes || m.nodes[next].code != RX_CHAR || (m.options & RX_OPT_CASELESS)) return true;
+  return m.at < m.textEnd && *m.at == m.nodes[next].op1;
+}
+
+// The repeat has no choice left.
+Next fail(MatchContext& m) {
+  m.pop();
+  return Next::kFail;
+}
+
+// The bytes of a lazy repeat of one byte stay counted in the match length when it fails in the end.
+Next failLazy(MatchContext& m, const Choice& choice) {
+  if (m.nodes[choice.node].code == RX_CHAR) m.surplus += choice.lazy.count;
+  return fail(m);
+}
+
+bool takeOneMore(MatchContext& m, Choice& choice, const RxNode& item) {
+  if (choice.lazy.count >= choice.lazy.most) return false;
+  const int32_t length = itemLength(m, item, m.at);
+  if (length == kNoMatch) return false;
+  m.at += length;
+  ++choice.lazy.count;
+  return true;
+}
+
+// Tries what follows the repeat at the present count, or at the next one where it may be tried.
+Next continueLazy(MatchContext& m, Choice& choice) {
+  const RxNode& item = m.nodes[choice.node];
+  const int32_t next = afterItem(m, choice.node) + 1;
+  while (m.budget < 0 || !mayContinue(m, item, next)) {
+    if (!takeOneMore(m, choice, item)) return failLazy(m, choice);
+  }
+  choice.at = m.offset();
+  return goOn(m, next);
+}
+
+// Takes the character at the position into a lazy repeat of code points or properties.
+bool takeCharacter(MatchContext& m, Choice& choice, Utf8Char character) {
+  m.at += character.length;
+  return ++choice.lazy.count <= choice.lazy.most && m.at <= m.textEnd;
+}
+
+// A lazy code point looks at the character first, also at the end of the text: one that differs makes the run match as
+// it stands, whatever follows in the program.
+Next continueLazyCodePoint(MatchContext& m, Choice& choice) {
+  for (;;) {
+    const Utf8Char character = decodeUtf8(m.at);
+    if (!codePointAccepts(m.nodes[choice.node], character.value, m.options)) return Next::kMatched;
+    if (m.budget >= 0) {
+      choice.at = m.offset();
+      return goOn(m, choice.node + 2);
+    }
+    if (!takeCharacter(m, choice, character)) return fail(m);
+  }
+}
+
+// A lazy property takes every character, but tries what follows only before one that has the property.
+Next continueLazyProperty(MatchContext& m, Choice& choice) {
+  for (;;) {
+    const Utf8Char character = decodeUtf8(m.at);
+    if (m.budget < 0) return fail(m);
+    if (propertyAccepts(m.nodes[choice.node], character.value)) {
+      choice.at = m.offset();
+      return goOn(m, choice.node + 2);
+    }
+    if (!takeCharacter(m, choice, character)) return fail(m);
+  }
+}
+
+Next stepLazy(MatchContext& m, const RxNode& item, const RxNode& quantifier) {
+  const int32_t least = quantifier.op1;
+  const int32_t most = std::min(quantifier.op2, m.remaining());
+  if (least > m.remaining() || !takeRequiredItems(m, item, least)) return Next::kFail;
+  Choice& choice = m.push(ChoiceKind::kLazy);
+  choice.lazy = {least, most};
+  switch (item.code) {
+    case RX_CODEPOINT:
+      choice.kind = ChoiceKind::kLazyCodePoint;
+      return m.at <= m.textEnd ? continueLazyCodePoint(m, choice) : fail(m);
+    case RX_CATEGORY:
+    case RX_UNIRANGE:
+    case RX_SCRIPT:
+      choice.kind = ChoiceKind::kLazyProperty;
+      return m.at <= m.textEnd ? continueLazyProperty(m, choice) : fail(m);
+    default: return continueLazy(m, choice);
+  }
+}
+
+}  // namespace
+
+Next stepRepeat(MatchContext& m, int32_t item, int32_t quantifier) {
+  const RxNode& node = m.nodes[quantifier];
+  if (node.code == RX_REPEAT_LAZY) return stepLazy(m, m.nodes[item], node);
+  return stepGreedy(m, m.nodes[item], node, quantifier + 1);
+}
+
+Next retryGreedy(MatchContext& m, Choice& choice) {
+  if (m.budget < 0) return fail(m);
+  const int32_t required = requiredByte(m, choice.node);
+  do {
+    giveBack(m, choice);
+    --choice.greedy.spare;
+    m.moveTo(choice.at);
+    if (!failsAtOnce(m, required)) {
+      m.node = choice.node;
+      if (choice.greedy.spare == 0) m.pop();
+      return Next::kGoOn;
+    }
+    --m.budget;
+  } while (choice.greedy.spare > 0 && m.budget >= 0);
+  return fail(m);
+}
+
+Next retryLazy(MatchContext& m, Choice& choice) {
+  const RxNode& item = m.nodes[choice.node];
+  m.moveTo(choice.at);
+  return takeOneMore(m, choice, item) ? continueLazy(m, choice) : failLazy(m, choice);
+}
+
+Next retryLazyCodePoint(MatchContext& m, Choice& choice) {
+  m.moveTo(choice.at);
+  return takeCharacter(m, choice, decodeUtf8(m.at)) ? continueLazyCodePoint(m, choice) : fail(m);
+}
+
+Next retryLazyProperty(MatchContext& m, Choice& choice) {
+  m.moveTo(choice.at);
+  return takeCharacter(m, choice, decodeUtf8(m.at)) ? continueLazyProperty(m, choice) : fail(m);
+}
+
+}  // namespace ulk

@@ -1,1 +1,201 @@
-// In progress.
+// The search driver: chooses where the matcher starts, and turns its results into find records.
+#include "regexp/search.h"
+
+#include <algorithm>
+
+#include "regexp/matcher.h"
+#include "regexp/start_filter.h"
+#include "regexp/utf8.h"
+
+namespace ulk {
+
+namespace {
+
+enum class Anchor {
+  kNone,       // a match may begin anywhere
+  kLineStart,  // only at the text start and after newlines
+  kTextStart,  // only at the text start
+};
+
+uint8_t toUpper(uint8_t c) { return c >= 'a' && c <= 'z' ? static_cast<uint8_t>(c - 0x20) : c; }
+
+int32_t findRevCaseless(const uint8_t* text, int32_t length, const uint8_t* literal, int32_t literalLength) {
+  const auto same = [](uint8_t a, uint8_t b) { return toUpper(a) == toUpper(b); };
+  for (int32_t i = length - literalLength; i >= 0; --i)
+    if (std::equal(literal, literal + literalLength, text + i, same)) return i;
+  return -1;
+}
+
+// A match ends with the pattern's trailing literal, so nothing after its last occurrence is searched; where it does not
+// occur, only the empty text is left. The cut is the end of the text also for assertions.
+int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, int32_t length) {
+  if (state.trailingLiteral < 0) return length;
+  const RxNode& literal = state.nodes()[state.trailingLiteral];
+  const auto byte = static_cast<uint8_t>(literal.op1);
+  const bool isByte = literal.code == RX_CHAR;
+  const uint8_t* const bytes = isByte ? &byte : static_cast<const uint8_t*>(literal.text);
+  const int32_t literalLength = isByte ? 1 : literal.op2;
+  int32_t index = -1;
+  if (literal.op3 & RX_OPT_CASELESS) {
+    index = findRevCaseless(text, length, bytes, literalLength);
+  } else if (isByte) {
+    ulksFindRevC_8u(text, length, byte, &index);
+  } else {
+    ulksFindRev_8u(text, length, bytes, literalLength, &index);
+  }
+  return index < 0 ? 0 : index + literalLength;
+}
+
+int32_t nextTopLevelBar(const ulkRegExpState& state, int32_t from) {
+  return findBar(state.nodes(), from, state.numNodes, kTopLevel);
+}
+
+Anchor anchorOf(const ulkRegExpState& state) {
+  const RxNode* const nodes = state.nodes();
+  if (state.numNodes == 0 || nodes[0].code != RX_ASSERT || startFilterOf(state).firstBar >= 0) return Anchor::kNone;
+  const bool optional = state.numNodes > 1 && isQuantifier(nodes[1]) && nodes[1].op1 == 0;
+  switch (nodes[0].op1) {
+    case '^':
+      // An optional "^" with multiline still restricts the search to line starts.
+      if (state.options & RX_OPT_MULTILINE) return Anchor::kLineStart;
+      [[fallthrough]];
+    case 'A':
+    case 'G': return optional ? Anchor::kNone : Anchor::kTextStart;
+    default: return Anchor::kNone;
+  }
+}
+
+class Search {
+ public:
+  Search(ulkRegExpState& state, const uint8_t* text, int32_t length)
+      : state_(state), anchor_(anchorOf(state)), end_(text + cutAtTrailingLiteral(state, text, length)) {
+    m_.node = 0;
+    m_.endNode = state.numNodes;
+    m_.options = state.options;
+    m_.budget = state.matchLimit;
+    m_.nonEmpty = false;
+    m_.numCaptures = state.numCaptures;
+    m_.numNodes = state.numNodes;
+    m_.textStart = text;
+    m_.nodes = state.nodes();
+    m_.captures = state.captures;
+    m_.frames = state.frames;
+  }
+
+  ulkStatus findOne(ulkRegExpFind* records, int32_t* numRecords);
+  ulkStatus findAll(ulkRegExpFind* records, int32_t* numRecords, bool replaceMode);
+
+ private:
+  bool findFrom(const uint8_t* start, const uint8_t* end);
+  bool matchAt(const uint8_t* start);
+  bool matchAlternative(int32_t first);
+  const uint8_t* nextStart(const uint8_t* at) const;
+  bool outOfBudget() const { return m_.budget < 0; }
+  int32_t copyCaptures(ulkRegExpFind* records, int32_t first, int32_t last) const;
+
+  ulkRegExpState& state_;
+  MatchContext m_;
+  const Anchor anchor_;
+  const uint8_t* const end_;
+};
+
+// The character after the one at `at`; with a line anchor, the next line start. Beyond the end if there is none.
+const uint8_t* Search::nextStart(const uint8_t* at) const {
+  do {
+    if (at >= m_.textEnd) return m_.textEnd + 1;
+    at += state_.format == kFormatUtf8 ? decodeUtf8(at).length : 1;
+  } while (anchor_ == Anchor::kLineStart && at <= m_.textEnd && at[-1] != '\n');
+  return at;
+}
+
+bool Search::matchAlternative(int32_t first) {
+  m_.at = m_.matchStart;
+  m_.surplus = 0;
+  m_.node = first;
+  m_.run = kNoRun;
+  return rxMatch(m_);
+}
+
+// Tries the top-level alternatives at one position. Options that a failed try has changed stay in force.
+bool Search::matchAt(const uint8_t* start) {
+  m_.matchStart = start;
+  std::fill(state_.captures + 1, state_.captures + state_.numCaptures, CaptureSlot{nullptr, -1});
+  if (matchAlternative(0)) return true;
+  for (int32_t bar = startFilterOf(state_).firstBar; bar >= 0; bar = nextTopLevelBar(state_, bar + 1)) {
+    m_.options = static_cast<uint32_t>(m_.nodes[bar].op2);
+    if (matchAlternative(bar + 1)) return true;
+  }
+  return false;
+}
+
+// Finds the first match that begins at `start` or later in a text that ends at `end`.
+bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
+  m_.textEnd = end;
+  for (const uint8_t* at = start; at <= end; at = nextStart(at)) {
+    if (anchor_ == Anchor::kNone) at = skipHopelessStarts(m_, state_, at);
+    if (at <= end && !outOfBudget() && matchAt(at)) {
+      state_.captures[0] = {at, m_.matchLength()};
+      return true;
+    }
+    // Without budget no later start can match.
+    if (anchor_ == Anchor::kTextStart || outOfBudget()) break;
+  }
+  return false;
+}
+
+// Copies slots [first, last) and returns their number.
+int32_t Search::copyCaptures(ulkRegExpFind* records, int32_t first, int32_t last) const {
+  for (int32_t i = first; i < last; ++i) *records++ = {state_.captures[i].start, state_.captures[i].length};
+  return last - first;
+}
+
+ulkStatus Search::findOne(ulkRegExpFind* records, int32_t* numRecords) {
+  *numRecords = std::min(*numRecords, state_.numCaptures);
+  if (findFrom(m_.textStart, end_)) {
+    copyCaptures(records, 0, *numRecords);
+    return ulkOk;
+  }
+  if (outOfBudget()) return ulkErrMatchLimit;
+  *numRecords = 0;
+  return ulkOk;
+}
+
+ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords, bool replaceMode) {
+  // An expression with groups reports its groups only, unless a replacement asks for the whole match as well.
+  const int32_t skip = !replaceMode && state_.numCaptures > 1 ? 1 : 0;
+  const int32_t lastFit = *numRecords - state_.numCaptures + skip;  // the last index at which a match's records fit
+  int32_t filled = 0;
+  const uint8_t* start = m_.textStart;
+  while (filled <= lastFit && start <= end_) {
+    if (!findFrom(start, end_)) break;
+    filled += copyCaptures(records + filled, skip, state_.numCaptures);
+    if (outOfBudget()) return ulkErrMatchLimit;
+
+    const CaptureSlot match = state_.captures[0];
+    start = match.start + std::max(match.length, 1);
+    if (match.length != 0 || filled >= lastFit || match.start >= end_) continue;
+
+    // After an empty match, the next byte alone is searched for a match that is not empty.
+    m_.nonEmpty = true;
+    if (findFrom(match.start, match.start + 1)) filled += copyCaptures(records + filled, skip, state_.numCaptures);
+    if (outOfBudget()) return ulkErrMatchLimit;
+    m_.nonEmpty = false;
+  }
+  *numRecords = filled;
+  return ulkOk;
+}
+
+}  // namespace
+
+ulkStatus rxSearch(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
+                   int32_t* pNumFind, bool replaceMode) {
+  if (!pSrc || !pRegExpState || !pFind) return ulkErrNullPtr;
+  if (srcLen < 0) return ulkErrLength;
+  if (*pNumFind < 1) return ulkErrSize;
+  if (pRegExpState->magic != kStateMagic) return ulkErrInvalidState;
+  Search search(*pRegExpState, pSrc, srcLen);
+  if (pRegExpState->options & RX_OPT_GLOBAL) return search.findAll(pFind, pNumFind, replaceMode);
+  return search.findOne(pFind, pNumFind);
+}
+
+}  // namespace ulk

@@ -31,12 +31,46 @@ struct GroupFrame {
   int32_t maxLeft;               // iterations still allowed
   int32_t openNode;              // index of the group's open node
   int32_t remainingAtIteration;  // text left when the current iteration began
-  int32_t captureNumber;         // capture slot of an RX_CAPTURE group
+  int32_t captureNumber;         // not needed: the open node tells the capture slot
   int32_t inBody;                // 1 while an iteration's body is running
-  int32_t undo;                  // reserved: a failed group-end step puts its frame back whole, so nothing is uncounted
+  int32_t undo;                  // not needed: a failed group-end step puts its frame back whole, so nothing is uncounted
   int32_t iterationLength;       // bytes consumed by the current iteration
 };
 static_assert(sizeof(GroupFrame) == 32);
+
+// A set of bytes, one bit each.
+struct ByteSet256 {
+  uint32_t words[8];
+
+  bool contains(uint8_t byte) const { return (words[byte >> 5] >> (byte & 31)) & 1; }
+};
+
+// Where a match may begin (start_filter.h).
+enum class StartKind : int32_t {
+  kAny,        // nothing is known: every position is tried
+  kByte,       // a match begins with `byte`
+  kString,     // with the text of the program's first node
+  kSet,        // with a byte of the set in frame `set`
+  kLineStart,  // at the text start or after a newline
+};
+
+struct StartFilter {
+  StartKind kind;
+  int32_t steps;     // that an attempt elsewhere costs
+  uint32_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
+  int32_t byte;
+  int32_t set;
+  int32_t firstBar;  // the first top-level bar, -1 without one
+};
+
+// One frame of the work area. Frame 0 and those above the highest serial belong to no group; what the compiler finds out
+// to make searching fast is kept there: the start filter in frame 0, byte sets from the last frame down.
+union WorkFrame {
+  GroupFrame group;
+  ByteSet256 bytes;
+  StartFilter start;
+};
+static_assert(sizeof(WorkFrame) == 32);
 
 }  // namespace ulk
 
@@ -49,7 +83,7 @@ struct ulkRegExpState {
   int32_t matchLimit;
   int32_t format;
   uint32_t reserved;
-  ulk::GroupFrame frames[ulk::kNumFrames];
+  ulk::WorkFrame frames[ulk::kNumFrames];
   ulk::CaptureSlot captures[ulk::kNumCaptures];
 
   ulk::RxNode* nodes() { return reinterpret_cast<ulk::RxNode*>(this + 1); }

@@ -1,0 +1,134 @@
+#include "regexp/byte_sets.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "regexp/bytes.h"
+
+namespace ulk {
+
+namespace {
+
+int32_t highestSerial(const RxNode* nodes, int32_t numNodes) {
+  int32_t highest = 0;
+  for (int32_t i = 0; i < numNodes; ++i)
+    if (nodes[i].code == RX_END) highest = std::max(highest, std::abs(nodes[i].op1));
+  return highest;
+}
+
+// The options in force after the node, in the order of the pattern.
+uint32_t optionsAfter(const RxNode& node, uint32_t options) {
+  switch (node.code) {
+    case RX_OPTIONS: return static_cast<uint32_t>(node.op1);
+    case RX_OPTGROUP: return static_cast<uint32_t>(node.op3);
+    case RX_ALT:
+    case RX_END: return static_cast<uint32_t>(node.op2);
+    default: return options;
+  }
+}
+
+void add(uint8_t byte, ByteSet256& set) { set.words[byte >> 5] |= 1u << (byte & 31); }
+
+void addAll(const ByteSet256& other, ByteSet256& set) {
+  for (int i = 0; i < 8; ++i) set.words[i] |= other.words[i];
+}
+
+void addMultibyte(ByteSet256& set) {
+  for (int i = 4; i < 8; ++i) set.words[i] = ~0u;
+}
+
+void invert(ByteSet256& set) {
+  for (uint32_t& word : set.words) word = ~word;
+}
+
+void addByte(int32_t byte, uint32_t options, ByteSet256& set) {
+  if (byte > 255) return;
+  add(static_cast<uint8_t>(byte), set);
+  if ((options & RX_OPT_CASELESS) && isAsciiLetter(byte)) add(static_cast<uint8_t>(byte ^ 0x20), set);
+}
+
+void addShorthand(int32_t letter, uint32_t options, ByteSet256& set) {
+  const uint8_t wanted = byteSetOf(letter, options);
+  for (uint32_t c = 0; c < 256; ++c)
+    set.words[c >> 5] |= static_cast<uint32_t>(inByteSet(static_cast<uint8_t>(c), wanted)) << (c & 31);
+}
+
+bool isByteRange(const RxNode& member) { return member.op1 < 256 && member.op2 < 256; }
+
+// Tests every byte, each as a character by itself.
+void addByTest(const RxNode& member, uint32_t options, ByteSet256& set) {
+  for (int32_t c = 0; c < 256; ++c) {
+    const auto byte = static_cast<uint8_t>(c);
+    if (memberAccepts(member, {c < 0x80 ? c : c - 256, 1}, byte, options)) add(byte, set);
+  }
+}
+
+void addMember(const RxNode& member, uint32_t options, ByteSet256& set) {
+  ByteSet256 accepted{};
+  switch (member.code) {
+    case RX_CHAR: addByte(member.op1, options, accepted); break;
+    case RX_CHARTYPE: addShorthand(member.op1, options, accepted); break;
+    case RX_RANGE:
+      if (!isByteRange(member)) return addByTest(member, options, set);
+      for (int32_t c = member.op1; c <= member.op2; ++c) addByte(c, options, accepted);
+      break;
+    default: return addByTest(member, options, set);
+  }
+  if (member.op3 != 0) invert(accepted);
+  addAll(accepted, set);
+}
+
+void makeClassSet(const RxNode& header, uint32_t options, ByteSet256& set) {
+  set = {};
+  for (int32_t i = 1; i <= header.op2; ++i) addMember(*(&header + i), options, set);
+  if (header.op1 != 0) invert(set);
+}
+
+bool acceptsAscii(const RxNode& item, int32_t c, uint32_t options) {
+  if (item.code == RX_XSEQ) return true;  // no mark is an ASCII character
+  return item.code == RX_CODEPOINT ? codePointAccepts(item, c, options) : propertyAccepts(item, c);
+}
+
+}  // namespace
+
+SpareFrames::SpareFrames(const ulkRegExpState& state)
+    : highestSerial_(highestSerial(state.nodes(), state.numNodes)) {}
+
+void makeClassSets(ulkRegExpState& state, SpareFrames& frames) {
+  RxNode* const nodes = state.nodes();
+  uint32_t options = state.options;
+  for (int32_t i = 0; i < state.numNodes; ++i) {
+    RxNode& node = nodes[i];
+    options = optionsAfter(node, options);
+    if (node.code != RX_CLASS) continue;
+    const int32_t frame = frames.take();
+    ByteSet256* const set = frame == 0 ? nullptr : &state.frames[frame].bytes;
+    if (set) makeClassSet(node, options, *set);
+    node.text = set;
+    node.op3 = static_cast<int32_t>(options & RX_OPT_CASELESS);
+    i += node.op2;
+  }
+}
+
+void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
+  switch (item.code) {
+    case RX_CHAR: return addByte(item.op1, options, set);
+    case RX_STRING: return addByte(*static_cast<const uint8_t*>(item.text), options, set);
+    case RX_CHARTYPE: return addShorthand(item.op1, options, set);
+    case RX_CLASS: {
+      ByteSet256 accepted;
+      makeClassSet(item, options, accepted);
+      addAll(accepted, set);
+      return addMultibyte(set);
+    }
+    case RX_BYTE:
+      for (uint32_t& word : set.words) word = ~0u;
+      return;
+    default:
+      for (int32_t c = 0; c < 0x80; ++c)
+        if (acceptsAscii(item, c, options)) add(static_cast<uint8_t>(c), set);
+      return addMultibyte(set);
+  }
+}
+
+}  // namespace ulk

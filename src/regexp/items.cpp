@@ -1,0 +1,115 @@
+#include "regexp/items.h"
+
+#include <cstring>
+
+#include "regexp/byte_sets.h"
+#include "regexp/bytes.h"
+#include "unicode/unicode.h"
+
+namespace ulk {
+
+namespace {
+
+bool rangeAccepts(const RxNode& member, Utf8Char character, uint8_t byte, uint32_t options) {
+  const int32_t low = member.op1;
+  const int32_t high = member.op2;
+  if (character.length == 1 && low < 256 && high < 256) {
+    const auto inRange = [&](int32_t c) { return low <= c && c <= high; };
+    if (inRange(byte)) return true;
+    return (options & RX_OPT_CASELESS) && isAsciiLetter(byte) && inRange(byte ^ 0x20);
+  }
+  if (options & RX_OPT_CASELESS) {
+    const int32_t folded = foldCase(character.value);
+    return foldCase(low) <= folded && folded <= foldCase(high);
+  }
+  return low <= character.value && character.value <= high;
+}
+
+int32_t charTypeLength(const RxNode& item, const uint8_t* at, uint32_t options) {
+  if (!inByteSet(*at, byteSetOf(item.op1, options))) return kNoMatch;
+  return decodeUtf8(at).length;
+}
+
+int32_t classLength(const RxNode& item, const uint8_t* at, uint32_t options) {
+  if (*at < 0x80) return classAcceptsByte(item, *at, options) ? 1 : kNoMatch;
+  const Utf8Char character = decodeMultibyte(at);
+  return classAccepts(item, character, *at, options) ? character.length : kNoMatch;
+}
+
+int32_t backrefLength(const MatchContext& m, const RxNode& item, const uint8_t* at) {
+  const CaptureSlot& group = m.captures[item.op1];
+  if (group.length < 0 || group.length > m.textEnd - at) return kNoMatch;
+  return sameBytes(group.start, at, group.length, m.options) ? group.length : kNoMatch;
+}
+
+int32_t sequenceLength(const MatchContext& m, const uint8_t* at) {
+  Utf8Char character = decodeUtf8(at);
+  if (isMark(character.value)) return kNoMatch;
+  const uint8_t* end = at + character.length;
+  while (end < m.textEnd && isMark((character = decodeUtf8(end)).value)) end += character.length;
+  return static_cast<int32_t>(end - at);
+}
+
+}  // namespace
+
+bool codePointAccepts(const RxNode& node, int32_t codePoint, uint32_t options) {
+  if (node.op1 == codePoint) return true;
+  return (options & RX_OPT_CASELESS) && foldCase(node.op1) == foldCase(codePoint);
+}
+
+bool propertyAccepts(const RxNode& node, int32_t codePoint) {
+  switch (node.code) {
+    case RX_CATEGORY: return acceptsCategory(codePoint, static_cast<uint32_t>(node.op1), node.op2 != 0);
+    case RX_UNIRANGE: return (node.op1 <= codePoint && codePoint <= node.op2) != (node.op3 != 0);
+    case RX_SCRIPT:
+      return inRanges(codePoint, static_cast<const CodePointRange*>(node.text), node.op3) != (node.op2 != 0);
+    default: return false;
+  }
+}
+
+bool memberAccepts(const RxNode& member, Utf8Char character, uint8_t byte, uint32_t options) {
+  const int32_t byteOrCodePoint = character.length == 1 ? byte : character.value;
+  switch (member.code) {
+    case RX_CHAR: return sameByte(member.op1, byteOrCodePoint, options) != (member.op3 != 0);
+    case RX_RANGE: return rangeAccepts(member, character, byte, options) != (member.op3 != 0);
+    case RX_CHARTYPE: return inByteSet(byte, byteSetOf(member.op1, options)) != (member.op3 != 0);
+    case RX_CODEPOINT: return codePointAccepts(member, character.value, options) != (member.op3 != 0);
+    default: return propertyAccepts(member, character.value);
+  }
+}
+
+bool classAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options) {
+  const RxNode* member = &header + 1;
+  const RxNode* const end = member + header.op2;
+  while (member != end && !memberAccepts(*member, character, byte, options)) ++member;
+  return (member != end) != (header.op1 != 0);
+}
+
+int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at) {
+  if (at >= m.textEnd) return kNoMatch;
+  switch (item.code) {
+    case RX_CHAR: return sameByte(item.op1, *at, m.options) ? 1 : kNoMatch;
+    case RX_BYTE: return 1;
+    case RX_BACKREF: return backrefLength(m, item, at);
+    case RX_CLASS: return classLength(item, at, m.options);
+    case RX_CHARTYPE: return charTypeLength(item, at, m.options);
+    case RX_XSEQ: return sequenceLength(m, at);
+    case RX_STRING: {
+      if (item.op2 > m.textEnd - at) return kNoMatch;
+      const auto* text = static_cast<const uint8_t*>(item.text);
+      const bool same = m.options & RX_OPT_CASELESS ? sameBytes(text, at, item.op2, m.options)
+                                                     : std::memcmp(text, at, static_cast<size_t>(item.op2)) == 0;
+      return same ? item.op2 : kNoMatch;
+    }
+    case RX_CODEPOINT: {
+      const Utf8Char character = decodeUtf8(at);
+      return codePointAccepts(item, character.value, m.options) ? character.length : kNoMatch;
+    }
+    default: {
+      const Utf8Char character = decodeUtf8(at);
+      return propertyAccepts(item, character.value) ? character.length : kNoMatch;
+    }
+  }
+}
+
+}  // namespace ulk

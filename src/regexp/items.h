@@ -1,0 +1,35 @@
+// Items: the nodes that consume text, each tested at one position. Steps and repeats are written once over them.
+#pragma once
+
+#include <cstdint>
+
+#include "regexp/matcher.h"
+#include "regexp/utf8.h"
+
+namespace ulk {
+
+inline constexpr int32_t kNoMatch = -1;
+
+// How many bytes the item matches at `at`, kNoMatch if it does not. Never matches at the end of the text; may read on
+// inside a UTF-8 sequence that the text's end cuts.
+int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at);
+
+// The index of the node after the item, where its quantifier stands if it has one.
+inline int32_t afterItem(const MatchContext& m, int32_t item) {
+  const RxNode& node = m.nodes[item];
+  return item + 1 + (node.code == RX_CLASS ? node.op2 : 0);
+}
+
+// Whether the class accepts a character; `byte` is its first byte.
+bool classAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options);
+
+// One class member's answer, its own negation included.
+bool memberAccepts(const RxNode& member, Utf8Char character, uint8_t byte, uint32_t options);
+
+// Whether a code-point node accepts a character, without a member's negation.
+bool codePointAccepts(const RxNode& node, int32_t codePoint, uint32_t options);
+
+// Whether a category, range or script node accepts a character.
+bool propertyAccepts(const RxNode& node, int32_t codePoint);
+
+}  // namespace ulk
