@@ -1,0 +1,55 @@
+#include "messages.h"
+
+#include <stdarg.h>
+#include <stdio.h>
+#include <string.h>
+
+const char* statusName(ulkStatus status) {
+  switch (status) {
+#define ULK_CASE(name, value, meaning) \
+  case value:                          \
+    return #name;
+    ULK_STATUS_LIST(ULK_CASE)
+#undef ULK_CASE
+    default:
+      return "unknown status";
+  }
+}
+
+const char* statusMeaning(ulkStatus status) {
+  switch (status) {
+#define ULK_CASE(name, value, meaning) \
+  case value:                          \
+    return meaning;
+    ULK_STATUS_LIST(ULK_CASE)
+#undef ULK_CASE
+    default:
+      return "";
+  }
+}
+
+void complain(const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  fflush(stdout);
+  fputs("ulkgrep: ", stderr);
+  vfprintf(stderr, format, arguments);
+  fputc('\n', stderr);
+  va_end(arguments);
+}
+
+static int isContinuation(char byte) { return ((unsigned char)byte & 0xC0) == 0x80; }
+
+// The line of the pattern that holds the offset, and a caret under it: one column for each character, tabs as
+// they are.
+void showCaret(const char* pattern, int32_t offset) {
+  const char* at = pattern + offset;
+  while (at > pattern && isContinuation(*at)) --at;
+  const char* start = at;
+  while (start > pattern && start[-1] != '\n') --start;
+
+  fprintf(stderr, "  %.*s\n  ", (int)strcspn(start, "\n"), start);
+  for (const char* p = start; p < at; ++p)
+    if (!isContinuation(*p)) fputc(*p == '\t' ? '\t' : ' ', stderr);
+  fputs("^\n", stderr);
+}
