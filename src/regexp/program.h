@@ -73,6 +73,13 @@ inline bool isQuantifier(const RxNode& node) { return node.code == RX_REPEAT || 
 inline bool isGroupOpen(const RxNode& node) { return node.code >= RX_LOOKBEHIND && node.code <= RX_ATOMIC; }
 inline bool isLookaround(const RxNode& node) { return node.code >= RX_LOOKBEHIND && node.code <= RX_NLOOKAHEAD; }
 
+// The index behind the item at `i`: a class counts with its members, a closed group with its body and end.
+inline int32_t nextItem(const RxNode* nodes, int32_t i) {
+  const RxNode& node = nodes[i];
+  if (isGroupOpen(node)) return i + node.op2 + 2;
+  return node.code == RX_CLASS ? i + node.op2 + 1 : i + 1;
+}
+
 // Fixed width in characters of nodes[first, last), or -1 when its alternatives differ. For a range without
 // quantifiers of unequal bounds and without back references.
 int64_t fixedWidth(const RxNode* nodes, int32_t first, int32_t last);

@@ -2,6 +2,7 @@
 // one buffer that the caller provides. The program holds absolute addresses into the buffer, so a state is never moved.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "regexp/program.h"
@@ -90,3 +91,15 @@ struct ulkRegExpState {
   const ulk::RxNode* nodes() const { return reinterpret_cast<const ulk::RxNode*>(this + 1); }
 };
 static_assert(sizeof(void*) != 4 || sizeof(ulkRegExpState) == 40032);
+
+namespace ulk {
+
+// Sizes are 32-bit: of a longer pattern no state can be asked for.
+inline constexpr size_t kMaxPatternLength = (INT32_MAX - sizeof(ulkRegExpState)) / sizeof(RxNode) - 1;
+
+// Bytes of the state for a pattern of that length: a node for every byte, and one more.
+inline int32_t stateSize(size_t patternLength) {
+  return static_cast<int32_t>(sizeof(ulkRegExpState) + (patternLength + 1) * sizeof(RxNode));
+}
+
+}  // namespace ulk
