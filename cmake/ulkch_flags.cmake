@@ -1,9 +1,14 @@
-# Flags that every target of the project is built with, as one interface target.
+# Flags that every target of the project is built with, as interface targets.
 
+# SSE3 is the contract with the processor, so 64-bit and 32-bit builds compute alike and run on the same machines.
 add_library(ulkch_flags INTERFACE)
 target_compile_options(ulkch_flags INTERFACE -msse3 -mfpmath=sse -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
 if(ULKCH_WARNINGS_AS_ERRORS)
   target_compile_options(ulkch_flags INTERFACE -Werror)
+endif()
+if(WIN32)
+  # A program of ours needs no compiler runtime installed: of the DLLs, only the system's and ulkch's own.
+  target_link_options(ulkch_flags INTERFACE -static)
 endif()
 
 # The library itself: no exceptions, no run-time type information, no start-up work, nothing visible by accident.
@@ -16,3 +21,9 @@ target_compile_options(
             $<$<COMPILE_LANGUAGE:CXX>:-fno-rtti>
             $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden>
             $<$<COMPILE_LANGUAGE:CXX>:-fno-threadsafe-statics>)
+
+# Sanitizers watch everything in the process, the test framework included.
+if(ULKCH_SANITIZE)
+  add_compile_options(-fsanitize=${ULKCH_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${ULKCH_SANITIZE})
+endif()
