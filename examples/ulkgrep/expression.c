@@ -13,8 +13,9 @@
 // \z matches at the end of the line whatever P does: when no record stands there, the limit ran out on the
 // way. The two empty groups of the second frame mark the end and the start of what P matches; they are
 // numbered after the groups of P, so back references keep their meaning. As a lookahead consumes nothing,
-// this frame finds a match at every position where there is one, also inside the match before, and the caller
-// passes over those.
+// this frame finds a match at every position where there is one, also inside the match before; those are
+// passed over later. The price is time: on one very long line that (.*) matches, it grows with the square of
+// the length.
 #include "expression.h"
 
 #include <stdio.h>
@@ -120,7 +121,9 @@ static Span spanOf(const Expression* expression, const ulkRegExpFind* records, c
     return (Span){offsetIn(line, length, records->pFound),
                   offsetIn(line, length, records->pFound + records->lenFound)};
   if (!startMark->pFound) return (Span){length, length};
-  return (Span){offsetIn(line, length, startMark->pFound), offsetIn(line, length, endMark->pFound)};
+  const int32_t start = offsetIn(line, length, startMark->pFound);
+  // A lazy repeat of a character such as \x{e9} may end the expression early, before the end mark.
+  return (Span){start, endMark->pFound ? offsetIn(line, length, endMark->pFound) : start};
 }
 
 ulkStatus findEvery(Expression* expression, const uint8_t* line, int32_t length, SpanList* matches) {

@@ -70,7 +70,7 @@ row 0 'two\n' tw
 row 1 '' four
 row 0 'THREE three\n' 't.r.e$'
 row 0 '2:two\n' -n w
-row 0 '2\n' -c '[ot]$|e$'
+row 0 '2\n' -c 'e$'
 row 1 '0\n' -c four
 row 0 'one\nTHREE three\n' -e 'ne$' -e '^T'
 row 0 'one\nTHREE three\n' e -
