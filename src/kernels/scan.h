@@ -1,15 +1,15 @@
 // The walk over candidate positions that all searches share. A search brings a probe: a test of one block of
-// positions, which answers with the lanes that may match, and an `accept` that has the last word on a
-// position. The walk tests 16 bytes at a time, four blocks to a branch, in either direction, and returns the
-// first position accepted.
+// 16 bytes of positions, which answers with the lanes that may match, and an `accept` that has the last word
+// on a position. The walk returns the first position accepted, from either end of the text.
 //
-//   count < lanes   one short block, joined from two loads that overlap in the middle
-//   otherwise       a block at the start of the walk; blocks from the next 16-byte boundary of the text on,
-//   four at a
-//                   time and then singly; a last block that ends exactly where the walk ends
+//   fewer than 16 bytes   one short block, joined from two loads that overlap in the middle
+//   up to 64              two or four blocks, of which the later half ends where the walk ends
+//   more                  one block, for what is found soon; then groups of four blocks from the next 16-byte
+//   boundary
+//                         on, with one branch a group; a last group that ends exactly where the walk ends
 //
-// The blocks at both ends overlap their neighbours: positions tested twice were rejected the first time. So
-// nothing outside the positions of the walk is ever loaded, and no scalar loop is needed.
+// Blocks overlap where the count is no multiple of theirs: positions tested twice were rejected the first
+// time. So nothing outside the positions of the walk is ever loaded, and no scalar loop is needed.
 #pragma once
 
 #include "kernels/vec16.h"
@@ -18,6 +18,8 @@ namespace ulk {
 
 // The two directions of a search. `done` positions of the walk lie behind; distances are in units.
 struct Forward {
+  static constexpr ptrdiff_t kSign = 1;
+  ULK_INLINE static bool before(ptrdiff_t left, ptrdiff_t right) { return left < right; }
   // Where the block of `size` positions stands that comes after the first `done` of `count`.
   ULK_INLINE static size_t place(size_t /*count*/, size_t done, size_t /*size*/) { return done; }
   template <class Unit>
@@ -32,6 +34,8 @@ struct Forward {
 };
 
 struct Backward {
+  static constexpr ptrdiff_t kSign = -1;
+  ULK_INLINE static bool before(ptrdiff_t left, ptrdiff_t right) { return left > right; }
   ULK_INLINE static size_t place(size_t count, size_t done, size_t size) { return count - done - size; }
   template <class Unit>
   ULK_INLINE static int32_t pick(LaneMask<Unit> mask) {
@@ -81,16 +85,38 @@ ULK_INLINE auto withShortBlock(size_t count, Run run) {
   return run(ShortBlock<Unit, 2>{count});
 }
 
-// The first position of one block, in the direction of the walk, that the probe accepts; -1 if none.
+// The first of a test's positions, in the direction of the walk, that the probe accepts; -1 if none.
 template <class Direction, class Unit, class Probe, class Block>
-ULK_INLINE int32_t scanBlock(Probe& probe, const Block& block) {
-  for (LaneMask<Unit> mask = block.used(probe.hits(block).mask()); mask.any();) {
-    const int32_t lane = Direction::pick(mask);
-    const int32_t position = block.position(lane);
+ULK_INLINE int32_t settle(Probe& probe, LaneMask<Unit> mask, const Block& block) {
+  for (; mask.any(); mask = mask.without(Direction::pick(mask))) {
+    const int32_t position = block.position(Direction::pick(mask));
     if (probe.accept(position)) return position;
-    mask = mask.without(lane);
   }
   return -1;
+}
+
+template <class Direction, class Unit, class Probe, class Block>
+ULK_INLINE int32_t scanBlock(Probe& probe, const Block& block) {
+  return settle<Direction>(probe, block.used(probe.hits(block).mask()), block);
+}
+
+// Two neighbouring blocks as one of twice as many lanes.
+template <class Direction, class Unit, class Probe>
+ULK_INLINE int32_t settlePair(Probe& probe, Vec16<Unit> lower, Vec16<Unit> upper, size_t at) {
+  return settle<Direction>(probe, LaneMask<Unit>::pair(lower.mask(), upper.mask()), FullBlock<Unit>{at});
+}
+
+// Two pairs of blocks, the pair at `near` before the one at `far` in the direction of the walk.
+template <class Direction, class Unit, class Probe>
+ULK_INLINE int32_t scanPairs(Probe& probe, size_t near, size_t far) {
+  constexpr size_t kLanes = Vec16<Unit>::kLanes;
+  const Vec16<Unit> near0 = probe.hits(FullBlock<Unit>{near});
+  const Vec16<Unit> near1 = probe.hits(FullBlock<Unit>{near + kLanes});
+  const Vec16<Unit> far0 = probe.hits(FullBlock<Unit>{far});
+  const Vec16<Unit> far1 = probe.hits(FullBlock<Unit>{far + kLanes});
+  if (!((near0 | near1) | (far0 | far1)).mask().any()) return -1;
+  const int32_t found = settlePair<Direction>(probe, near0, near1, near);
+  return found >= 0 ? found : settlePair<Direction>(probe, far0, far1, far);
 }
 
 // The first of the positions 0 .. count - 1 of `text`, in the direction of the walk, that the probe accepts;
@@ -98,6 +124,8 @@ ULK_INLINE int32_t scanBlock(Probe& probe, const Block& block) {
 template <class Direction, class Unit, class Probe>
 ULK_INLINE int32_t scan(const Unit* text, size_t count, Probe& probe) {
   constexpr size_t kLanes = Vec16<Unit>::kLanes;
+  constexpr size_t kPair = 2 * kLanes;
+  constexpr size_t kGroup = 2 * kPair;
   if (count < kLanes) {
     if (count == 0) return -1;
     return withShortBlock<Unit>(
@@ -105,30 +133,30 @@ ULK_INLINE int32_t scan(const Unit* text, size_t count, Probe& probe) {
   }
   const auto block = [&](size_t done)
                          ULK_LAMBDA_INLINE { return FullBlock<Unit>{Direction::place(count, done, kLanes)}; };
+  const auto pair = [&](size_t done) ULK_LAMBDA_INLINE { return Direction::place(count, done, kPair); };
+
+  if (count <= kPair) {
+    const int32_t found = scanBlock<Direction, Unit>(probe, block(0));
+    return found >= 0 ? found : scanBlock<Direction, Unit>(probe, block(count - kLanes));
+  }
+  if (count <= kGroup) return scanPairs<Direction, Unit>(probe, pair(0), pair(count - kPair));
 
   int32_t found = scanBlock<Direction, Unit>(probe, block(0));
   if (found >= 0) return found;
-
-  // A short walk does not earn back the block that alignment costs.
-  size_t done = kLanes;
-  if (count > 16 * kLanes) {
-    const size_t ahead = Direction::toBoundary(text, count);
-    if (ahead != 0) done = ahead;
-  }
-  for (; count - done >= 4 * kLanes; done += 4 * kLanes) {
-    const auto hits = probe.hits(block(done)) | probe.hits(block(done + kLanes)) |
-                      probe.hits(block(done + 2 * kLanes)) | probe.hits(block(done + 3 * kLanes));
-    if (!hits.mask().any()) continue;
-    for (size_t i = 0; i < 4; ++i) {
-      found = scanBlock<Direction, Unit>(probe, block(done + i * kLanes));
-      if (found >= 0) return found;
-    }
-  }
-  for (; count - done >= kLanes; done += kLanes) {
-    found = scanBlock<Direction, Unit>(probe, block(done));
+  const auto group = [&](ptrdiff_t at) ULK_LAMBDA_INLINE {
+    return scanPairs<Direction, Unit>(probe, static_cast<size_t>(at) + Direction::place(kGroup, 0, kPair),
+                                      static_cast<size_t>(at) + Direction::place(kGroup, kPair, kPair));
+  };
+  const auto groupAt = [&](size_t done) ULK_LAMBDA_INLINE {
+    return static_cast<ptrdiff_t>(Direction::place(count, done, kGroup));
+  };
+  const ptrdiff_t last = groupAt(count - kGroup);
+  for (ptrdiff_t at = groupAt(Direction::toBoundary(text, count)); Direction::before(at, last);
+       at += Direction::kSign * static_cast<ptrdiff_t>(kGroup)) {
+    found = group(at);
     if (found >= 0) return found;
   }
-  return done < count ? scanBlock<Direction, Unit>(probe, block(count - kLanes)) : -1;
+  return group(last);
 }
 
 }  // namespace ulk

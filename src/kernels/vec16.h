@@ -37,11 +37,14 @@ class LaneMask {
  public:
   ULK_INLINE explicit LaneMask(uint32_t bits) : bits_(bits) {}
 
+  ULK_INLINE static LaneMask pair(LaneMask lower, LaneMask upper) {
+    return LaneMask(lower.bits_ | upper.bits_ << 16);
+  }
+
   ULK_INLINE bool any() const { return bits_ != 0; }
   ULK_INLINE int32_t first() const { return std::countr_zero(bits_) / kBits; }
   ULK_INLINE int32_t last() const { return (31 - std::countl_zero(bits_)) / kBits; }
   ULK_INLINE LaneMask without(int32_t lane) const { return LaneMask(bits_ & ~(kOneLane << (lane * kBits))); }
-  ULK_INLINE LaneMask inverse() const { return LaneMask(bits_ ^ 0xFFFFu); }
   // Only the lanes below `count`, or from `count` on.
   ULK_INLINE LaneMask below(int32_t count) const { return LaneMask(bits_ & ((1u << (count * kBits)) - 1)); }
   ULK_INLINE LaneMask from(int32_t count) const {

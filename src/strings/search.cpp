@@ -68,22 +68,22 @@ ULK_EXPORT ulkStatus ULK_CALL ulksFindRev_16u(const uint16_t* pSrc, int32_t srcL
 
 ULK_EXPORT ulkStatus ULK_CALL ulksFindC_8u(const uint8_t* pSrc, int32_t srcLen, uint8_t find,
                                            int32_t* pIndex) {
-  return searchUnit(pSrc, srcLen, find, pIndex, findUnit<uint8_t>);
+  return searchUnit(pSrc, srcLen, find, pIndex, scanForUnit<Forward, uint8_t>);
 }
 
 ULK_EXPORT ulkStatus ULK_CALL ulksFindC_16u(const uint16_t* pSrc, int32_t srcLen, uint16_t find,
                                             int32_t* pIndex) {
-  return searchUnit(pSrc, srcLen, find, pIndex, findUnit<uint16_t>);
+  return searchUnit(pSrc, srcLen, find, pIndex, scanForUnit<Forward, uint16_t>);
 }
 
 ULK_EXPORT ulkStatus ULK_CALL ulksFindRevC_8u(const uint8_t* pSrc, int32_t srcLen, uint8_t find,
                                               int32_t* pIndex) {
-  return searchUnit(pSrc, srcLen, find, pIndex, findUnitRev<uint8_t>);
+  return searchUnit(pSrc, srcLen, find, pIndex, scanForUnit<Backward, uint8_t>);
 }
 
 ULK_EXPORT ulkStatus ULK_CALL ulksFindRevC_16u(const uint16_t* pSrc, int32_t srcLen, uint16_t find,
                                                int32_t* pIndex) {
-  return searchUnit(pSrc, srcLen, find, pIndex, findUnitRev<uint16_t>);
+  return searchUnit(pSrc, srcLen, find, pIndex, scanForUnit<Backward, uint16_t>);
 }
 
 ULK_EXPORT ulkStatus ULK_CALL ulksFindCAny_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pSet,

@@ -1,0 +1,10 @@
+// Runs the registered rows; fails when any contestant gave a wrong answer.
+#include "rows.h"
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+  bench::addSearch();
+  benchmark::RunSpecifiedBenchmarks();
+  return bench::anyWrong ? 1 : 0;
+}
