@@ -1,4 +1,5 @@
-/* A C99 caller: the names link undecorated, the records have the documented shape, and a search finds something. */
+/* A C99 caller: the names link undecorated, the records have the documented shape, and a search finds
+ * something. */
 #include <stdio.h>
 #include <string.h>
 
@@ -14,8 +15,8 @@ static int search(void) {
   if (status != ulkOk) return 0;
   status = ulksRegExpFind_8u((const uint8_t*)text, (int32_t)strlen(text), state, found, &count);
   ulksRegExpFree(state);
-  return status == ulkOk && count == 2 && found[0].pFound == (const uint8_t*)text + 11 && found[0].lenFound == 5 &&
-         found[1].lenFound == 1;
+  return status == ulkOk && count == 2 && found[0].pFound == (const uint8_t*)text + 11 &&
+         found[0].lenFound == 5 && found[1].lenFound == 1;
 }
 
 int main(void) {

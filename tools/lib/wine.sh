@@ -51,9 +51,14 @@ EOF
   for package in "$work"/*.deb; do
     dpkg-deb -x "$package" "$work/root" || return 1
   done
-  # Debian's wineserver is a script that looks in /usr; and zlib stands outside the folder of Wine's own DLLs.
-  ln -sf wineserver32 "$work/root/usr/lib/wine/wineserver" &&
-    cp "$work/root/usr/i686-w64-mingw32/lib/zlib1.dll" "$work/root/usr/lib/i386-linux-gnu/wine/i386-windows/" &&
+  # Most of the size is debugging information, which the prefix would hold a second copy of.
+  i686-w64-mingw32-strip --strip-debug "$work"/root/usr/lib/i386-linux-gnu/wine/i386-windows/*.dll 2>/dev/null || true
+  # Debian's wineserver is a script that looks in /usr.
+  ln -sf wineserver32 "$work/root/usr/lib/wine/wineserver" || return 1
+  # Wine's user32 needs zlib, which is no part of Wine and so has to be in the prefix.
+  rm -rf "$WINEPREFIX"
+  mkdir -p "$WINEPREFIX/drive_c/windows/system32" &&
+    cp "$work/root/usr/i686-w64-mingw32/lib/zlib1.dll" "$WINEPREFIX/drive_c/windows/system32/" &&
     mv "$work/root" "$wine_cache/root" && rm -rf "$work"
 }
 
