@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "regexp/bytes.h"
+#include "regexp/items.h"
 
 namespace ulk {
 

@@ -1,11 +1,10 @@
-// Byte sets that make searching fast: which bytes a class accepts, and which bytes can begin a match.
+// Making the byte sets that make searching fast: which bytes a class accepts, and which bytes can begin a match.
 //
 // An RX_CLASS node points to its set by `text`; `op3` tells the caseless bit that it was made for.
 #pragma once
 
 #include <cstdint>
 
-#include "regexp/items.h"
 #include "regexp/program.h"
 #include "regexp/state.h"
 
@@ -28,12 +27,5 @@ void makeClassSets(ulkRegExpState& state, SpareFrames& frames);
 
 // The bytes that can begin what an item matches, as far as one byte can tell: from 0x80 on it usually cannot.
 void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set);
-
-// Whether the class accepts a character that is this single byte.
-inline bool classAcceptsByte(const RxNode& header, uint8_t byte, uint32_t options) {
-  const auto* set = static_cast<const ByteSet256*>(header.text);
-  if (set && header.op3 == static_cast<int32_t>(options & RX_OPT_CASELESS)) return set->contains(byte);
-  return classAccepts(header, {byte < 0x80 ? byte : static_cast<int8_t>(byte), 1}, byte, options);
-}
 
 }  // namespace ulk

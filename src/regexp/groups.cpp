@@ -39,10 +39,6 @@ CaptureSlot* slotOf(MatchContext& m, const Group& group) {
   return group.open.code == RX_CAPTURE ? &m.captures[group.open.op3] : nullptr;
 }
 
-void setSlot(MatchContext& m, CaptureSlot& slot, int32_t at, int32_t length) {
-  slot = {length < 0 ? nullptr : m.textStart + at, length};
-}
-
 // Remembers the group as the step finds it. `kind` says how the step goes on when what it tries now fails.
 Choice& remember(MatchContext& m, const Group& group, ChoiceKind kind, bool further) {
   const GroupFrame& frame = frameOf(m, group);
@@ -62,19 +58,22 @@ Choice& remember(MatchContext& m, const Group& group, ChoiceKind kind, bool furt
   return choice;
 }
 
-void restoreSlot(MatchContext& m, const Group& group, const Choice& choice) {
-  if (CaptureSlot* slot = slotOf(m, group)) setSlot(m, *slot, choice.group.captureAt, choice.group.captureLength);
+void restoreSlot(MatchContext& m, const Choice& choice) {
+  const RxNode& open = m.nodes[choice.node];
+  if (open.code != RX_CAPTURE) return;
+  const bool unset = choice.group.captureLength < 0;
+  m.captures[open.op3] = {unset ? nullptr : m.textStart + choice.group.captureAt, choice.group.captureLength};
 }
 
 // The step has failed: the group is put back as it found it.
-Next failGroup(MatchContext& m, const Group& group, const Choice& choice) {
-  GroupFrame& frame = frameOf(m, group);
+Next failGroup(MatchContext& m, const Choice& choice) {
+  GroupFrame& frame = m.frames[m.nodes[choice.node].op1].group;
   frame.minLeft = choice.group.minLeft;
   frame.maxLeft = choice.group.maxLeft;
   frame.remainingAtIteration = choice.group.remainingAtIteration;
   frame.iterationLength = choice.group.iterationLength;
   frame.inBody = choice.inBody;
-  restoreSlot(m, group, choice);
+  restoreSlot(m, choice);
   m.options = choice.options;
   m.pop();
   return Next::kFail;
@@ -144,7 +143,7 @@ Next retryLazyLeave(MatchContext& m, Choice& choice) {
   m.moveTo(choice.at);
   m.options = bodyOptions(group, choice);
   if (CaptureSlot* slot = slotOf(m, group); slot && !choice.further) *slot = {m.at, 0};
-  if (frameOf(m, group).maxLeft < 1) return failGroup(m, group, choice);
+  if (frameOf(m, group).maxLeft < 1) return failGroup(m, choice);
   return enterBody(m, group, choice);
 }
 
@@ -182,8 +181,8 @@ Next retryAlternative(MatchContext& m, Choice& choice) {
     }
   }
 
-  if (frame.minLeft >= 1 || group.lazy) return failGroup(m, group, choice);
-  if (!choice.further) restoreSlot(m, group, choice);
+  if (frame.minLeft >= 1 || group.lazy) return failGroup(m, choice);
+  if (!choice.further) restoreSlot(m, choice);
   choice.kind = ChoiceKind::kLeft;
   choice.group.alternative = group.endNode;  // all of them have been tried
   return leave(m, group);
@@ -193,10 +192,11 @@ Next retryAlternative(MatchContext& m, Choice& choice) {
 // what is left of the earlier iterations' choices may be followed by one more iteration only: trying all divisions of
 // the text into iterations would take exponential time.
 Next retryLeft(MatchContext& m, Choice& choice) {
-  const Group group = groupAt(m, choice.node);
-  const bool prune = choice.further && choice.group.alternative == group.endNode && group.end.op3 == kRepeatMarkRepeated;
-  failGroup(m, group, choice);
-  if (prune) frameOf(m, group).maxLeft = 2;
+  const RxNode& open = m.nodes[choice.node];
+  const int32_t end = choice.node + open.op2 + 1;
+  const bool prune = choice.further && choice.group.alternative == end && m.nodes[end].op3 == kRepeatMarkRepeated;
+  failGroup(m, choice);
+  if (prune) m.frames[open.op1].group.maxLeft = 2;
   return Next::kFail;
 }
 

@@ -2,7 +2,6 @@
 
 #include <cstring>
 
-#include "regexp/byte_sets.h"
 #include "regexp/bytes.h"
 #include "unicode/unicode.h"
 

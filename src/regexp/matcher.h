@@ -46,9 +46,9 @@ enum class ChoiceKind : uint8_t {
 struct Choice {
   // A greedy repeat holds the position at its present count (`at`) and the node to go on with (`node`).
   struct Greedy {
-    int32_t leastAt;     // position at the minimum count
+    int32_t startAt;     // where the first item begins
     int32_t itemLength;  // of one repetition of a back reference
-    int32_t spare;       // repetitions of a back reference above the minimum
+    int32_t spare;       // items above the minimum
   };
   struct Lazy {
     int32_t count;  // items taken so far

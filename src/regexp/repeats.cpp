@@ -4,7 +4,6 @@
 // what follows has failed. The items are taken by loops; only what follows a repeat is a choice.
 #include <algorithm>
 
-#include "regexp/byte_sets.h"
 #include "regexp/bytes.h"
 #include "regexp/items.h"
 #include "regexp/matcher.h"
@@ -35,7 +34,8 @@ int32_t takeItems(MatchContext& m, const RxNode& item, int32_t most) {
       break;
     }
     case RX_CLASS:
-      while (at < end && *at < 0x80 && classAcceptsByte(item, *at, options)) ++at;
+      if (const ByteSet256* set = classSet(item, options))
+        while (at < end && *at < 0x80 && set->contains(*at)) ++at;
       break;
     default: break;
   }
@@ -53,28 +53,27 @@ bool takeRequiredItems(MatchContext& m, const RxNode& item, int32_t count) {
   return count == 0 || takeItems(m, item, count) == count;
 }
 
-ChoiceKind greedyKind(const RxNode& item) {
+// What a greedy repeat gives back at a time: bytes where every item was one.
+ChoiceKind greedyKind(const RxNode& item, bool bytes) {
   switch (item.code) {
-    case RX_CHAR:
-    case RX_BYTE: return ChoiceKind::kGreedyBytes;
     case RX_XSEQ: return ChoiceKind::kGreedySequences;
     case RX_BACKREF: return ChoiceKind::kGreedyBackref;
-    default: return ChoiceKind::kGreedyChars;
+    default: return bytes ? ChoiceKind::kGreedyBytes : ChoiceKind::kGreedyChars;
   }
 }
 
 Next stepGreedy(MatchContext& m, const RxNode& item, const RxNode& quantifier, int32_t next) {
   const int32_t least = quantifier.op1;
   const int32_t most = std::min(quantifier.op2, m.remaining());
-  if (!takeRequiredItems(m, item, least)) return Next::kFail;
-  const int32_t leastAt = m.offset();
-  const int32_t spare = most > least ? takeItems(m, item, most - least) : 0;
+  const int32_t start = m.offset();
+  const int32_t count = takeItems(m, item, std::max(least, most));
+  if (count < least) return Next::kFail;
   m.node = next;
-  if (spare == 0) return Next::kGoOn;
-  Choice& choice = m.push(greedyKind(item));
-  choice.greedy.leastAt = leastAt;
-  choice.greedy.itemLength = (choice.at - leastAt) / spare;
-  choice.greedy.spare = spare;
+  if (count == least) return Next::kGoOn;
+  Choice& choice = m.push(ChoiceKind::kGreedyBytes);
+  const int32_t length = choice.at - start;
+  choice.kind = greedyKind(item, length == count);
+  choice.greedy = {start, length / count, count - least};
   return Next::kGoOn;
 }
 
@@ -96,7 +95,7 @@ const uint8_t* previousSequence(const uint8_t* from, const uint8_t* at) {
 
 // Takes back the last of the items; the choice is spent when only the required ones are left.
 void giveBack(const MatchContext& m, Choice& choice) {
-  const uint8_t* const from = m.textStart + choice.greedy.leastAt;
+  const uint8_t* const from = m.textStart + choice.greedy.startAt;
   const uint8_t* const at = m.textStart + choice.at;
   switch (choice.kind) {
     case ChoiceKind::kGreedyBytes: --choice.at; break;
@@ -104,20 +103,6 @@ void giveBack(const MatchContext& m, Choice& choice) {
     case ChoiceKind::kGreedySequences: choice.at = static_cast<int32_t>(previousSequence(from, at) - m.textStart); break;
     default: choice.at -= choice.greedy.itemLength; break;
   }
-}
-
-// A literal byte that must stand where the program goes on at `node`, or -1. An attempt without it costs one step and
-// fails, so it may be paid for instead of made.
-int32_t requiredByte(const MatchContext& m, int32_t node) {
-  if (node == m.endNode || (m.options & RX_OPT_CASELESS) || m.hasQuantifier(node + 1)) return -1;
-  const RxNode& next = m.nodes[node];
-  if (next.code == RX_CHAR) return next.op1;
-  if (next.code == RX_STRING) return *static_cast<const uint8_t*>(next.text);
-  return -1;
-}
-
-bool failsAtOnce(const MatchContext& m, int32_t required) {
-  return required >= 0 && m.at <= m.textEnd && (m.at == m.textEnd || *m.at != required);
 }
 
 // A lazy repeat of one byte looks for the literal that follows it before it tries anything, and places without it cost
@@ -149,11 +134,15 @@ bool takeOneMore(MatchContext& m, Choice& choice, const RxNode& item) {
   return true;
 }
 
-// Tries what follows the repeat at the present count, or at the next one where it may be tried.
+// Tries what follows the repeat at the present count, or at the next one where it may be tried and can succeed.
 Next continueLazy(MatchContext& m, Choice& choice) {
   const RxNode& item = m.nodes[choice.node];
   const int32_t next = afterItem(m, choice.node) + 1;
-  while (m.budget < 0 || !mayContinue(m, item, next)) {
+  for (;;) {
+    if (m.budget >= 0 && mayContinue(m, item, next)) {
+      if (!failsAtOnce(m, next)) break;
+      --m.budget;
+    }
     if (!takeOneMore(m, choice, item)) return failLazy(m, choice);
   }
   choice.at = m.offset();
@@ -221,19 +210,16 @@ Next stepRepeat(MatchContext& m, int32_t item, int32_t quantifier) {
 }
 
 Next retryGreedy(MatchContext& m, Choice& choice) {
-  if (m.budget < 0) return fail(m);
-  const int32_t required = requiredByte(m, choice.node);
-  do {
+  while (m.budget >= 0 && choice.greedy.spare > 0) {
     giveBack(m, choice);
     --choice.greedy.spare;
     m.moveTo(choice.at);
-    if (!failsAtOnce(m, required)) {
-      m.node = choice.node;
+    if (!failsAtOnce(m, choice.node)) {
       if (choice.greedy.spare == 0) m.pop();
-      return Next::kGoOn;
+      return goOn(m, choice.node);
     }
     --m.budget;
-  } while (choice.greedy.spare > 0 && m.budget >= 0);
+  }
   return fail(m);
 }
 

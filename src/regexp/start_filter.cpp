@@ -220,7 +220,8 @@ void prepareSearch(ulkRegExpState& state) {
 const uint8_t* skipHopelessStarts(MatchContext& m, const ulkRegExpState& state, const uint8_t* at) {
   constexpr ptrdiff_t kStride = 4096;  // how far to look before paying, lest a small budget reads a long text
   const StartFilter& filter = startFilterOf(state);
-  if (filter.kind == StartKind::kAny || filter.options != m.options) return at;
+  if (filter.kind == StartKind::kAny || filter.options != m.options || at >= m.textEnd) return at;
+  if (filter.kind == StartKind::kSet && state.frames[filter.set].bytes.contains(*at)) return at;
   while (at < m.textEnd && m.budget >= 0) {
     const auto length = static_cast<int32_t>(std::min(m.textEnd - at, kStride));
     const int32_t start = findStart(m, state, at, length);
