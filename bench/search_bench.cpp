@@ -71,9 +71,9 @@ std::vector<Row<Unit>> substringRows(const std::string& family) {
   std::vector<Row<Unit>> rows;
   const auto add = [&](const std::string& what, std::string text, const std::string& pattern) {
     const size_t at = forward ? text.size() - pattern.size() : 0;
-    rows.push_back(
-        row<Unit>(name + what + "/" + std::to_string(pattern.size()) + "/" + std::to_string(text.size()),
-                  replaced(std::move(text), at, pattern), pattern, static_cast<int32_t>(at)));
+    const std::string sizes = std::to_string(pattern.size()) + "/" + std::to_string(text.size());
+    rows.push_back(row<Unit>(name + what + "/" + sizes, replaced(std::move(text), at, pattern), pattern,
+                             static_cast<int32_t>(at)));
   };
   const size_t k64 = 65536;
   for (const char* pattern : {"xt", "tea", "lean", "stone", "lanterns", "in the theatre", "the other mornin",

@@ -14,6 +14,7 @@ namespace ulk {
 // Members in vectors; where the set has fewer, its last one stands for the missing.
 template <class Unit, int members>
 struct AnyProbe {
+  static constexpr bool kExact = true;
   const Unit* text;
   Vec16<Unit> wanted[members];
 
@@ -30,7 +31,7 @@ struct AnyProbe {
     for (int i = 1; i < members; ++i) equal = equal | units.equal(wanted[i]);
     return equal;
   }
-  ULK_INLINE static bool accept(int32_t /*position*/) { return true; }
+  ULK_INLINE const AnyProbe& filter() const { return *this; }
 };
 
 template <class Direction, int members, class Unit>

@@ -34,61 +34,45 @@ ULK_INLINE uint8_t commonness(Unit unit) {
   return unit < 256 ? kCommonness[unit] : uint8_t{0};
 }
 
-template <class Direction, class Unit>
-class SubstringProbe {
- public:
-  ULK_INLINE SubstringProbe(const Unit* text, size_t candidates, const Unit* pattern, size_t patternLength)
-      : text_(text), pattern_(pattern), candidates_(candidates), length_(patternLength) {
-    size_t first = 0;
-    size_t second = patternLength - 1;
-    if (candidates >= kWorthChoosing && patternLength > 2) chooseRarest(first, second);
-    setFirst(first);
-    setSecond(second);
-  }
+// Two units of a pattern at their distances from a candidate position: for a pattern of two units all there
+// is to test.
+template <class Unit>
+struct PairFilter {
+  static constexpr bool kExact = true;
+  const Unit* firstText;
+  const Unit* secondText;
+  Vec16<Unit> first;
+  Vec16<Unit> second;
 
+  ULK_INLINE PairFilter(const Unit* text, const Unit* pattern, size_t firstIndex, size_t secondIndex)
+      : firstText(text + firstIndex), first(Vec16<Unit>::splat(loadUnit(pattern + firstIndex))) {
+    setSecond(text, pattern, secondIndex);
+  }
+  ULK_INLINE void setSecond(const Unit* text, const Unit* pattern, size_t index) {
+    secondText = text + index;
+    second = Vec16<Unit>::splat(loadUnit(pattern + index));
+  }
   template <class Block>
   ULK_INLINE Vec16<Unit> hits(const Block& block) const {
-    return block.load(firstText_).equal(first_) & block.load(secondText_).equal(second_);
+    return block.load(firstText).equal(first) & block.load(secondText).equal(second);
   }
+  ULK_INLINE const PairFilter& filter() const { return *this; }
+};
 
-  // Stops the walk also when comparing has become too expensive: see exhausted().
-  ULK_INLINE bool accept(int32_t position) {
-    if (length_ == 2) return true;
-    return verify(static_cast<size_t>(position));
-  }
-
-  bool exhausted() const { return exhausted_; }
-
- private:
-  static constexpr size_t kWorthChoosing = 256;
-  static constexpr size_t kMostChosenFrom = 32;
-  // Blocks of comparing that are free, and how many candidates must have been passed for each further one.
-  static constexpr size_t kFreeEffort = 128;
-  static constexpr size_t kCandidatesPerEffort = 8;
-  static constexpr size_t kFreeFailures = 16;
-  static constexpr size_t kCandidatesPerFailure = 64;
-
-  __attribute__((noinline)) bool verify(size_t position) {
-    const int32_t difference = firstDifference(text_ + position, pattern_, static_cast<int32_t>(length_));
-    if (difference < 0) return true;
-
-    const size_t at = static_cast<size_t>(difference);
-    const size_t passed = Direction::place(candidates_, position, 1);
-    effort_ += 1 + at / Vec16<Unit>::kLanes;
-    if (++failures_ > kFreeFailures + passed / kCandidatesPerFailure) {
-      failures_ = 0;
-      setSecond(at);
-    }
-    exhausted_ = effort_ > kFreeEffort + passed / kCandidatesPerEffort;
-    return exhausted_;
-  }
-
-  void chooseRarest(size_t& first, size_t& second) const {
-    const size_t end = std::min(length_, kMostChosenFrom);
-    int32_t firstRank = commonness(loadUnit(pattern_ + first));
-    int32_t secondRank = commonness(loadUnit(pattern_ + second));
-    for (size_t i = 1; i < end && i < length_ - 1; ++i) {
-      const int32_t rank = commonness(loadUnit(pattern_ + i));
+// The filter for a pattern: its rarest two units where the text is long enough to repay the choice.
+template <class Unit>
+ULK_INLINE PairFilter<Unit> chooseFilter(const Unit* text, size_t candidates, const Unit* pattern,
+                                         size_t length) {
+  constexpr size_t kWorthChoosing = 256;
+  constexpr size_t kMostChosenFrom = 32;
+  size_t first = 0;
+  size_t second = length - 1;
+  if (candidates >= kWorthChoosing) {
+    int32_t firstRank = commonness(loadUnit(pattern + first));
+    int32_t secondRank = commonness(loadUnit(pattern + second));
+    const size_t end = std::min(length - 1, kMostChosenFrom);
+    for (size_t i = 1; i < end; ++i) {
+      const int32_t rank = commonness(loadUnit(pattern + i));
       if (rank < firstRank && firstRank >= secondRank) {
         first = i;
         firstRank = rank;
@@ -98,24 +82,81 @@ class SubstringProbe {
       }
     }
   }
+  return PairFilter<Unit>(text, pattern, first, second);
+}
 
-  ULK_INLINE void setFirst(size_t index) {
-    firstText_ = text_ + index;
-    first_ = Vec16<Unit>::splat(loadUnit(pattern_ + index));
-  }
-  ULK_INLINE void setSecond(size_t index) {
-    secondText_ = text_ + index;
-    second_ = Vec16<Unit>::splat(loadUnit(pattern_ + index));
+template <class Direction, class Unit>
+class SubstringProbe {
+ public:
+  static constexpr bool kExact = false;
+
+  ULK_INLINE SubstringProbe(const Unit* text, size_t candidates, const Unit* pattern, size_t length)
+      : filter_(chooseFilter(text, candidates, pattern, length)),
+        text_(text),
+        pattern_(pattern),
+        candidates_(candidates),
+        length_(length) {
+    setThird(length / 2);
   }
 
+  ULK_INLINE const PairFilter<Unit>& filter() const { return filter_; }
+
+  // Whether the pattern stands at a position. True also when comparing has become too expensive: see
+  // exhausted().
+  ULK_INLINE bool accept(int32_t position) {
+    const size_t at = static_cast<size_t>(position);
+    if (loadUnit(text_ + at + third_) != thirdUnit_) {
+      noteFailure(at, third_);
+      return false;
+    }
+    return compare(at);
+  }
+
+  bool exhausted() const { return exhausted_; }
+
+ private:
+  // How much may fail for nothing, and how many candidates must have been passed for each further failure or
+  // block of comparing.
+  static constexpr size_t kFreeFailures = 16;
+  static constexpr size_t kCandidatesPerFailure = 64;
+  static constexpr size_t kFreeEffort = 128;
+  static constexpr size_t kCandidatesPerEffort = 8;
+
+  __attribute__((noinline)) bool compare(size_t position) {
+    DifferenceProbe<Unit> probe{text_ + position, pattern_};
+    const int32_t difference = scan<Forward>(pattern_, length_, probe);
+    if (difference < 0) return true;
+
+    const size_t at = static_cast<size_t>(difference);
+    effort_ += 1 + at / Vec16<Unit>::kLanes;
+    exhausted_ = effort_ > kFreeEffort + passed(position) / kCandidatesPerEffort;
+    noteFailure(position, at);
+    setThird(at);
+    return exhausted_;
+  }
+
+  // The filter let a position through where text and pattern differ at `index`. When that happens often, the
+  // pattern's unit there makes the better filter.
+  ULK_INLINE void noteFailure(size_t position, size_t index) {
+    if (++failures_ <= kFreeFailures + passed(position) / kCandidatesPerFailure) return;
+    failures_ = 0;
+    filter_.setSecond(text_, pattern_, index);
+  }
+
+  ULK_INLINE size_t passed(size_t position) const { return Direction::place(candidates_, position, 1); }
+
+  ULK_INLINE void setThird(size_t index) {
+    third_ = index;
+    thirdUnit_ = loadUnit(pattern_ + index);
+  }
+
+  PairFilter<Unit> filter_;
   const Unit* text_;
   const Unit* pattern_;
   size_t candidates_;
   size_t length_;
-  const Unit* firstText_;
-  const Unit* secondText_;
-  Vec16<Unit> first_;
-  Vec16<Unit> second_;
+  size_t third_ = 0;  // a unit compared before all others: where the last comparison failed
+  Unit thirdUnit_ = 0;
   size_t effort_ = 0;
   size_t failures_ = 0;
   bool exhausted_ = false;
@@ -128,6 +169,10 @@ int32_t scanForSubstring(const Unit* text, int32_t textLength, const Unit* patte
 
   const size_t length = static_cast<size_t>(patternLength);
   const size_t candidates = static_cast<size_t>(textLength) - length + 1;
+  if (length == 2) {
+    PairFilter<Unit> pair(text, pattern, 0, 1);
+    return scan<Direction>(text, candidates, pair);
+  }
   SubstringProbe<Direction, Unit> probe(text, candidates, pattern, length);
   const int32_t found = scan<Direction>(text, candidates, probe);
   if (!probe.exhausted()) return found;

@@ -7,6 +7,7 @@ namespace ulk {
 
 template <class Unit>
 struct UnitProbe {
+  static constexpr bool kExact = true;
   const Unit* text;
   Vec16<Unit> wanted;
 
@@ -14,7 +15,7 @@ struct UnitProbe {
   ULK_INLINE Vec16<Unit> hits(const Block& block) const {
     return block.load(text).equal(wanted);
   }
-  ULK_INLINE static bool accept(int32_t /*position*/) { return true; }
+  ULK_INLINE const UnitProbe& filter() const { return *this; }
 };
 
 template <class Direction, class Unit>

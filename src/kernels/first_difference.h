@@ -7,6 +7,7 @@ namespace ulk {
 
 template <class Unit>
 struct DifferenceProbe {
+  static constexpr bool kExact = true;
   const Unit* left;
   const Unit* right;
 
@@ -14,7 +15,7 @@ struct DifferenceProbe {
   ULK_INLINE Vec16<Unit> hits(const Block& block) const {
     return block.load(left).differs(block.load(right));
   }
-  ULK_INLINE static bool accept(int32_t /*position*/) { return true; }
+  ULK_INLINE const DifferenceProbe& filter() const { return *this; }
 };
 
 // The lowest index at which the strings differ, -1 if they are equal.

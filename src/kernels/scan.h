@@ -1,6 +1,11 @@
-// The walk over candidate positions that all searches share. A search brings a probe: a test of one block of
-// 16 bytes of positions, which answers with the lanes that may match, and an `accept` that has the last word
-// on a position. The walk returns the first position accepted, from either end of the text.
+// The walk over candidate positions that all searches share, from either end of the text. A search brings a
+// probe:
+//
+//   filter()   a small value whose hits(block) tells which of 16 bytes of positions may match
+//   kExact     whether what passes the filter is the answer. Where it is not,
+//   accept(p)  has the last word on a position; it may change the filter
+//
+// The walk returns the first position accepted. It takes
 //
 //   fewer than 16 bytes   one short block, joined from two loads that overlap in the middle
 //   up to 64              two or four blocks, of which the later half ends where the walk ends
@@ -85,7 +90,8 @@ ULK_INLINE auto withShortBlock(size_t count, Run run) {
   return run(ShortBlock<Unit, 2>{count});
 }
 
-// The first of a test's positions, in the direction of the walk, that the probe accepts; -1 if none.
+// The first position of a block, in the direction of the walk, that passed the filter and is accepted; -1 if
+// none.
 template <class Direction, class Unit, class Probe, class Block>
 ULK_INLINE int32_t settle(Probe& probe, LaneMask<Unit> mask, const Block& block) {
   for (; mask.any(); mask = mask.without(Direction::pick(mask))) {
@@ -97,26 +103,54 @@ ULK_INLINE int32_t settle(Probe& probe, LaneMask<Unit> mask, const Block& block)
 
 template <class Direction, class Unit, class Probe, class Block>
 ULK_INLINE int32_t scanBlock(Probe& probe, const Block& block) {
-  return settle<Direction>(probe, block.used(probe.hits(block).mask()), block);
+  const LaneMask<Unit> mask = block.used(probe.filter().hits(block).mask());
+  if (!mask.any()) return -1;
+  if constexpr (Probe::kExact) {
+    return block.position(Direction::pick(mask));
+  } else {
+    return settle<Direction>(probe, mask, block);
+  }
 }
 
 // Two neighbouring blocks as one of twice as many lanes.
-template <class Direction, class Unit, class Probe>
-ULK_INLINE int32_t settlePair(Probe& probe, Vec16<Unit> lower, Vec16<Unit> upper, size_t at) {
-  return settle<Direction>(probe, LaneMask<Unit>::pair(lower.mask(), upper.mask()), FullBlock<Unit>{at});
+template <class Unit, class Filter>
+ULK_INLINE LaneMask<Unit> pairMask(const Filter& filter, size_t at) {
+  constexpr size_t kLanes = Vec16<Unit>::kLanes;
+  return LaneMask<Unit>::pair(filter.hits(FullBlock<Unit>{at}).mask(),
+                              filter.hits(FullBlock<Unit>{at + kLanes}).mask());
 }
 
-// Two pairs of blocks, the pair at `near` before the one at `far` in the direction of the walk.
+// Tests two pairs of blocks once more, to accept or reject what passes. Apart from the walk, which needs all
+// registers for its loop.
 template <class Direction, class Unit, class Probe>
-ULK_INLINE int32_t scanPairs(Probe& probe, size_t near, size_t far) {
+__attribute__((noinline)) int32_t settlePairs(Probe& probe, size_t near, size_t far) {
+  for (const size_t at : {near, far}) {
+    const LaneMask<Unit> mask = pairMask<Unit>(probe.filter(), at);
+    const int32_t found = settle<Direction>(probe, mask, FullBlock<Unit>{at});
+    if (found >= 0) return found;
+  }
+  return -1;
+}
+
+// Two pairs of neighbouring blocks, the pair at `near` before the one at `far` in the direction of the walk.
+template <class Direction, class Unit, class Probe, class Filter>
+ULK_INLINE int32_t scanPairs(Probe& probe, Filter& filter, size_t near, size_t far) {
   constexpr size_t kLanes = Vec16<Unit>::kLanes;
-  const Vec16<Unit> near0 = probe.hits(FullBlock<Unit>{near});
-  const Vec16<Unit> near1 = probe.hits(FullBlock<Unit>{near + kLanes});
-  const Vec16<Unit> far0 = probe.hits(FullBlock<Unit>{far});
-  const Vec16<Unit> far1 = probe.hits(FullBlock<Unit>{far + kLanes});
+  const Vec16<Unit> near0 = filter.hits(FullBlock<Unit>{near});
+  const Vec16<Unit> near1 = filter.hits(FullBlock<Unit>{near + kLanes});
+  const Vec16<Unit> far0 = filter.hits(FullBlock<Unit>{far});
+  const Vec16<Unit> far1 = filter.hits(FullBlock<Unit>{far + kLanes});
   if (!((near0 | near1) | (far0 | far1)).mask().any()) return -1;
-  const int32_t found = settlePair<Direction>(probe, near0, near1, near);
-  return found >= 0 ? found : settlePair<Direction>(probe, far0, far1, far);
+
+  if constexpr (Probe::kExact) {
+    const auto mask = LaneMask<Unit>::pair(near0.mask(), near1.mask());
+    if (mask.any()) return FullBlock<Unit>{near}.position(Direction::pick(mask));
+    return FullBlock<Unit>{far}.position(Direction::pick(LaneMask<Unit>::pair(far0.mask(), far1.mask())));
+  } else {
+    const int32_t found = settlePairs<Direction, Unit>(probe, near, far);
+    filter = probe.filter();
+    return found;
+  }
 }
 
 // The first of the positions 0 .. count - 1 of `text`, in the direction of the walk, that the probe accepts;
@@ -133,18 +167,21 @@ ULK_INLINE int32_t scan(const Unit* text, size_t count, Probe& probe) {
   }
   const auto block = [&](size_t done)
                          ULK_LAMBDA_INLINE { return FullBlock<Unit>{Direction::place(count, done, kLanes)}; };
-  const auto pair = [&](size_t done) ULK_LAMBDA_INLINE { return Direction::place(count, done, kPair); };
-
   if (count <= kPair) {
     const int32_t found = scanBlock<Direction, Unit>(probe, block(0));
     return found >= 0 ? found : scanBlock<Direction, Unit>(probe, block(count - kLanes));
   }
-  if (count <= kGroup) return scanPairs<Direction, Unit>(probe, pair(0), pair(count - kPair));
-
+  auto filter = probe.filter();
+  if (count <= kGroup) {
+    return scanPairs<Direction, Unit>(probe, filter, Direction::place(count, 0, kPair),
+                                      Direction::place(count, count - kPair, kPair));
+  }
   int32_t found = scanBlock<Direction, Unit>(probe, block(0));
   if (found >= 0) return found;
+
   const auto group = [&](ptrdiff_t at) ULK_LAMBDA_INLINE {
-    return scanPairs<Direction, Unit>(probe, static_cast<size_t>(at) + Direction::place(kGroup, 0, kPair),
+    return scanPairs<Direction, Unit>(probe, filter,
+                                      static_cast<size_t>(at) + Direction::place(kGroup, 0, kPair),
                                       static_cast<size_t>(at) + Direction::place(kGroup, kPair, kPair));
   };
   const auto groupAt = [&](size_t done) ULK_LAMBDA_INLINE {
