@@ -17,9 +17,17 @@ failures=0
 
 run() {
   status=0
-  printf '%b' "$input" | $command "$@" >out 2>err || status=$?
+  printf '%b' "$input" | $command "$@" >out 2>raw || status=$?
+  tr -d '\r' <raw >err  # standard error is a text on Windows
   rows=$((rows + 1))
 }
+
+# Wine may speak on standard error when it starts: let it do so now.
+emulated=$(($# > 1))
+if [ $emulated = 1 ]; then
+  input=''
+  run --version
+fi
 
 # fail WHAT ARGUMENT...
 fail() {
@@ -194,7 +202,8 @@ run --version
 caret 'a(b' ulkErrRegExpGroup 3 '     ^'
 caret 'ab**' ulkErrRegExpQuantifier 3 '     ^'
 caret '(a)\2' ulkErrRegExpBackRef 4 '      ^'
-caret "$(printf 'e\303\251\303\251[b-a]')" ulkErrRegExpClass 8 '        ^'
+# Wine hands on arguments in the code page of the C locale, which has no such letters.
+[ $emulated = 1 ] || caret "$(printf 'e\303\251\303\251[b-a]')" ulkErrRegExpClass 8 '        ^'
 caret "$(printf '\ta**')" ulkErrRegExpQuantifier 3 '  \t  ^'
 caret "$(printf 'a # b\nc+*')" ulkErrRegExpQuantifier 8 '    ^' -x
 error 2 '' '*lone backslash*' 'a\'
