@@ -32,7 +32,7 @@ for library in arguments.libraries:
             mnemonic = instruction.group(2)
             found += [f"{symbol}: {mnemonic} ({name})" for name, pattern in PATTERNS if pattern.match(mnemonic)]
     if found:
-        sys.exit(f"{library}: newer than SSE3:\n" + "\n".join(sorted(set(found))))
+        sys.exit(f"{library}: {len(found)} newer than SSE3, among them:\n" + "\n".join(sorted(set(found))[:20]))
     if count == 0:
         sys.exit(f"{library}: no instructions found in it")
     print(f"{library}: {count} instructions, none newer than SSE3")
