@@ -1,7 +1,8 @@
 // Any unit of a set: the first or the last place in a text where one stands.
 //
-// A few members are compared with 16 bytes of text at once, one vector a member. Beyond that each text unit
-// is looked up: in a table of flags, or, where the text is too short to pay for the table, in the set itself.
+// Few members are compared with 16 bytes of text at once, one vector a member. Of a long text with more
+// members only the beginning is searched so, for the sake of early answers; the rest is looked up unit by
+// unit in a table of flags.
 #pragma once
 
 #include <algorithm>
@@ -11,7 +12,8 @@
 
 namespace ulk {
 
-// Members in vectors; where the set has fewer, its last one stands for the missing.
+// Members in vectors, few enough for most of them to stay in registers. Where the set has fewer than
+// `members`, its last one stands for the missing.
 template <class Unit, int members>
 struct AnyProbe {
   static constexpr bool kExact = true;
@@ -34,9 +36,58 @@ struct AnyProbe {
   ULK_INLINE const AnyProbe& filter() const { return *this; }
 };
 
+// Members in vectors, any number up to 16: the vectors wait in memory.
+inline constexpr int32_t kMostVectors = 16;
+
+template <class Unit>
+struct ManyProbe {
+  static constexpr bool kExact = true;
+  const Unit* text;
+  int32_t members;
+  Vec16<Unit> wanted[kMostVectors];
+
+  ULK_INLINE ManyProbe(const Unit* searched, const Unit* set, int32_t setLength)
+      : text(searched), members(setLength) {
+    for (int32_t i = 0; i < setLength; ++i) wanted[i] = Vec16<Unit>::splat(loadUnit(set + i));
+  }
+
+  template <class Block>
+  ULK_INLINE Vec16<Unit> hits(const Block& block) const {
+    const Vec16<Unit> units = block.load(text);
+    Vec16<Unit> equal = units.equal(wanted[0]);
+    for (int32_t i = 1; i < members; ++i) equal = equal | units.equal(wanted[i]);
+    return equal;
+  }
+  ULK_INLINE const ManyProbe& filter() const { return *this; }
+};
+
+// Any number of members, each made a vector when its turn comes: for a text that is tested once.
+template <class Unit>
+struct OnceProbe {
+  static constexpr bool kExact = true;
+  const Unit* text;
+  const Unit* set;
+  int32_t members;
+
+  template <class Block>
+  ULK_INLINE Vec16<Unit> hits(const Block& block) const {
+    const Vec16<Unit> units = block.load(text);
+    Vec16<Unit> equal = Vec16<Unit>::zero();
+    for (int32_t i = 0; i < members; ++i) equal = equal | units.equal(Vec16<Unit>::splat(loadUnit(set + i)));
+    return equal;
+  }
+  ULK_INLINE const OnceProbe& filter() const { return *this; }
+};
+
 template <class Direction, int members, class Unit>
 int32_t scanForMembers(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
   AnyProbe<Unit, members> probe(text, set, setLength);
+  return scan<Direction>(text, static_cast<size_t>(length), probe);
+}
+
+template <class Direction, class Unit>
+int32_t scanForMany(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
+  ManyProbe<Unit> probe(text, set, setLength);
   return scan<Direction>(text, static_cast<size_t>(length), probe);
 }
 
@@ -56,25 +107,38 @@ ULK_INLINE int32_t scanUnits(const Unit* text, int32_t length, Flag flag) {
   return -1;
 }
 
-// Flags of all units there are: bytes for the 256 8-bit ones, bits for the 65536 16-bit ones (8 KiB of
-// stack).
+// Flags of all units there are: a byte each for the 256 8-bit ones, a bit each for the 65536 16-bit ones (8
+// KiB of stack).
 template <class Unit>
 class UnitFlags {
  public:
   UnitFlags(const Unit* set, int32_t setLength) {
+    // Not left to the compiler, whose block fill takes longer to start than the whole of the small table
+    // takes.
+    for (size_t at = 0; at < sizeof(cells_); at += 16) {
+      Vec16<uint8_t>::zero().storeAligned(reinterpret_cast<char*>(cells_) + at);
+    }
     for (int32_t i = 0; i < setLength; ++i) {
-      const size_t unit = loadUnit(set + i);
-      flags_[unit / kPerCell] = static_cast<Cell>(flags_[unit / kPerCell] | Cell{1} << unit % kPerCell);
+      const uint32_t unit = loadUnit(set + i);
+      if constexpr (kBits) {
+        cells_[unit / 32] |= 1u << unit % 32;
+      } else {
+        cells_[unit] = 1;
+      }
     }
   }
-  ULK_INLINE uint32_t operator()(size_t unit) const {
-    return flags_[unit / kPerCell] >> unit % kPerCell & 1u;
+  ULK_INLINE uint32_t operator()(uint32_t unit) const {
+    if constexpr (kBits) {
+      return cells_[unit / 32] >> unit % 32 & 1;
+    } else {
+      return cells_[unit];
+    }
   }
 
  private:
-  using Cell = std::conditional_t<sizeof(Unit) == 1, uint8_t, uint32_t>;
-  static constexpr size_t kPerCell = sizeof(Unit) == 1 ? 1 : 32;
-  Cell flags_[(size_t{1} << 8 * sizeof(Unit)) / kPerCell] = {};
+  static constexpr bool kBits = sizeof(Unit) == 2;
+  using Cell = std::conditional_t<kBits, uint32_t, uint8_t>;
+  alignas(16) Cell cells_[kBits ? 65536 / 32 : 256];
 };
 
 template <class Direction, class Unit>
@@ -83,22 +147,53 @@ int32_t scanByTable(const Unit* text, int32_t length, const Unit* set, int32_t s
   return scanUnits<Direction>(text, length, [&](Unit unit) ULK_LAMBDA_INLINE { return flags(unit); });
 }
 
-// Whether looking each text unit up in the set itself costs less than filling a table.
+// The beginning by vectors, the rest by a table.
+template <class Direction, class Unit>
+int32_t scanByBoth(const Unit* text, int32_t length, const Unit* set, int32_t setLength, int32_t byVectors) {
+  const auto part = [&](int32_t done, int32_t size) {
+    return static_cast<int32_t>(
+        Direction::place(static_cast<size_t>(length), static_cast<size_t>(done), static_cast<size_t>(size)));
+  };
+  const int32_t near = part(0, byVectors);
+  int32_t found = scanForMany<Direction>(text + near, byVectors, set, setLength);
+  if (found >= 0) return near + found;
+
+  const int32_t far = part(byVectors, length - byVectors);
+  found = scanByTable<Direction>(text + far, length - byVectors, set, setLength);
+  return found >= 0 ? far + found : -1;
+}
+
+// Whether looking each text unit up in the set costs less than filling a table.
 template <class Unit>
 ULK_INLINE bool tooShortForTable(int32_t length, int32_t setLength) {
-  constexpr uint64_t kBlocks = sizeof(Unit) == 1 ? 8 : 256;
+  if (sizeof(Unit) == 1) return false;
+  constexpr uint64_t kMostBlocks = 256;
   return static_cast<uint64_t>(length) * (static_cast<uint64_t>(setLength) / Vec16<Unit>::kLanes + 1) <=
-         kBlocks;
+         kMostBlocks;
 }
 
 template <class Direction, class Unit>
 int32_t scanForAny(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
+  constexpr int32_t kLanes = Vec16<Unit>::kLanes;
+  constexpr int32_t kMostOnce = 32;
+
   if (length == 0 || setLength == 0) return -1;
   if (setLength == 1) return scanForUnit<Direction>(text, length, loadUnit(set));
   if (setLength == 2) return scanForMembers<Direction, 2>(text, length, set, setLength);
   if (setLength == 3) return scanForMembers<Direction, 3>(text, length, set, setLength);
   if (setLength == 4) return scanForMembers<Direction, 4>(text, length, set, setLength);
+  if (length < kLanes && setLength <= kMostOnce) {
+    OnceProbe<Unit> probe{text, set, setLength};
+    return scan<Direction>(text, static_cast<size_t>(length), probe);
+  }
   if (setLength <= 8) return scanForMembers<Direction, 8>(text, length, set, setLength);
+  if (setLength <= kMostVectors) {
+    // Here a table of bytes is faster in the long run, one of bits is not.
+    constexpr int32_t kBeginning = 2 * kLanes;
+    if (sizeof(Unit) == 2 || length <= kBeginning)
+      return scanForMany<Direction>(text, length, set, setLength);
+    return scanByBoth<Direction>(text, length, set, setLength, kBeginning);
+  }
   if (tooShortForTable<Unit>(length, setLength)) {
     return scanUnits<Direction>(
         text, length, [&](Unit unit) { return static_cast<uint32_t>(findUnit(set, setLength, unit) >= 0); });

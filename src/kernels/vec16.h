@@ -95,6 +95,8 @@ class Vec16 {
     }
   }
 
+  ULK_INLINE void storeAligned(void* block) const { _mm_store_si128(static_cast<__m128i*>(block), v_); }
+
   // All ones in the lanes where the units are equal, zero in the others.
   ULK_INLINE Vec16 equal(Vec16 other) const {
     if constexpr (sizeof(Unit) == 1) {
@@ -106,6 +108,11 @@ class Vec16 {
   ULK_INLINE Vec16 differs(Vec16 other) const {
     return Vec16(_mm_xor_si128(equal(other).v_, _mm_set1_epi8(-1)));
   }
+  ULK_INLINE Vec16 min(Vec16 other) const {
+    static_assert(sizeof(Unit) == 1, "there is no such instruction for unsigned 16-bit units");
+    return Vec16(_mm_min_epu8(v_, other.v_));
+  }
+  ULK_INLINE Vec16 operator^(Vec16 other) const { return Vec16(_mm_xor_si128(v_, other.v_)); }
   ULK_INLINE Vec16 operator|(Vec16 other) const { return Vec16(_mm_or_si128(v_, other.v_)); }
   ULK_INLINE Vec16 operator&(Vec16 other) const { return Vec16(_mm_and_si128(v_, other.v_)); }
 

@@ -35,12 +35,10 @@ ULK_INLINE ulkStatus searchTerminated(const Unit* text, const Unit* pattern, int
   return search(text, measure(text), pattern, measure(pattern), index, findSubstring<Unit>);
 }
 
-// One pass stops at the unit or at the end, whichever comes first; a zero unit is never part of the text.
 template <class Unit>
 ULK_INLINE ulkStatus searchUnitTerminated(const Unit* text, Unit unit, int32_t* index) {
   if (!text || !index) return ulkErrNullPtr;
-  const size_t stop = findUnitOrEnd(text, unit);
-  *index = loadUnit(text + stop) == 0 ? -1 : static_cast<int32_t>(stop);
+  *index = findUnitTerminated(text, unit);
   return ulkOk;
 }
 
