@@ -3,30 +3,30 @@
 // The two dialects share most of Perl's syntax and part ways in many corners, mostly on purpose. The
 // generator writes only what means the same to both. It leaves out, by name:
 //
-//   syntax of one side      possessive and nested quantifiers, {,n}, named groups, recursion, branch reset,
-//   blocks,
-//                           \K \R \h \N \g \k, \v (a byte here, a set there)
-//   \s and vertical tab     it is no white space here; texts have none
-//   POSIX classes           cntrl, graph, print, punct; negated ones of several ranges (they accept
-//   everything) single-member classes   of U+0080 to U+00FF (one byte is compared) quantified assertions   an
-//   optional assertion holds here without being looked at lazy code points,       they report a match at once
-//   at a first differing character or empty iteration
-//     properties, atomics
-//   groups with {0}         (PCRE2 10.42 finds anchors in them)
-//   lazy bytes              behind a choice point (the length keeps bytes of a failed try), and before a byte
-//   that
-//                           is optional (the next byte is looked at too early)
-//   lazy shorthands         next to the same shorthand: the pair merges into one greedy repeat
-//   repeated groups         whose body can be empty, or is one repeated character (their counts are pruned)
-//   captures                inside lookarounds and atomic groups (they outlive a failure)
-//   references              to a group from inside it, to a group that may be empty, to groups from 10 on
-//   $ \Z \z and lookahead   while a literal ends the expression: they see the text cut off behind its last
-//   occurrence top-level bars          together with a repeated byte: this brings back the cut, for one
-//   alternative's sake option settings         but at the head of the expression or of a group: they leak
-//   into later attempts extended syntax         blanks between an item and its quantifier, but behind a byte
-//   or a class caseless matching       beyond ASCII (texts have one case of each letter), and of \p{Lu} and
-//   \p{Ll} multi-byte characters   repeated as a literal, or in a lookbehind wider than one character \X,
-//   \p{Cn}              sequences are simpler here; what is unassigned depends on the Unicode version
+//   syntax of one side     possessive and nested quantifiers, {,n}, named groups, recursion, branch reset,
+//                          blocks, \K \R \h \N \g \k, \v (a byte here, a set there)
+//   \s and vertical tab    it is no white space here; texts have none
+//   POSIX classes          cntrl, graph, print, punct; negated ones of several ranges (all is accepted)
+//   single-member classes  of U+0080 to U+00FF: one byte is compared
+//   quantified assertions  an optional one holds here without being looked at
+//   lazy code points,      properties and atomic groups: they report a match at once, at a first differing
+//                          character or empty iteration
+//   lazy bytes             behind a choice point (the length keeps bytes of a failed try), and before a byte
+//                          that is optional (the next byte is looked at too early)
+//   lazy shorthands        next to the same shorthand: the pair merges into one greedy repeat
+//   repeated groups        whose body can be empty, or is one repeated character: their counts are pruned
+//   captures               inside lookarounds and atomic groups: they outlive a failure
+//   references             to a group from inside it, to one that may be empty, to groups from 10 on
+//   what sees the end      ($ \Z \z, lookaheads, atomic groups) while a literal ends the expression: the text
+//                          is cut off behind its last occurrence
+//   top-level bars         together with a repeated byte: it brings the cut back, for the last branch only
+//   option settings        but at the head of the expression or of a group: they leak into later attempts
+//   extended syntax        blanks between an item and its quantifier, but behind a byte or a class
+//   caseless matching      beyond ASCII (texts have one case of each letter), and of \p{Lu} and \p{Ll}
+//   multi-byte characters  repeated as a literal, or in a lookbehind wider than one character
+//   \X, \p{Cn}             sequences are simpler here; what is unassigned depends on the Unicode version
+//   faults of PCRE2 10.42  \D \S \W in a class with properties or POSIX classes lose what is above U+00FF;
+//                          groups with {0} are searched for anchors
 
 #include <gtest/gtest.h>
 
