@@ -1,0 +1,224 @@
+#include "support/expression_cases.h"
+
+#ifdef _WIN32
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#else
+#include <sys/mman.h>
+#endif
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <string_view>
+
+namespace ulktest {
+namespace {
+
+// A cursor over one line. Every reader moves it behind what it read and answers whether that was well-formed.
+class LineReader {
+ public:
+  explicit LineReader(std::string_view line) : rest_(line) {}
+
+  bool atEnd() const { return rest_.empty(); }
+  bool at(char c) const { return rest_.starts_with(c); }
+
+  bool take(std::string_view prefix) {
+    if (!rest_.starts_with(prefix)) return false;
+    rest_.remove_prefix(prefix.size());
+    return true;
+  }
+
+  void skipBlanks() {
+    while (take(" ")) continue;
+  }
+
+  // The bytes up to the next blank, and the blanks.
+  std::string word() {
+    const std::string taken(rest_.substr(0, rest_.find(' ')));
+    rest_.remove_prefix(taken.size());
+    skipBlanks();
+    return taken;
+  }
+
+  bool number(int32_t* value) {
+    const std::string digits(rest_.substr(0, rest_.find_first_not_of("0123456789")));
+    *value = static_cast<int32_t>(std::strtol(digits.c_str(), nullptr, 10));
+    rest_.remove_prefix(digits.size());
+    return !digits.empty();
+  }
+
+  // /.../ up to the last slash of the line.
+  bool slashed(std::string* bytes) {
+    const size_t end = rest_.rfind('/');
+    if (!at('/') || end == 0) return false;
+    *bytes = rest_.substr(1, end - 1);
+    rest_.remove_prefix(end + 1);
+    return true;
+  }
+
+  bool quoted(std::string* bytes) { return take("\"") && escapedUpTo('"', bytes); }
+
+ private:
+  bool escapedUpTo(char terminator, std::string* bytes) {
+    while (!rest_.empty()) {
+      const char c = takeByte();
+      if (c == terminator) return true;
+      if (c != '\\') {
+        *bytes += c;
+      } else if (!escape(bytes)) {
+        return false;
+      }
+    }
+    return false;
+  }
+
+  bool escape(std::string* bytes) {
+    constexpr std::string_view kNames("\\\"nrt0");
+    constexpr std::string_view kBytes("\\\"\n\r\t\0", 6);
+    if (rest_.empty()) return false;
+    const char c = takeByte();
+    if (c == 'x') return hexByte(bytes);
+    if (c == '<') return repetition(bytes);
+    const size_t i = kNames.find(c);
+    if (i == kNames.npos) return false;
+    *bytes += kBytes[i];
+    return true;
+  }
+
+  bool hexByte(std::string* bytes) {
+    const std::string digits(rest_.substr(0, 2));
+    if (digits.size() != 2 || digits.find_first_not_of("0123456789abcdefABCDEF") != digits.npos) return false;
+    rest_.remove_prefix(2);
+    *bytes += static_cast<char>(std::strtol(digits.c_str(), nullptr, 16));
+    return true;
+  }
+
+  bool repetition(std::string* bytes) {
+    int32_t times = 0;
+    std::string piece;
+    if (!number(&times) || !take(":") || !escapedUpTo('>', &piece)) return false;
+    for (; times > 0; --times) *bytes += piece;
+    return true;
+  }
+
+  char takeByte() {
+    const char c = rest_.front();
+    rest_.remove_prefix(1);
+    return c;
+  }
+
+  std::string_view rest_;
+};
+
+// What remains of the line, with single blanks.
+std::string remainingWords(LineReader* line) {
+  std::string words;
+  for (line->skipBlanks(); !line->atEnd();) words += (words.empty() ? "" : " ") + line->word();
+  return words;
+}
+
+bool readExpression(LineReader line, Expression* expression) {
+  const bool read = line.at('/') ? line.slashed(&expression->pattern) : line.quoted(&expression->pattern);
+  if (!read) return false;
+  expression->options = line.word();
+  return line.atEnd();
+}
+
+bool readSetting(LineReader* line, Search* search) {
+  int32_t value = 0;
+  const std::string name = line->take("limit=")      ? "limit"
+                           : line->take("capacity=") ? "capacity"
+                           : line->take("format=")   ? "format"
+                                                     : "";
+  if (name.empty() || !line->number(&value)) return false;
+  if (name == "limit") search->limit = value;
+  if (name == "capacity") search->capacity = value;
+  if (name == "format") search->format = value;
+  line->skipBlanks();
+  return true;
+}
+
+bool readSearch(LineReader line, Search* search) {
+  while (!line.at('"'))
+    if (!readSetting(&line, search)) return false;
+  if (!line.quoted(&search->text)) return false;
+  line.skipBlanks();
+  if (line.word() != "=") return false;
+  search->expected = remainingWords(&line);
+  if (const size_t at = search->expected.rfind(" steps "); at != std::string::npos) {
+    search->steps = std::stoi(search->expected.substr(at + 7));
+    search->expected.resize(at);
+  }
+  return !search->expected.empty();
+}
+
+bool readLine(std::string_view text, int number, std::vector<Expression>* expressions) {
+  LineReader line(text);
+  if (line.atEnd() || line.at('#')) return true;
+  if (!line.at(' ')) {
+    expressions->push_back({.line = number});
+    return readExpression(line, &expressions->back());
+  }
+  line.skipBlanks();
+  if (expressions->empty()) return false;
+  Expression& current = expressions->back();
+  if (line.at('e')) {
+    current.error = remainingWords(&line);
+    return true;
+  }
+  current.searches.push_back({.line = number});
+  return readSearch(line, &current.searches.back());
+}
+
+constexpr size_t kPage = 4096;
+
+#ifdef _WIN32
+uint8_t* allocatePages(size_t size) {
+  return static_cast<uint8_t*>(VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+}
+void makeUnreadable(uint8_t* page) {
+  DWORD before = 0;
+  VirtualProtect(page, kPage, PAGE_NOACCESS, &before);
+}
+void releasePages(uint8_t* block, size_t) { VirtualFree(block, 0, MEM_RELEASE); }
+#else
+uint8_t* allocatePages(size_t size) {
+  return static_cast<uint8_t*>(
+      mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+}
+void makeUnreadable(uint8_t* page) { mprotect(page, kPage, PROT_NONE); }
+void releasePages(uint8_t* block, size_t size) { munmap(block, size); }
+#endif
+
+}  // namespace
+
+GuardedText::GuardedText(const std::string& text, Place place) {
+  const size_t used = text.size() + 1;
+  const size_t readable = (used + kPage - 1) / kPage * kPage;
+  blockSize_ = kPage + readable + kPage;
+  block_ = allocatePages(blockSize_);
+  uint8_t* const first = block_ + kPage + (place == kEndsAtGuard ? readable - used : 0);
+  std::memcpy(first, text.c_str(), used);
+  makeUnreadable(block_);
+  makeUnreadable(block_ + kPage + readable);
+  data_ = first;
+}
+
+GuardedText::~GuardedText() { releasePages(block_, blockSize_); }
+
+ExpressionFile readExpressions(const std::string& path) {
+  ExpressionFile file;
+  std::ifstream stream(path, std::ios::binary);
+  if (!stream) file.problem = "cannot open " + path;
+  std::string text;
+  for (int number = 1; std::getline(stream, text); ++number) {
+    if (text.ends_with('\r')) text.pop_back();
+    if (readLine(text, number, &file.expressions)) continue;
+    file.problem = path + ":" + std::to_string(number) + ": not understood: " + text;
+    break;
+  }
+  return file;
+}
+
+}  // namespace ulktest

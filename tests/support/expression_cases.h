@@ -1,0 +1,78 @@
+// Reads the transcript files of tests/data: expressions, the texts to search and what must be found.
+//
+// A file is read by people first, so one line is one thing. A line that starts in the first column is a
+// comment (#) or an expression; the indented lines below an expression are its searches, or its compile
+// error:
+//
+//   /a(b)?c/i                        the pattern up to the last slash, byte for byte, then the options
+//     "xABC"  = 1+3 2+1              record 0 is 3 bytes at position 1, record 1 one byte at 2
+//     "ac"    = 0+2 -                "-" is a group that took no part
+//     "b"     = none                 no match
+//   "a\n\<3:xy>b"                    a pattern in quotes is written with the escapes of a text
+//     "a\nxyxyxyb" = 0+8 steps 1     the smallest match limit that gives this result is 1
+//     limit=0 "a"  = limit 1         the match limit ran out and left the count at 1; records written follow
+//   /(a/
+//     error group 3                  refused with this error at this offset; the names are those of the
+//     status codes
+//
+// An expression without further lines must compile. Before its text a search may set limit=N, capacity=N
+// (records, 64 unless given) and format=0|1. Without a format, a text of ASCII bytes is searched in both
+// formats with the same result, any other in format 1.
+//
+// Escapes: \\ \" \n \r \t \0 \xHH, and \<N:...> for N times what stands up to the ">". Other bytes stand for
+// themselves; the files are UTF-8.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace ulktest {
+
+struct Search {
+  int line = 0;
+  std::string text;
+  std::optional<int32_t> format;
+  std::optional<int32_t> limit;
+  int32_t capacity = 64;
+  std::string expected;          // the outcome as written, one blank between words, without the steps
+  std::optional<int32_t> steps;  // the smallest limit that gives the outcome
+};
+
+struct Expression {
+  int line = 0;
+  std::string pattern;
+  std::string options;
+  std::string error;  // "error NAME OFFSET" for a pattern that must be refused, else empty
+  std::vector<Search> searches;
+};
+
+struct ExpressionFile {
+  std::vector<Expression> expressions;
+  std::string problem;  // why the file could not be read, with the line; empty when it could
+};
+
+ExpressionFile readExpressions(const std::string& path);
+
+// A copy of a text, with one NUL behind it, in a page of its own between two unreadable ones: either ending
+// where the page ends or beginning where it begins, so that a read on that side of it faults.
+class GuardedText {
+ public:
+  enum Place { kEndsAtGuard, kStartsAtGuard };
+
+  GuardedText(const std::string& text, Place place);
+  ~GuardedText();
+  GuardedText(const GuardedText&) = delete;
+  GuardedText& operator=(const GuardedText&) = delete;
+
+  const uint8_t* data() const { return data_; }
+
+ private:
+  uint8_t* block_ = nullptr;
+  size_t blockSize_ = 0;
+  const uint8_t* data_ = nullptr;
+};
+
+}  // namespace ulktest
