@@ -1,9 +1,12 @@
 #include "regexp/byte_sets.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstdlib>
 
 #include "regexp/bytes.h"
+#include "regexp/first_bytes.h"
 #include "regexp/items.h"
 
 namespace ulk {
@@ -42,16 +45,30 @@ void invert(ByteSet256& set) {
   for (uint32_t& word : set.words) word = ~word;
 }
 
+bool intersect(const ByteSet256& a, const ByteSet256& b) {
+  uint32_t common = 0;
+  for (int i = 0; i < 8; ++i) common |= a.words[i] & b.words[i];
+  return common != 0;
+}
+
 void addByte(int32_t byte, uint32_t options, ByteSet256& set) {
   if (byte > 255) return;
   add(static_cast<uint8_t>(byte), set);
   if ((options & RX_OPT_CASELESS) && isAsciiLetter(byte)) add(static_cast<uint8_t>(byte ^ 0x20), set);
 }
 
+// The shorthand sets of kByteSets, one for each of its bits.
+constexpr std::array<ByteSet256, 8> kShorthandSets = [] {
+  std::array<ByteSet256, 8> sets{};
+  for (uint32_t bit = 0; bit < 8; ++bit)
+    for (uint32_t c = 0; c < 256; ++c)
+      sets[bit].words[c >> 5] |= (kByteSets[c] >> bit & 1u) << (c & 31);
+  return sets;
+}();
+
 void addShorthand(int32_t letter, uint32_t options, ByteSet256& set) {
   const uint8_t wanted = byteSetOf(letter, options);
-  for (uint32_t c = 0; c < 256; ++c)
-    set.words[c >> 5] |= static_cast<uint32_t>(inByteSet(static_cast<uint8_t>(c), wanted)) << (c & 31);
+  if (wanted) addAll(kShorthandSets[static_cast<size_t>(std::countr_zero(wanted))], set);
 }
 
 bool isByteRange(const RxNode& member) { return member.op1 < 256 && member.op2 < 256; }
@@ -108,6 +125,33 @@ void makeClassSets(ulkRegExpState& state, SpareFrames& frames) {
     node.text = set;
     node.op3 = static_cast<int32_t>(options & RX_OPT_CASELESS);
     i += node.op2;
+  }
+}
+
+void makeFollowSets(ulkRegExpState& state, SpareFrames& frames) {
+  RxNode* const nodes = state.nodes();
+  uint32_t options = state.options;
+  const RxNode* item = nullptr;
+  for (int32_t i = 0; i < state.numNodes; ++i) {
+    RxNode& node = nodes[i];
+    options = optionsAfter(node, options);
+    if (!isQuantifier(node)) {
+      item = &node;
+      if (node.code == RX_CLASS) i += node.op2;
+      continue;
+    }
+    node.text = nullptr;
+    if (item->code == RX_END || item->code == RX_ASSERT || item->code == RX_BACKREF) continue;
+    FirstBytes follow(state);
+    if (!follow.ofRest(i + 1, options) || follow.steps > kMaxFollowSteps) continue;
+    const int32_t frame = frames.take();
+    if (frame == 0) continue;
+    ByteSet256 taken{};
+    addFirstBytes(*item, options, taken);
+    const bool disjoint = !intersect(taken, follow.set);
+    state.frames[frame].bytes = follow.set;
+    node.text = &state.frames[frame].bytes;
+    node.op3 = FollowNote{options, follow.steps, disjoint}.pack();
   }
 }
 

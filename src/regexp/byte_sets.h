@@ -1,6 +1,8 @@
-// Making the byte sets that make searching fast: which bytes a class accepts, and which bytes can begin a match.
+// Byte sets that make searching fast, made when an expression is compiled.
 //
-// An RX_CLASS node points to its set by `text`; `op3` tells the caseless bit that it was made for.
+// An RX_CLASS node points to the set of the single bytes that it accepts by `text`; `op3` tells the caseless bit that it
+// was made for. The quantifier of a repeated item points to the set of the bytes that may follow the repeat by `text`;
+// `op3` is a packed FollowNote.
 #pragma once
 
 #include <cstdint>
@@ -22,8 +24,23 @@ class SpareFrames {
   int32_t next_ = kNumFrames - 1;
 };
 
-// Makes the sets of all classes, as far as there are frames for them.
+// Make the sets of all classes and repeats, as far as there are frames for them.
 void makeClassSets(ulkRegExpState& state, SpareFrames& frames);
+void makeFollowSets(ulkRegExpState& state, SpareFrames& frames);
+
+// A quantifier's note about its follow set: the options that it was made for, the steps that going on at another byte
+// costs, and whether none of its bytes begins one of the repeat's items.
+struct FollowNote {
+  uint32_t options;
+  int32_t steps;
+  bool disjoint;
+
+  int32_t pack() const { return steps << 6 | static_cast<int32_t>(options) << 1 | (disjoint ? 1 : 0); }
+  static FollowNote unpack(int32_t note) {
+    return {static_cast<uint32_t>(note) >> 1 & 0x1F, note >> 6, (note & 1) != 0};
+  }
+};
+inline constexpr int32_t kMaxFollowSteps = 1 << 20;
 
 // The bytes that can begin what an item matches, as far as one byte can tell: from 0x80 on it usually cannot.
 void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set);

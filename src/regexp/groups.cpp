@@ -23,7 +23,7 @@ struct Group {
   bool lazy;
 };
 
-Group groupAt(const MatchContext& m, int32_t openNode) {
+__attribute__((always_inline)) inline Group groupAt(const MatchContext& m, int32_t openNode) {
   const RxNode& open = m.nodes[openNode];
   const int32_t endNode = openNode + open.op2 + 1;
   const RxNode& end = m.nodes[endNode];

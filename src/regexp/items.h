@@ -24,10 +24,6 @@ inline const ByteSet256* classSet(const RxNode& header, uint32_t options) {
 // Whether the class accepts a character that is this single byte.
 inline bool classAcceptsByte(const RxNode& header, uint8_t byte, uint32_t options);
 
-// Whether a step at `node` would fail right there: an item that must match once and cannot. Such a step changes nothing
-// but the budget, so it may be paid for instead of made.
-inline bool failsAtOnce(const MatchContext& m, int32_t node);
-
 // The index of the node after the item, where its quantifier stands if it has one.
 inline int32_t afterItem(const MatchContext& m, int32_t item) {
   const RxNode& node = m.nodes[item];
@@ -49,27 +45,6 @@ bool propertyAccepts(const RxNode& node, int32_t codePoint);
 inline bool classAcceptsByte(const RxNode& header, uint8_t byte, uint32_t options) {
   if (const ByteSet256* set = classSet(header, options)) return set->contains(byte);
   return classAccepts(header, {byte < 0x80 ? byte : byte - 256, 1}, byte, options);
-}
-
-inline bool failsAtOnce(const MatchContext& m, int32_t node) {
-  if (node == m.endNode || m.at > m.textEnd) return false;
-  const RxNode& item = m.nodes[node];
-  const bool atEnd = m.at == m.textEnd;
-  const auto fails = [&](int32_t next, bool accepted) {
-    return !accepted && !(m.hasQuantifier(next) && m.nodes[next].op1 == 0);
-  };
-  switch (item.code) {
-    case RX_CHAR: return fails(node + 1, !atEnd && sameByte(item.op1, *m.at, m.options));
-    case RX_STRING:
-      return fails(node + 1, !atEnd && sameByte(*static_cast<const uint8_t*>(item.text), *m.at, m.options));
-    case RX_CHARTYPE: return fails(node + 1, !atEnd && inByteSet(*m.at, byteSetOf(item.op1, m.options)));
-    case RX_CLASS: {
-      // What a byte from 0x80 on begins is not decided here.
-      const bool accepted = !atEnd && (*m.at >= 0x80 || classAcceptsByte(item, *m.at, m.options));
-      return fails(node + 1 + item.op2, accepted);
-    }
-    default: return false;
-  }
 }
 
 }  // namespace ulk

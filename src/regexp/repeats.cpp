@@ -4,6 +4,7 @@
 // what follows has failed. The items are taken by loops; only what follows a repeat is a choice.
 #include <algorithm>
 
+#include "regexp/byte_sets.h"
 #include "regexp/bytes.h"
 #include "regexp/items.h"
 #include "regexp/matcher.h"
@@ -13,39 +14,41 @@ namespace ulk {
 
 namespace {
 
-// Takes up to `most` items from m.at on, moves m.at behind them and returns how many there were.
-int32_t takeItems(MatchContext& m, const RxNode& item, int32_t most) {
-  const uint8_t* const start = m.at;
-  const uint8_t* at = start;
-  // A byte below 0x80 is a character by itself; as long as there are only such bytes, they are also the count.
-  const uint8_t* const end = start + std::min(most, m.remaining());
-  const uint32_t options = m.options;
-  switch (item.code) {
-    case RX_CHAR:
-      while (at < end && sameByte(item.op1, *at, options)) ++at;
-      m.at = at;
-      return static_cast<int32_t>(at - start);
-    case RX_BYTE:
-      m.at = end;
-      return static_cast<int32_t>(end - start);
-    case RX_CHARTYPE: {
-      const uint8_t set = byteSetOf(item.op1, options);
-      while (at < end && *at < 0x80 && inByteSet(*at, set)) ++at;
-      break;
-    }
-    case RX_CLASS:
-      if (const ByteSet256* set = classSet(item, options))
-        while (at < end && *at < 0x80 && set->contains(*at)) ++at;
-      break;
-    default: break;
-  }
-  int32_t count = static_cast<int32_t>(at - start);
-  for (; count < most; ++count) {
-    const int32_t length = itemLength(m, item, at);
+// Takes up to `most` characters; `accepts` tells for those below 0x80, which are single bytes.
+template <class Accepts>
+int32_t takeCharacters(MatchContext& m, const RxNode& item, int32_t most, Accepts accepts) {
+  int32_t count = 0;
+  const uint8_t* at = m.at;
+  while (count < most && at < m.textEnd) {
+    const uint8_t* const run = at;
+    const uint8_t* const end = at + std::min<ptrdiff_t>(most - count, m.textEnd - at);
+    while (at < end && *at < 0x80 && accepts(*at)) ++at;
+    count += static_cast<int32_t>(at - run);
+    if (at == end) continue;
+    const int32_t length = *at < 0x80 ? kNoMatch : itemLength(m, item, at);
     if (length == kNoMatch) break;
     at += length;
+    ++count;
   }
   m.at = at;
+  return count;
+}
+
+// Takes up to `most` items from m.at on, moves m.at behind them and returns how many there were.
+int32_t takeItems(MatchContext& m, const RxNode& item, int32_t most) {
+  const uint32_t options = m.options;
+  const ByteSet256* const set = item.code == RX_CLASS ? classSet(item, options) : nullptr;
+  if (set) return takeCharacters(m, item, most, [set](uint8_t byte) { return set->contains(byte); });
+  if (item.code == RX_CHARTYPE) {
+    const uint8_t wanted = byteSetOf(item.op1, options);
+    return takeCharacters(m, item, most, [wanted](uint8_t byte) { return inByteSet(byte, wanted); });
+  }
+  int32_t count = 0;
+  for (; count < most; ++count) {
+    const int32_t length = itemLength(m, item, m.at);
+    if (length == kNoMatch) break;
+    m.at += length;
+  }
   return count;
 }
 
@@ -73,7 +76,8 @@ Next stepGreedy(MatchContext& m, const RxNode& item, const RxNode& quantifier, i
   Choice& choice = m.push(ChoiceKind::kGreedyBytes);
   const int32_t length = choice.at - start;
   choice.kind = greedyKind(item, length == count);
-  choice.greedy = {start, length / count, count - least};
+  choice.options = static_cast<uint8_t>(m.options);
+  choice.greedy = {start, item.code == RX_BACKREF ? length / count : 0, count - least};
   return Next::kGoOn;
 }
 
@@ -93,7 +97,25 @@ const uint8_t* previousSequence(const uint8_t* from, const uint8_t* at) {
   return at;
 }
 
-// Takes back the last of the items; the choice is spent when only the required ones are left.
+// What the compiler has found out about the bytes that may follow a repeat. A try to go on before any other byte changes
+// nothing but the budget, so it is paid for instead of made.
+struct Follow {
+  const ByteSet256* set;  // null: nothing is known
+  FollowNote note;
+
+  bool excludes(const MatchContext& m) const {
+    if (!set || m.at > m.textEnd) return false;
+    return m.at == m.textEnd || !set->contains(*m.at);
+  }
+};
+
+Follow followOf(const MatchContext& m, int32_t quantifier) {
+  const RxNode& node = m.nodes[quantifier];
+  const FollowNote note = FollowNote::unpack(node.op3);
+  return {note.options == m.options ? static_cast<const ByteSet256*>(node.text) : nullptr, note};
+}
+
+// Takes back the last of the items.
 void giveBack(const MatchContext& m, Choice& choice) {
   const uint8_t* const from = m.textStart + choice.greedy.startAt;
   const uint8_t* const at = m.textStart + choice.at;
@@ -103,6 +125,29 @@ void giveBack(const MatchContext& m, Choice& choice) {
     case ChoiceKind::kGreedySequences: choice.at = static_cast<int32_t>(previousSequence(from, at) - m.textStart); break;
     default: choice.at -= choice.greedy.itemLength; break;
   }
+  --choice.greedy.spare;
+}
+
+// Takes back items until what follows may begin where the repeat then ends. False when it cannot.
+bool giveBackToFollow(MatchContext& m, Choice& choice, const Follow& follow) {
+  const int32_t spare = choice.greedy.spare;
+  bool found = false;
+  if (follow.note.disjoint && choice.options == m.options) {
+    choice.greedy.spare = 0;  // wherever the repeat ends earlier, one of its items is next
+  } else if (choice.kind == ChoiceKind::kGreedyBytes) {
+    const uint8_t* at = m.textStart + choice.at;
+    const uint8_t* const least = at - spare;
+    while (at > least && !found) found = follow.set->contains(*--at);
+    choice.at = static_cast<int32_t>(at - m.textStart);
+    choice.greedy.spare = static_cast<int32_t>(at - least);
+  } else {
+    while (choice.greedy.spare > 0 && !found) {
+      giveBack(m, choice);
+      found = follow.set->contains(m.textStart[choice.at]);
+    }
+  }
+  m.pay(int64_t{follow.note.steps} * (spare - choice.greedy.spare - (found ? 1 : 0)));
+  return found;
 }
 
 // A lazy repeat of one byte looks for the literal that follows it before it tries anything, and places without it cost
@@ -138,10 +183,11 @@ bool takeOneMore(MatchContext& m, Choice& choice, const RxNode& item) {
 Next continueLazy(MatchContext& m, Choice& choice) {
   const RxNode& item = m.nodes[choice.node];
   const int32_t next = afterItem(m, choice.node) + 1;
+  const Follow follow = followOf(m, next - 1);
   for (;;) {
     if (m.budget >= 0 && mayContinue(m, item, next)) {
-      if (!failsAtOnce(m, next)) break;
-      --m.budget;
+      if (!follow.excludes(m)) break;
+      m.pay(follow.note.steps);
     }
     if (!takeOneMore(m, choice, item)) return failLazy(m, choice);
   }
@@ -210,17 +256,16 @@ Next stepRepeat(MatchContext& m, int32_t item, int32_t quantifier) {
 }
 
 Next retryGreedy(MatchContext& m, Choice& choice) {
-  while (m.budget >= 0 && choice.greedy.spare > 0) {
+  if (m.budget < 0) return fail(m);
+  const Follow follow = followOf(m, choice.node - 1);
+  if (!follow.set) {
     giveBack(m, choice);
-    --choice.greedy.spare;
-    m.moveTo(choice.at);
-    if (!failsAtOnce(m, choice.node)) {
-      if (choice.greedy.spare == 0) m.pop();
-      return goOn(m, choice.node);
-    }
-    --m.budget;
+  } else if (!giveBackToFollow(m, choice, follow)) {
+    return fail(m);
   }
-  return fail(m);
+  m.moveTo(choice.at);
+  if (choice.greedy.spare == 0) m.pop();
+  return goOn(m, choice.node);
 }
 
 Next retryLazy(MatchContext& m, Choice& choice) {

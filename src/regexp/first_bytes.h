@@ -1,0 +1,42 @@
+// What can come next: the bytes that let the program go on from a node, and what it costs to try without them.
+#pragma once
+
+#include <cstdint>
+
+#include "regexp/program.h"
+#include "regexp/state.h"
+
+namespace ulk {
+
+// Follows the program to the items that must match next. Where every way of going on begins with an item that a single
+// byte decides about, an attempt at any other byte fails after a number of steps that the program alone decides.
+class FirstBytes {
+ public:
+  explicit FirstBytes(const ulkRegExpState& state) : nodes_(state.nodes()), numNodes_(state.numNodes) {}
+
+  // From the start of the program, with all its top-level alternatives. False when no byte decides.
+  bool ofProgram(uint32_t options);
+
+  // From a node on, out of the groups that it is in as far as they are not repeated. False when no byte decides.
+  bool ofRest(int32_t node, uint32_t options);
+
+  ByteSet256 set{};
+  int32_t steps = 0;         // that a failing attempt costs
+  uint32_t exitOptions = 0;  // in force when an attempt of the whole program has failed
+
+ private:
+  enum class Way { kDecided, kUndecided, kOpen };
+
+  bool alternatives(int32_t first, int32_t end, int32_t serial, uint32_t options);
+  Way sequence(int32_t node, int32_t end, uint32_t& options);
+  bool group(int32_t open, uint32_t options);
+  void leaveOptions(uint32_t options) {
+    if (depth_ == 0) exitOptions = options;
+  }
+
+  const RxNode* const nodes_;
+  const int32_t numNodes_;
+  int32_t depth_ = 0;  // of groups, which put the options back when they fail
+};
+
+}  // namespace ulk
