@@ -25,7 +25,7 @@ find_wine() {
 fetch_wine() {
   command -v apt-get >/dev/null && command -v dpkg-deb >/dev/null || return 1
   work=$wine_cache/work
-  rm -rf "$work" "$wine_cache/root"
+  rm -rf "$work" "$wine_cache/root" "$wine_cache/proven"
   mkdir -p "$work/state/lists/partial" "$work/cache/archives/partial" "$work/root" || return 1
   : >"$work/status"
   mirror=$(apt-get indextargets --format '$(SITE)' 'Codename: bookworm' 'Label: Debian' | head -n 1)
@@ -62,10 +62,12 @@ EOF
     mv "$work/root" "$wine_cache/root" && rm -rf "$work"
 }
 
-# Runs a program that does nothing; the first time it makes the prefix.
+# Runs a program that does nothing; the first time it makes the prefix. A Wine that has once worked is not asked again.
 wine_works() {
   wine=$(find_wine) || return 1
-  mkdir -p "$wine_cache" && timeout 120 "$wine" cmd /c exit 0 </dev/null >/dev/null 2>&1
+  proven=$wine_cache/proven
+  [ "$(cat "$proven" 2>/dev/null)" = "$wine" ] && return
+  mkdir -p "$wine_cache" && timeout 120 "$wine" cmd /c exit 0 </dev/null >/dev/null 2>&1 && echo "$wine" >"$proven"
 }
 
 # Makes 32-bit Wine usable if it is not yet.
