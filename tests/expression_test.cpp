@@ -14,13 +14,14 @@
 #include <vector>
 
 #include "support/expression_cases.h"
+#include "support/guarded.h"
 #include "ulkch.h"
 
 #ifndef ULKCH_TEST_DATA_DIR
 #define ULKCH_TEST_DATA_DIR "tests/data"
 #endif
 
-namespace ulktest {
+namespace ulk_test {
 namespace {
 
 const char* const kFiles[] = {"items",         "repeats", "classes",
@@ -126,32 +127,37 @@ std::string search(const uint8_t* text, size_t length, ulkRegExpState* state, in
   return outcome;
 }
 
-// One search with one compiled state, at every place of the text and in every format that must not matter.
-void checkSearch(const Search& expected, ulkRegExpState* state) {
+// One search with one compiled state, at one place of the text and in every format that must not matter.
+void checkSearch(const Search& expected, const uint8_t* text, ulkRegExpState* state) {
   const bool ascii =
       std::all_of(expected.text.begin(), expected.text.end(), [](char c) { return (c & 0x80) == 0; });
   std::vector<int32_t> formats = {expected.format.value_or(1)};
   if (ascii && !expected.format) formats.push_back(0);
 
-  const GuardedText atEnd(expected.text, GuardedText::kEndsAtGuard);
-  const GuardedText atStart(expected.text, GuardedText::kStartsAtGuard);
-  for (const GuardedText* text : {&atEnd, &atStart}) {
-    for (const int32_t format : formats) {
-      SCOPED_TRACE(format == 1 ? "format 1" : "format 0");
-      const auto find = [&](int32_t limit, int32_t capacity) {
-        ulksRegExpSetMatchLimit(limit, state);
-        ulksRegExpSetFormat(format, state);
-        return search(text->data(), expected.text.size(), state, capacity);
-      };
-      EXPECT_EQ(find(expected.limit.value_or(10000), expected.capacity), expected.expected);
-      if (!expected.steps) continue;
-      EXPECT_EQ(find(*expected.steps, expected.capacity), expected.expected)
-          << "at the limit of " << *expected.steps;
-      if (*expected.steps > 0) {
-        EXPECT_EQ(find(*expected.steps - 1, 1), "limit 1") << "one step below " << *expected.steps;
-      }
+  for (const int32_t format : formats) {
+    SCOPED_TRACE(format == 1 ? "format 1" : "format 0");
+    const auto find = [&](int32_t limit, int32_t capacity) {
+      ulksRegExpSetMatchLimit(limit, state);
+      ulksRegExpSetFormat(format, state);
+      return search(text, expected.text.size(), state, capacity);
+    };
+    EXPECT_EQ(find(expected.limit.value_or(10000), expected.capacity), expected.expected);
+    if (!expected.steps) continue;
+    EXPECT_EQ(find(*expected.steps, expected.capacity), expected.expected)
+        << "at the limit of " << *expected.steps;
+    if (*expected.steps > 0) {
+      EXPECT_EQ(find(*expected.steps - 1, 1), "limit 1") << "one step below " << *expected.steps;
     }
   }
+}
+
+// The text with one NUL behind it, which a search may look at, and nothing readable further on.
+void checkSearchAtGuards(const Search& expected, ulkRegExpState* state) {
+  std::vector<uint8_t> bytes(expected.text.begin(), expected.text.end());
+  bytes.push_back(0);
+  GuardedUnits<uint8_t> pages(bytes.size());
+  checkSearch(expected, pages.endingAtGuard(bytes), state);
+  checkSearch(expected, pages.startingAtGuard(bytes), state);
 }
 
 void checkExpression(const Expression& expression) {
@@ -161,7 +167,7 @@ void checkExpression(const Expression& expression) {
     EXPECT_TRUE(buffer.zoneIntact()) << "the compile wrote past the size of its state";
     for (const Search& expected : expression.searches) {
       SCOPED_TRACE("line " + std::to_string(expected.line));
-      checkSearch(expected, buffer.state());
+      checkSearchAtGuards(expected, buffer.state());
     }
     EXPECT_TRUE(buffer.zoneIntact()) << "a search wrote past the size of its state";
   }
@@ -184,4 +190,4 @@ INSTANTIATE_TEST_SUITE_P(Data, ExpressionTest, testing::ValuesIn(kFiles),
                          [](const auto& parameter) { return std::string(parameter.param); });
 
 }  // namespace
-}  // namespace ulktest
+}  // namespace ulk_test

@@ -1,18 +1,10 @@
 #include "support/expression_cases.h"
 
-#ifdef _WIN32
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
-#else
-#include <sys/mman.h>
-#endif
-
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <string_view>
 
-namespace ulktest {
+namespace ulk_test {
 namespace {
 
 // A cursor over one line. Every reader moves it behind what it read and answers whether that was well-formed.
@@ -155,12 +147,13 @@ bool readSearch(LineReader line, Search* search) {
 
 bool readLine(std::string_view text, int number, std::vector<Expression>* expressions) {
   LineReader line(text);
+  const bool indented = line.at(' ');
+  line.skipBlanks();
   if (line.atEnd() || line.at('#')) return true;
-  if (!line.at(' ')) {
+  if (!indented) {
     expressions->push_back({.line = number});
     return readExpression(line, &expressions->back());
   }
-  line.skipBlanks();
   if (expressions->empty()) return false;
   Expression& current = expressions->back();
   if (line.at('e')) {
@@ -171,41 +164,7 @@ bool readLine(std::string_view text, int number, std::vector<Expression>* expres
   return readSearch(line, &current.searches.back());
 }
 
-constexpr size_t kPage = 4096;
-
-#ifdef _WIN32
-uint8_t* allocatePages(size_t size) {
-  return static_cast<uint8_t*>(VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
-}
-void makeUnreadable(uint8_t* page) {
-  DWORD before = 0;
-  VirtualProtect(page, kPage, PAGE_NOACCESS, &before);
-}
-void releasePages(uint8_t* block, size_t) { VirtualFree(block, 0, MEM_RELEASE); }
-#else
-uint8_t* allocatePages(size_t size) {
-  return static_cast<uint8_t*>(
-      mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-}
-void makeUnreadable(uint8_t* page) { mprotect(page, kPage, PROT_NONE); }
-void releasePages(uint8_t* block, size_t size) { munmap(block, size); }
-#endif
-
 }  // namespace
-
-GuardedText::GuardedText(const std::string& text, Place place) {
-  const size_t used = text.size() + 1;
-  const size_t readable = (used + kPage - 1) / kPage * kPage;
-  blockSize_ = kPage + readable + kPage;
-  block_ = allocatePages(blockSize_);
-  uint8_t* const first = block_ + kPage + (place == kEndsAtGuard ? readable - used : 0);
-  std::memcpy(first, text.c_str(), used);
-  makeUnreadable(block_);
-  makeUnreadable(block_ + kPage + readable);
-  data_ = first;
-}
-
-GuardedText::~GuardedText() { releasePages(block_, blockSize_); }
 
 ExpressionFile readExpressions(const std::string& path) {
   ExpressionFile file;
@@ -221,4 +180,4 @@ ExpressionFile readExpressions(const std::string& path) {
   return file;
 }
 
-}  // namespace ulktest
+}  // namespace ulk_test

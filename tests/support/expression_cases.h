@@ -23,13 +23,12 @@
 // themselves; the files are UTF-8.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace ulktest {
+namespace ulk_test {
 
 struct Search {
   int line = 0;
@@ -56,23 +55,4 @@ struct ExpressionFile {
 
 ExpressionFile readExpressions(const std::string& path);
 
-// A copy of a text, with one NUL behind it, in a page of its own between two unreadable ones: either ending
-// where the page ends or beginning where it begins, so that a read on that side of it faults.
-class GuardedText {
- public:
-  enum Place { kEndsAtGuard, kStartsAtGuard };
-
-  GuardedText(const std::string& text, Place place);
-  ~GuardedText();
-  GuardedText(const GuardedText&) = delete;
-  GuardedText& operator=(const GuardedText&) = delete;
-
-  const uint8_t* data() const { return data_; }
-
- private:
-  uint8_t* block_ = nullptr;
-  size_t blockSize_ = 0;
-  const uint8_t* data_ = nullptr;
-};
-
-}  // namespace ulktest
+}  // namespace ulk_test
