@@ -28,16 +28,18 @@ class SpareFrames {
 void makeClassSets(ulkRegExpState& state, SpareFrames& frames);
 void makeFollowSets(ulkRegExpState& state, SpareFrames& frames);
 
-// A quantifier's note about its follow set: the options that it was made for, the steps that going on at another byte
-// costs, and whether none of its bytes begins one of the repeat's items.
+// A quantifier's note about its follow set.
 struct FollowNote {
-  uint32_t options;
-  int32_t steps;
-  bool disjoint;
+  uint32_t options;  // that the set was made for
+  int32_t steps;     // that going on at another byte costs
+  bool entersGroup;  // such a try fails in a group, which leaves no surplus behind
+  bool disjoint;     // no byte of the set begins one of the repeat's items
 
-  int32_t pack() const { return steps << 6 | static_cast<int32_t>(options) << 1 | (disjoint ? 1 : 0); }
+  int32_t pack() const {
+    return steps << 7 | static_cast<int32_t>(options) << 2 | (entersGroup ? 2 : 0) | (disjoint ? 1 : 0);
+  }
   static FollowNote unpack(int32_t note) {
-    return {static_cast<uint32_t>(note) >> 1 & 0x1F, note >> 6, (note & 1) != 0};
+    return {static_cast<uint32_t>(note) >> 2 & 0x1F, note >> 7, (note & 2) != 0, (note & 1) != 0};
   }
 };
 inline constexpr int32_t kMaxFollowSteps = 1 << 20;

@@ -45,9 +45,12 @@ bool FirstBytes::group(int32_t open, uint32_t options) {
   const RxNode& node = nodes_[open];
   if (depth_ >= kMaxNesting) return false;
   if (node.code == RX_OPTGROUP) options = static_cast<uint32_t>(node.op3);
+  // A repeatable group derives the match length anew when it fails; an atomic one puts it back.
+  const bool entersGroupOutside = entersGroup || node.code != RX_ATOMIC;
   ++depth_;
   const bool decided = alternatives(open + 1, open + node.op2 + 1, node.op1, options);
   --depth_;
+  entersGroup = entersGroupOutside;
   return decided;
 }
 

@@ -22,6 +22,7 @@ class FirstBytes {
 
   ByteSet256 set{};
   int32_t steps = 0;         // that a failing attempt costs
+  bool entersGroup = false;  // it fails in a group, which leaves no surplus behind
   uint32_t exitOptions = 0;  // in force when an attempt of the whole program has failed
 
  private:

@@ -132,9 +132,6 @@ struct MatchContext {
     return choice;
   }
 
-  // Pays for steps that are not made.
-  void pay(int64_t steps) { budget = steps > budget ? -1 : budget - static_cast<int32_t>(steps); }
-
   bool hasQuantifier(int32_t index) const { return index < numNodes && isQuantifier(nodes[index]); }
 };
 

@@ -98,7 +98,7 @@ const uint8_t* previousSequence(const uint8_t* from, const uint8_t* at) {
 }
 
 // What the compiler has found out about the bytes that may follow a repeat. A try to go on before any other byte changes
-// nothing but the budget, so it is paid for instead of made.
+// next to nothing but the budget, so it is paid for instead of made.
 struct Follow {
   const ByteSet256* set;  // null: nothing is known
   FollowNote note;
@@ -106,6 +106,14 @@ struct Follow {
   bool excludes(const MatchContext& m) const {
     if (!set || m.at > m.textEnd) return false;
     return m.at == m.textEnd || !set->contains(*m.at);
+  }
+
+  // A try that runs out of budget on its way is made, not paid for.
+  bool canPay(const MatchContext& m, int32_t tries) const { return int64_t{note.steps} * tries <= m.budget; }
+
+  void payForTries(MatchContext& m, int32_t tries) const {
+    m.budget -= note.steps * tries;
+    if (note.entersGroup && tries > 0) m.surplus = 0;
   }
 };
 
@@ -146,7 +154,7 @@ bool giveBackToFollow(MatchContext& m, Choice& choice, const Follow& follow) {
       found = follow.set->contains(m.textStart[choice.at]);
     }
   }
-  m.pay(int64_t{follow.note.steps} * (spare - choice.greedy.spare - (found ? 1 : 0)));
+  follow.payForTries(m, spare - choice.greedy.spare - (found ? 1 : 0));
   return found;
 }
 
@@ -186,8 +194,8 @@ Next continueLazy(MatchContext& m, Choice& choice) {
   const Follow follow = followOf(m, next - 1);
   for (;;) {
     if (m.budget >= 0 && mayContinue(m, item, next)) {
-      if (!follow.excludes(m)) break;
-      m.pay(follow.note.steps);
+      if (!follow.excludes(m) || !follow.canPay(m, 1)) break;
+      follow.payForTries(m, 1);
     }
     if (!takeOneMore(m, choice, item)) return failLazy(m, choice);
   }
@@ -258,7 +266,7 @@ Next stepRepeat(MatchContext& m, int32_t item, int32_t quantifier) {
 Next retryGreedy(MatchContext& m, Choice& choice) {
   if (m.budget < 0) return fail(m);
   const Follow follow = followOf(m, choice.node - 1);
-  if (!follow.set) {
+  if (!follow.set || !follow.canPay(m, choice.greedy.spare)) {
     giveBack(m, choice);
   } else if (!giveBackToFollow(m, choice, follow)) {
     return fail(m);
