@@ -1,4 +1,5 @@
-// Any unit of a set: the first or the last place in a text where one stands.
+// Any unit of a set: the first or the last place in a text where one stands, or where none of them does. One
+// choice of method, by the lengths of the text and of the set, for every function that has a set of units.
 //
 // Few members are compared with 16 bytes of text at once, one vector a member. Of a long text with more
 // members only the beginning is searched so, for the sake of early answers; the rest is looked up unit by
@@ -79,30 +80,46 @@ struct OnceProbe {
   ULK_INLINE const OnceProbe& filter() const { return *this; }
 };
 
-template <class Direction, int members, class Unit>
+// What a walk stops at: a member of the set, or any other unit.
+enum class Stop { kMember, kOther };
+
+template <class Direction, Stop stop, class Unit, class Probe>
+ULK_INLINE int32_t scanWith(const Unit* text, int32_t length, Probe& probe) {
+  if constexpr (stop == Stop::kMember) {
+    return scan<Direction>(text, static_cast<size_t>(length), probe);
+  } else {
+    Except<Probe> except{probe};
+    return scan<Direction>(text, static_cast<size_t>(length), except);
+  }
+}
+
+template <class Direction, Stop stop, int members, class Unit>
 int32_t scanForMembers(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
   AnyProbe<Unit, members> probe(text, set, setLength);
-  return scan<Direction>(text, static_cast<size_t>(length), probe);
+  return scanWith<Direction, stop>(text, length, probe);
 }
 
-template <class Direction, class Unit>
+template <class Direction, Stop stop, class Unit>
 int32_t scanForMany(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
   ManyProbe<Unit> probe(text, set, setLength);
-  return scan<Direction>(text, static_cast<size_t>(length), probe);
+  return scanWith<Direction, stop>(text, length, probe);
 }
 
-// The first position, in the direction of the search, for whose unit `flag` is not zero.
-template <class Direction, class Unit, class Flag>
+// The first position, in the direction of the search, where the walk stops; `flag` is 1 for members and 0 for
+// other units.
+template <class Direction, Stop stop, class Unit, class Flag>
 ULK_INLINE int32_t scanUnits(const Unit* text, int32_t length, Flag flag) {
   const size_t count = static_cast<size_t>(length);
-  const auto unit = [&](size_t done)
-                        ULK_LAMBDA_INLINE { return loadUnit(text + Direction::place(count, done, 1)); };
+  const auto stops = [&](size_t done) ULK_LAMBDA_INLINE {
+    const uint32_t member = flag(loadUnit(text + Direction::place(count, done, 1)));
+    return stop == Stop::kMember ? member : member ^ 1;
+  };
   size_t done = 0;
   for (; count - done >= 4; done += 4) {
-    if (flag(unit(done)) | flag(unit(done + 1)) | flag(unit(done + 2)) | flag(unit(done + 3))) break;
+    if (stops(done) | stops(done + 1) | stops(done + 2) | stops(done + 3)) break;
   }
   for (; done < count; ++done) {
-    if (flag(unit(done))) return static_cast<int32_t>(Direction::place(count, done, 1));
+    if (stops(done)) return static_cast<int32_t>(Direction::place(count, done, 1));
   }
   return -1;
 }
@@ -141,25 +158,25 @@ class UnitFlags {
   alignas(16) Cell cells_[kBits ? 65536 / 32 : 256];
 };
 
-template <class Direction, class Unit>
+template <class Direction, Stop stop, class Unit>
 int32_t scanByTable(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
   const UnitFlags<Unit> flags(set, setLength);
-  return scanUnits<Direction>(text, length, [&](Unit unit) ULK_LAMBDA_INLINE { return flags(unit); });
+  return scanUnits<Direction, stop>(text, length, [&](Unit unit) ULK_LAMBDA_INLINE { return flags(unit); });
 }
 
 // The beginning by vectors, the rest by a table.
-template <class Direction, class Unit>
+template <class Direction, Stop stop, class Unit>
 int32_t scanByBoth(const Unit* text, int32_t length, const Unit* set, int32_t setLength, int32_t byVectors) {
   const auto part = [&](int32_t done, int32_t size) {
     return static_cast<int32_t>(
         Direction::place(static_cast<size_t>(length), static_cast<size_t>(done), static_cast<size_t>(size)));
   };
   const int32_t near = part(0, byVectors);
-  int32_t found = scanForMany<Direction>(text + near, byVectors, set, setLength);
+  int32_t found = scanForMany<Direction, stop>(text + near, byVectors, set, setLength);
   if (found >= 0) return near + found;
 
   const int32_t far = part(byVectors, length - byVectors);
-  found = scanByTable<Direction>(text + far, length - byVectors, set, setLength);
+  found = scanByTable<Direction, stop>(text + far, length - byVectors, set, setLength);
   return found >= 0 ? far + found : -1;
 }
 
@@ -172,45 +189,45 @@ ULK_INLINE bool tooShortForTable(int32_t length, int32_t setLength) {
          kMostBlocks;
 }
 
-template <class Direction, class Unit>
+template <class Direction, Stop stop, class Unit>
 int32_t scanForAny(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
   constexpr int32_t kLanes = Vec16<Unit>::kLanes;
   constexpr int32_t kMostOnce = 32;
 
-  if (length == 0 || setLength == 0) return -1;
+  if (length == 0 || setLength == 0) return anyUnit;
   if (setLength == 1) return scanForUnit<Direction>(text, length, loadUnit(set));
-  if (setLength == 2) return scanForMembers<Direction, 2>(text, length, set, setLength);
-  if (setLength == 3) return scanForMembers<Direction, 3>(text, length, set, setLength);
-  if (setLength == 4) return scanForMembers<Direction, 4>(text, length, set, setLength);
+  if (setLength == 2) return scanForMembers<Direction, stop, 2>(text, length, set, setLength);
+  if (setLength == 3) return scanForMembers<Direction, stop, 3>(text, length, set, setLength);
+  if (setLength == 4) return scanForMembers<Direction, stop, 4>(text, length, set, setLength);
   if (length < kLanes && setLength <= kMostOnce) {
     OnceProbe<Unit> probe{text, set, setLength};
-    return scan<Direction>(text, static_cast<size_t>(length), probe);
+    return scanWith<Direction, stop>(text, length, probe);
   }
-  if (setLength <= 8) return scanForMembers<Direction, 8>(text, length, set, setLength);
+  if (setLength <= 8) return scanForMembers<Direction, stop, 8>(text, length, set, setLength);
   if (setLength <= kMostVectors) {
     // Here a table of bytes is faster in the long run, one of bits is not.
     constexpr int32_t kBeginning = 2 * kLanes;
     if (sizeof(Unit) == 2 || length <= kBeginning)
-      return scanForMany<Direction>(text, length, set, setLength);
-    return scanByBoth<Direction>(text, length, set, setLength, kBeginning);
+      return scanForMany<Direction, stop>(text, length, set, setLength);
+    return scanByBoth<Direction, stop>(text, length, set, setLength, kBeginning);
   }
   if (tooShortForTable<Unit>(length, setLength)) {
-    return scanUnits<Direction>(
+    return scanUnits<Direction, stop>(
         text, length, [&](Unit unit) { return static_cast<uint32_t>(findUnit(set, setLength, unit) >= 0); });
   }
-  return scanByTable<Direction>(text, length, set, setLength);
+  return scanByTable<Direction, stop>(text, length, set, setLength);
 }
 
 // The lowest position whose unit is in the set, -1 if there is none.
 template <class Unit>
 int32_t findAny(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
-  return scanForAny<Forward>(text, length, set, setLength);
+  return scanForAny<Forward, Stop::kMember>(text, length, set, setLength);
 }
 
 // The highest such position.
 template <class Unit>
 int32_t findAnyRev(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
-  return scanForAny<Backward>(text, length, set, setLength);
+  return scanForAny<Backward, Stop::kMember>(text, length, set, setLength);
 }
 
 }  // namespace ulk

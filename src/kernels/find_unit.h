@@ -1,4 +1,4 @@
-// One unit in a text: the first or the last place where it stands.
+// One unit in a text: the first or the last place where it stands, or where another does.
 #pragma once
 
 #include "kernels/scan.h"
@@ -21,6 +21,12 @@ struct UnitProbe {
 template <class Direction, class Unit>
 ULK_INLINE int32_t scanForUnit(const Unit* text, int32_t length, Unit unit) {
   UnitProbe<Unit> probe{text, Vec16<Unit>::splat(unit)};
+  return scan<Direction>(text, static_cast<size_t>(length), probe);
+}
+
+template <class Direction, class Unit>
+ULK_INLINE int32_t scanForOther(const Unit* text, int32_t length, Unit unit) {
+  Except<UnitProbe<Unit>> probe{{text, Vec16<Unit>::splat(unit)}};
   return scan<Direction>(text, static_cast<size_t>(length), probe);
 }
 

@@ -72,10 +72,27 @@ struct ShortBlock {
   ULK_INLINE Vec16<Unit> load(const Unit* text) const {
     return Vec16<Unit>::template join<half>(text, text + count - kHalf);
   }
+  ULK_INLINE void store(Unit* text, Vec16<Unit> units) const {
+    units.template split<half>(text, text + count - kHalf);
+  }
   ULK_INLINE int32_t position(int32_t lane) const {
     return lane < kHalf ? lane : lane + static_cast<int32_t>(count) - 2 * kHalf;
   }
   ULK_INLINE static LaneMask<Unit> used(LaneMask<Unit> mask) { return mask.below(2 * kHalf); }
+};
+
+// An exact probe turned round: what it would pass over is the answer.
+template <class Probe>
+struct Except {
+  static_assert(Probe::kExact);
+  static constexpr bool kExact = true;
+  Probe probe;
+
+  template <class Block>
+  ULK_INLINE auto hits(const Block& block) const {
+    return ~probe.hits(block);
+  }
+  ULK_INLINE const Except& filter() const { return *this; }
 };
 
 // Calls `run` with the short block that covers `count` units, 1 .. lanes - 1.
@@ -136,10 +153,10 @@ __attribute__((noinline)) int32_t settlePairs(Probe& probe, size_t near, size_t 
 template <class Direction, class Unit, class Probe, class Filter>
 ULK_INLINE int32_t scanPairs(Probe& probe, Filter& filter, size_t near, size_t far) {
   constexpr size_t kLanes = Vec16<Unit>::kLanes;
-  const Vec16<Unit> near0 = filter.hits(FullBlock<Unit>{near});
-  const Vec16<Unit> near1 = filter.hits(FullBlock<Unit>{near + kLanes});
-  const Vec16<Unit> far0 = filter.hits(FullBlock<Unit>{far});
-  const Vec16<Unit> far1 = filter.hits(FullBlock<Unit>{far + kLanes});
+  const auto near0 = filter.hits(FullBlock<Unit>{near});
+  const auto near1 = filter.hits(FullBlock<Unit>{near + kLanes});
+  const auto far0 = filter.hits(FullBlock<Unit>{far});
+  const auto far1 = filter.hits(FullBlock<Unit>{far + kLanes});
   if (!((near0 | near1) | (far0 | far1)).mask().any()) return -1;
 
   if constexpr (Probe::kExact) {

@@ -24,10 +24,20 @@ ULK_INLINE T loadAs(const void* address) {
   return value;
 }
 
+template <class T>
+ULK_INLINE void storeAs(void* address, T value) {
+  std::memcpy(address, &value, sizeof(T));
+}
+
 // One unit at any address.
 template <class Unit>
 ULK_INLINE Unit loadUnit(const Unit* address) {
   return loadAs<Unit>(address);
+}
+
+template <class Unit>
+ULK_INLINE void storeUnit(Unit* address, Unit unit) {
+  storeAs(address, unit);
 }
 
 // Which lanes of a comparison held: sizeof(Unit) bits a lane, the lane at the lowest address in the lowest
@@ -55,6 +65,27 @@ class LaneMask {
   static constexpr int32_t kBits = sizeof(Unit);
   static constexpr uint32_t kOneLane = (1u << kBits) - 1;
   uint32_t bits_;
+};
+
+// Two numbers modulo 2 to the power 32.
+class NumberPair {
+ public:
+  ULK_INLINE NumberPair(uint32_t first, uint32_t second)
+      : v_(_mm_set_epi32(0, static_cast<int>(second), 0, static_cast<int>(first))) {}
+  // The low halves of the two 64-bit lanes; the high halves may hold anything.
+  ULK_INLINE explicit NumberPair(__m128i lanes) : v_(lanes) {}
+
+  ULK_INLINE NumberPair operator+(NumberPair other) const { return NumberPair(_mm_add_epi64(v_, other.v_)); }
+  ULK_INLINE NumberPair operator*(uint32_t factor) const {
+    return NumberPair(_mm_mul_epu32(v_, NumberPair(factor, factor).v_));
+  }
+  ULK_INLINE uint32_t first() const { return static_cast<uint32_t>(_mm_cvtsi128_si32(v_)); }
+  ULK_INLINE uint32_t second() const {
+    return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_unpackhi_epi64(v_, v_)));
+  }
+
+ private:
+  __m128i v_;
 };
 
 template <class Unit>
@@ -95,7 +126,28 @@ class Vec16 {
     }
   }
 
+  ULK_INLINE void store(Unit* units) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(units), v_); }
   ULK_INLINE void storeAligned(void* block) const { _mm_store_si128(static_cast<__m128i*>(block), v_); }
+  // The reverse of join.
+  template <int half>
+  ULK_INLINE void split(void* low, void* high) const {
+    if constexpr (half == 8) {
+      _mm_storel_epi64(static_cast<__m128i*>(low), v_);
+      _mm_storel_epi64(static_cast<__m128i*>(high), _mm_unpackhi_epi64(v_, v_));
+    } else if constexpr (half == 4) {
+      storeAs(low, _mm_cvtsi128_si32(v_));
+      storeAs(high, _mm_cvtsi128_si32(_mm_srli_si128(v_, 4)));
+    } else {
+      const int32_t both = _mm_cvtsi128_si32(v_);
+      if constexpr (half == 2) {
+        storeAs(low, static_cast<uint16_t>(both));
+        storeAs(high, static_cast<uint16_t>(both >> 16));
+      } else {
+        storeAs(low, static_cast<uint8_t>(both));
+        storeAs(high, static_cast<uint8_t>(both >> 8));
+      }
+    }
+  }
 
   // All ones in the lanes where the units are equal, zero in the others.
   ULK_INLINE Vec16 equal(Vec16 other) const {
@@ -105,16 +157,44 @@ class Vec16 {
       return Vec16(_mm_cmpeq_epi16(v_, other.v_));
     }
   }
-  ULK_INLINE Vec16 differs(Vec16 other) const {
-    return Vec16(_mm_xor_si128(equal(other).v_, _mm_set1_epi8(-1)));
-  }
+  ULK_INLINE Vec16 differs(Vec16 other) const { return ~equal(other); }
   ULK_INLINE Vec16 min(Vec16 other) const {
     static_assert(sizeof(Unit) == 1, "there is no such instruction for unsigned 16-bit units");
     return Vec16(_mm_min_epu8(v_, other.v_));
   }
+  // All ones in the lanes that are greater as signed numbers.
+  ULK_INLINE Vec16 greaterSigned(Vec16 other) const {
+    if constexpr (sizeof(Unit) == 1) {
+      return Vec16(_mm_cmpgt_epi8(v_, other.v_));
+    } else {
+      return Vec16(_mm_cmpgt_epi16(v_, other.v_));
+    }
+  }
+  // Modulo the width of a unit.
+  ULK_INLINE Vec16 operator+(Vec16 other) const {
+    if constexpr (sizeof(Unit) == 1) {
+      return Vec16(_mm_add_epi8(v_, other.v_));
+    } else {
+      return Vec16(_mm_add_epi16(v_, other.v_));
+    }
+  }
+  ULK_INLINE Vec16 without(Vec16 other) const { return Vec16(_mm_andnot_si128(other.v_, v_)); }
+  ULK_INLINE Vec16 operator~() const { return Vec16(_mm_xor_si128(v_, _mm_set1_epi8(-1))); }
   ULK_INLINE Vec16 operator^(Vec16 other) const { return Vec16(_mm_xor_si128(v_, other.v_)); }
   ULK_INLINE Vec16 operator|(Vec16 other) const { return Vec16(_mm_or_si128(v_, other.v_)); }
   ULK_INLINE Vec16 operator&(Vec16 other) const { return Vec16(_mm_and_si128(v_, other.v_)); }
+
+  // The lower and the upper half of the lanes as two polynomials, each lane the coefficient of one power less
+  // than the lane before it: their values at `base`, which is small.
+  template <uint32_t base>
+  ULK_INLINE NumberPair polynomials() const {
+    if constexpr (sizeof(Unit) == 1) {
+      return NumberPair(
+          joinLanes32<base * base * base * base>(joinLanes16<base * base>(joinLanes8<base>(v_))));
+    } else {
+      return NumberPair(joinLanes32<base * base>(joinLanes16<base>(v_)));
+    }
+  }
 
   // Of a comparison's result: the lanes that hold ones.
   ULK_INLINE LaneMask<Unit> mask() const {
@@ -123,7 +203,55 @@ class Vec16 {
 
  private:
   ULK_INLINE explicit Vec16(__m128i v) : v_(v) {}
+
+  // Two neighbouring lanes become one of twice the width: the first times `factor`, plus the second.
+  template <uint32_t factor>
+  ULK_INLINE static __m128i joinLanes8(__m128i v) {
+    static_assert(factor * 0xFF + 0xFF <= 0xFFFF);
+    const __m128i first = _mm_and_si128(v, _mm_set1_epi16(0xFF));
+    return _mm_add_epi16(_mm_mullo_epi16(first, _mm_set1_epi16(factor)), _mm_srli_epi16(v, 8));
+  }
+  template <uint32_t factor>
+  ULK_INLINE static __m128i joinLanes16(__m128i v) {
+    static_assert(factor <= 0x7FFF);
+    // The instruction multiplies signed lanes, so 0x8000 is taken from each and what that makes put back.
+    const __m128i signedLanes = _mm_xor_si128(v, _mm_set1_epi16(-0x8000));
+    return _mm_add_epi32(_mm_madd_epi16(signedLanes, _mm_set1_epi32(0x10000 + factor)),
+                         _mm_set1_epi32(0x8000 * (factor + 1)));
+  }
+  template <uint32_t factor>
+  ULK_INLINE static __m128i joinLanes32(__m128i v) {
+    return _mm_add_epi64(_mm_mul_epu32(v, _mm_set1_epi32(factor)), _mm_srli_epi64(v, 32));
+  }
+
   __m128i v_;
+};
+
+// A comparison that holds in the lanes that are not zero: many can be joined before one instruction asks.
+template <class Unit>
+struct NonzeroLanes {
+  Vec16<Unit> lanes;
+
+  ULK_INLINE NonzeroLanes operator|(NonzeroLanes other) const { return {lanes | other.lanes}; }
+  ULK_INLINE LaneMask<Unit> mask() const { return lanes.differs(Vec16<Unit>::zero()).mask(); }
+};
+
+// The units from `first` to `last`.
+template <class Unit>
+class UnitRange {
+ public:
+  ULK_INLINE UnitRange(Unit first, Unit last)
+      : shift_(Vec16<Unit>::splat(static_cast<Unit>(kGreatest - last))),
+        below_(Vec16<Unit>::splat(static_cast<Unit>(kGreatest - 1 - (last - first)))) {}
+
+  // All ones in the lanes whose units lie in the range: they are moved to the upper end of the signed
+  // numbers, because there are no unsigned comparisons.
+  ULK_INLINE Vec16<Unit> contains(Vec16<Unit> units) const { return (units + shift_).greaterSigned(below_); }
+
+ private:
+  static constexpr int32_t kGreatest = sizeof(Unit) == 1 ? INT8_MAX : INT16_MAX;
+  Vec16<Unit> shift_;
+  Vec16<Unit> below_;
 };
 
 }  // namespace ulk
