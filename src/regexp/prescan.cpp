@@ -78,10 +78,9 @@ ulkStatus Prescan::openGroup() {
     case 's':
     case 'x':
       return optionGroup();
-    case '(': {
+    case '(': {  // a conditional and its condition, which captures nothing
       const ulkStatus status = enterGroup(2);
-      // A lookaround as the condition is a group like any other; a number's parenthesis captures nothing.
-      return status != ulkOk || in_.at[1] == '?' ? status : enterGroup(1);
+      return status == ulkOk ? enterGroup(1) : status;
     }
     default:
       return enterGroup(2);
