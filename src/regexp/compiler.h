@@ -7,8 +7,9 @@
 
 namespace ulk {
 
-// Compiles into `state`, which is large enough for the pattern. On a failure *errOffset is the byte of the pattern that
-// the error names; on success it is untouched.
-ulkStatus ownRegExpCompile(const char* pattern, const char* options, ulkRegExpState* state, int32_t* errOffset);
+// Compiles into `state`, which is large enough for the pattern. On a failure *errOffset is the byte of the
+// pattern that the error names; on success it is untouched.
+ulkStatus ownRegExpCompile(const char* pattern, const char* options, ulkRegExpState* state,
+                           int32_t* errOffset);
 
 }  // namespace ulk

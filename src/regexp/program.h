@@ -1,15 +1,15 @@
 // The compiled program of one expression: a flat array of nodes inside the state, walked by the matcher.
 //
-// There is no tree and no pointer between nodes. Structure is expressed by node order, by open nodes that carry the
-// length of their group's body, and by group serials.
+// There is no tree and no pointer between nodes. Structure is expressed by node order, by open nodes that
+// carry the length of their group's body, and by group serials.
 #pragma once
 
 #include <cstdint>
 
 namespace ulk {
 
-// Option bits; the same word is used in the state header and in the operands of RX_OPTIONS, RX_OPTGROUP, RX_ALT,
-// RX_END and top-level literals.
+// Option bits; the same word is used in the state header and in the operands of RX_OPTIONS, RX_OPTGROUP,
+// RX_ALT, RX_END and top-level literals.
 enum RxOption : uint32_t {
   RX_OPT_DOTALL = 1,     // s: "." also matches the newline byte 10
   RX_OPT_MULTILINE = 2,  // m: "^" and "$" also match at line boundaries
@@ -71,7 +71,9 @@ static_assert(sizeof(void*) != 4 || sizeof(RxNode) == 20);
 
 inline bool isQuantifier(const RxNode& node) { return node.code == RX_REPEAT || node.code == RX_REPEAT_LAZY; }
 inline bool isGroupOpen(const RxNode& node) { return node.code >= RX_LOOKBEHIND && node.code <= RX_ATOMIC; }
-inline bool isLookaround(const RxNode& node) { return node.code >= RX_LOOKBEHIND && node.code <= RX_NLOOKAHEAD; }
+inline bool isLookaround(const RxNode& node) {
+  return node.code >= RX_LOOKBEHIND && node.code <= RX_NLOOKAHEAD;
+}
 
 // The index behind the item at `i`: a class counts with its members, a closed group with its body and end.
 inline int32_t nextItem(const RxNode* nodes, int32_t i) {
@@ -84,8 +86,8 @@ inline int32_t nextItem(const RxNode* nodes, int32_t i) {
 // quantifiers of unequal bounds and without back references.
 int64_t fixedWidth(const RxNode* nodes, int32_t first, int32_t last);
 
-// Width in characters of nodes[first, last) when it holds nothing but single items, strings and greedy quantifiers
-// (which count 0); -1 otherwise.
+// Width in characters of nodes[first, last) when it holds nothing but single items, strings and greedy
+// quantifiers (which count 0); -1 otherwise.
 int64_t simpleWidth(const RxNode* nodes, int32_t first, int32_t last);
 
 }  // namespace ulk

@@ -1,5 +1,6 @@
-// The layout of a compiled expression: header, the matcher's work areas, the program and its literal text, all in
-// one buffer that the caller provides. The program holds absolute addresses into the buffer, so a state is never moved.
+// The layout of a compiled expression: header, the matcher's work areas, the program and its literal text,
+// all in one buffer that the caller provides. The program holds absolute addresses into the buffer, so a
+// state is never moved.
 #pragma once
 
 #include <cstddef>
@@ -26,7 +27,8 @@ struct CaptureSlot {
   int32_t length;
 };
 
-// The iteration bookkeeping of one group, indexed by the group's serial. Lookarounds and atomic groups never use theirs.
+// The iteration bookkeeping of one group, indexed by the group's serial. Lookarounds and atomic groups never
+// use theirs.
 struct GroupFrame {
   int32_t minLeft;               // iterations still required
   int32_t maxLeft;               // iterations still allowed
@@ -34,8 +36,8 @@ struct GroupFrame {
   int32_t remainingAtIteration;  // text left when the current iteration began
   int32_t captureNumber;         // not needed: the open node tells the capture slot
   int32_t inBody;                // 1 while an iteration's body is running
-  int32_t undo;                  // not needed: a failed group-end step puts its frame back whole, so nothing is uncounted
-  int32_t iterationLength;       // bytes consumed by the current iteration
+  int32_t undo;  // not needed: a failed group-end step puts its frame back whole, so nothing is uncounted
+  int32_t iterationLength;  // bytes consumed by the current iteration
 };
 static_assert(sizeof(GroupFrame) == 32);
 
@@ -57,15 +59,17 @@ enum class StartKind : int32_t {
 
 struct StartFilter {
   StartKind kind;
-  int32_t steps;     // that an attempt elsewhere costs
-  uint32_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
+  int32_t steps;  // that an attempt elsewhere costs
+  uint32_t
+      options;  // in force when an attempt begins, without which nothing is known, and when it has failed
   int32_t byte;
   int32_t set;
   int32_t firstBar;  // the first top-level bar, -1 without one
 };
 
-// One frame of the work area. Frame 0 and those above the highest serial belong to no group; what the compiler finds out
-// to make searching fast is kept there: the start filter in frame 0, byte sets from the last frame down.
+// One frame of the work area. Frame 0 and those above the highest serial belong to no group; what the
+// compiler finds out to make searching fast is kept there: the start filter in frame 0, byte sets from the
+// last frame down.
 union WorkFrame {
   GroupFrame group;
   ByteSet256 bytes;
