@@ -1,13 +1,14 @@
 // Any unit of a set: the first or the last place in a text where one stands, or where none of them does. One
 // choice of method, by the lengths of the text and of the set, for every function that has a set of units.
 //
-// Few members are compared with 16 bytes of text at once, one vector a member. Of a long text with more
-// members only the beginning is searched so, for the sake of early answers; the rest is looked up unit by
-// unit in a table of flags.
+// Up to 16 members are compared with 16 bytes of text at once, one vector a member; of larger sets, each text
+// unit is looked up in a table of flags, or, where the text is too short to pay for the table, in the set
+// itself.
 #pragma once
 
 #include <algorithm>
 #include <type_traits>
+#include <utility>
 
 #include "kernels/find_unit.h"
 
@@ -29,15 +30,18 @@ struct AnyProbe {
 
   template <class Block>
   ULK_INLINE Vec16<Unit> hits(const Block& block) const {
-    const Vec16<Unit> units = block.load(text);
-    Vec16<Unit> equal = units.equal(wanted[0]);
-    for (int i = 1; i < members; ++i) equal = equal | units.equal(wanted[i]);
-    return equal;
+    return equalToAny(block.load(text), std::make_integer_sequence<int, members>());
   }
   ULK_INLINE const AnyProbe& filter() const { return *this; }
+
+ private:
+  template <int... i>
+  ULK_INLINE Vec16<Unit> equalToAny(Vec16<Unit> units, std::integer_sequence<int, i...>) const {
+    return (units.equal(wanted[i]) | ...);
+  }
 };
 
-// Members in vectors, any number up to 16: the vectors wait in memory.
+// Members in vectors, any number up to 16: the vectors wait in memory, in fours, the last one repeated.
 inline constexpr int32_t kMostVectors = 16;
 
 template <class Unit>
@@ -48,15 +52,20 @@ struct ManyProbe {
   Vec16<Unit> wanted[kMostVectors];
 
   ULK_INLINE ManyProbe(const Unit* searched, const Unit* set, int32_t setLength)
-      : text(searched), members(setLength) {
-    for (int32_t i = 0; i < setLength; ++i) wanted[i] = Vec16<Unit>::splat(loadUnit(set + i));
+      : text(searched), members((setLength + 3) / 4 * 4) {
+    for (int32_t i = 0; i < members; ++i) {
+      wanted[i] = Vec16<Unit>::splat(loadUnit(set + std::min(i, setLength - 1)));
+    }
   }
 
   template <class Block>
   ULK_INLINE Vec16<Unit> hits(const Block& block) const {
     const Vec16<Unit> units = block.load(text);
-    Vec16<Unit> equal = units.equal(wanted[0]);
-    for (int32_t i = 1; i < members; ++i) equal = equal | units.equal(wanted[i]);
+    Vec16<Unit> equal = Vec16<Unit>::zero();
+    for (int32_t i = 0; i < members; i += 4) {
+      equal = equal | ((units.equal(wanted[i]) | units.equal(wanted[i + 1])) |
+                       (units.equal(wanted[i + 2]) | units.equal(wanted[i + 3])));
+    }
     return equal;
   }
   ULK_INLINE const ManyProbe& filter() const { return *this; }
@@ -83,26 +92,26 @@ struct OnceProbe {
 // What a walk stops at: a member of the set, or any other unit.
 enum class Stop { kMember, kOther };
 
-template <class Direction, Stop stop, class Unit, class Probe>
-ULK_INLINE int32_t scanWith(const Unit* text, int32_t length, Probe& probe) {
+// A walk with a probe that is made of the arguments.
+template <class Direction, Stop stop, class Probe, class Unit, class... Arguments>
+ULK_INLINE int32_t scanBy(const Unit* text, int32_t length, Arguments... arguments) {
   if constexpr (stop == Stop::kMember) {
+    Probe probe{text, arguments...};
     return scan<Direction>(text, static_cast<size_t>(length), probe);
   } else {
-    Except<Probe> except{probe};
-    return scan<Direction>(text, static_cast<size_t>(length), except);
+    Except<Probe> probe{Probe{text, arguments...}};
+    return scan<Direction>(text, static_cast<size_t>(length), probe);
   }
 }
 
 template <class Direction, Stop stop, int members, class Unit>
 int32_t scanForMembers(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
-  AnyProbe<Unit, members> probe(text, set, setLength);
-  return scanWith<Direction, stop>(text, length, probe);
+  return scanBy<Direction, stop, AnyProbe<Unit, members>>(text, length, set, setLength);
 }
 
 template <class Direction, Stop stop, class Unit>
 int32_t scanForMany(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
-  ManyProbe<Unit> probe(text, set, setLength);
-  return scanWith<Direction, stop>(text, length, probe);
+  return scanBy<Direction, stop, ManyProbe<Unit>>(text, length, set, setLength);
 }
 
 // The first position, in the direction of the search, where the walk stops; `flag` is 1 for members and 0 for
@@ -164,22 +173,6 @@ int32_t scanByTable(const Unit* text, int32_t length, const Unit* set, int32_t s
   return scanUnits<Direction, stop>(text, length, [&](Unit unit) ULK_LAMBDA_INLINE { return flags(unit); });
 }
 
-// The beginning by vectors, the rest by a table.
-template <class Direction, Stop stop, class Unit>
-int32_t scanByBoth(const Unit* text, int32_t length, const Unit* set, int32_t setLength, int32_t byVectors) {
-  const auto part = [&](int32_t done, int32_t size) {
-    return static_cast<int32_t>(
-        Direction::place(static_cast<size_t>(length), static_cast<size_t>(done), static_cast<size_t>(size)));
-  };
-  const int32_t near = part(0, byVectors);
-  int32_t found = scanForMany<Direction, stop>(text + near, byVectors, set, setLength);
-  if (found >= 0) return near + found;
-
-  const int32_t far = part(byVectors, length - byVectors);
-  found = scanByTable<Direction, stop>(text + far, length - byVectors, set, setLength);
-  return found >= 0 ? far + found : -1;
-}
-
 // Whether looking each text unit up in the set costs less than filling a table.
 template <class Unit>
 ULK_INLINE bool tooShortForTable(int32_t length, int32_t setLength) {
@@ -194,23 +187,19 @@ int32_t scanForAny(const Unit* text, int32_t length, const Unit* set, int32_t se
   constexpr int32_t kLanes = Vec16<Unit>::kLanes;
   constexpr int32_t kMostOnce = 32;
 
-  if (length == 0 || setLength == 0) return anyUnit;
-  if (setLength == 1) return scanForUnit<Direction>(text, length, loadUnit(set));
+  if (length == 0) return -1;
+  if (setLength == 0)
+    return stop == Stop::kMember ? -1
+                                 : static_cast<int32_t>(Direction::place(static_cast<size_t>(length), 0, 1));
+  if (setLength == 1) return scanForMembers<Direction, stop, 1>(text, length, set, setLength);
   if (setLength == 2) return scanForMembers<Direction, stop, 2>(text, length, set, setLength);
   if (setLength == 3) return scanForMembers<Direction, stop, 3>(text, length, set, setLength);
   if (setLength == 4) return scanForMembers<Direction, stop, 4>(text, length, set, setLength);
   if (length < kLanes && setLength <= kMostOnce) {
-    OnceProbe<Unit> probe{text, set, setLength};
-    return scanWith<Direction, stop>(text, length, probe);
+    return scanBy<Direction, stop, OnceProbe<Unit>>(text, length, set, setLength);
   }
   if (setLength <= 8) return scanForMembers<Direction, stop, 8>(text, length, set, setLength);
-  if (setLength <= kMostVectors) {
-    // Here a table of bytes is faster in the long run, one of bits is not.
-    constexpr int32_t kBeginning = 2 * kLanes;
-    if (sizeof(Unit) == 2 || length <= kBeginning)
-      return scanForMany<Direction, stop>(text, length, set, setLength);
-    return scanByBoth<Direction, stop>(text, length, set, setLength, kBeginning);
-  }
+  if (setLength <= kMostVectors) return scanForMany<Direction>(text, length, set, setLength);
   if (tooShortForTable<Unit>(length, setLength)) {
     return scanUnits<Direction, stop>(
         text, length, [&](Unit unit) { return static_cast<uint32_t>(findUnit(set, setLength, unit) >= 0); });
