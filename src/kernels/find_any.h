@@ -199,7 +199,7 @@ int32_t scanForAny(const Unit* text, int32_t length, const Unit* set, int32_t se
     return scanBy<Direction, stop, OnceProbe<Unit>>(text, length, set, setLength);
   }
   if (setLength <= 8) return scanForMembers<Direction, stop, 8>(text, length, set, setLength);
-  if (setLength <= kMostVectors) return scanForMany<Direction>(text, length, set, setLength);
+  if (setLength <= kMostVectors) return scanForMany<Direction, stop>(text, length, set, setLength);
   if (tooShortForTable<Unit>(length, setLength)) {
     return scanUnits<Direction, stop>(
         text, length, [&](Unit unit) { return static_cast<uint32_t>(findUnit(set, setLength, unit) >= 0); });
