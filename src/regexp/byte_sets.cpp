@@ -8,6 +8,7 @@
 #include "regexp/bytes.h"
 #include "regexp/first_bytes.h"
 #include "regexp/items.h"
+#include "unicode/unicode.h"
 
 namespace ulk {
 
@@ -102,9 +103,33 @@ void makeClassSet(const RxNode& header, uint32_t options, ByteSet256& set) {
   if (header.op1 != 0) invert(set);
 }
 
-bool acceptsAscii(const RxNode& item, int32_t c, uint32_t options) {
-  if (item.code == RX_XSEQ) return true;  // no mark is an ASCII character
-  return item.code == RX_CODEPOINT ? codePointAccepts(item, c, options) : propertyAccepts(item, c);
+void addRange(int64_t first, int64_t last, ByteSet256& set) {
+  for (int64_t c = std::max<int64_t>(first, 0); c <= last && c < 0x80; ++c) add(static_cast<uint8_t>(c), set);
+}
+
+// The ASCII characters of a code-point or property item.
+void addAscii(const RxNode& item, uint32_t options, ByteSet256& set) {
+  ByteSet256 accepted{};
+  bool negated = false;
+  switch (item.code) {
+    case RX_UNIRANGE:
+      addRange(item.op1, item.op2, accepted);
+      negated = item.op3 != 0;
+      break;
+    case RX_SCRIPT: {
+      const auto* const ranges = static_cast<const CodePointRange*>(item.text);
+      for (int32_t i = 0; i < item.op3 && ranges[i].first < 0x80; ++i) addRange(ranges[i].first, ranges[i].last, accepted);
+      negated = item.op2 != 0;
+      break;
+    }
+    default:
+      for (int32_t c = 0; c < 0x80; ++c) {
+        const bool accepts = item.code == RX_CODEPOINT ? codePointAccepts(item, c, options) : propertyAccepts(item, c);
+        if (accepts) add(static_cast<uint8_t>(c), accepted);
+      }
+  }
+  if (negated) invert(accepted);
+  addAll(accepted, set);
 }
 
 }  // namespace
@@ -169,9 +194,17 @@ void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
     case RX_BYTE:
       for (uint32_t& word : set.words) word = ~0u;
       return;
+    case RX_XSEQ:  // no ASCII character is a mark
+      addRange(0, 0x7F, set);
+      return addMultibyte(set);
+    case RX_CODEPOINT:
+      if (!(options & RX_OPT_CASELESS)) {
+        addRange(item.op1, item.op1, set);
+        return addMultibyte(set);
+      }
+      [[fallthrough]];
     default:
-      for (int32_t c = 0; c < 0x80; ++c)
-        if (acceptsAscii(item, c, options)) add(static_cast<uint8_t>(c), set);
+      addAscii(item, options, set);
       return addMultibyte(set);
   }
 }

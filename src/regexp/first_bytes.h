@@ -17,6 +17,13 @@ class FirstBytes {
   // From the start of the program, with all its top-level alternatives. False when no byte decides.
   bool ofProgram(uint32_t options);
 
+  // Forgets what has been found.
+  void restart() {
+    set = {};
+    steps = 0;
+    entersGroup = false;
+  }
+
   // From a node on, out of the groups that it is in as far as they are not repeated. False when no byte decides.
   bool ofRest(int32_t node, uint32_t options);
 

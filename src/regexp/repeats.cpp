@@ -65,22 +65,6 @@ ChoiceKind greedyKind(const RxNode& item, bool bytes) {
   }
 }
 
-Next stepGreedy(MatchContext& m, const RxNode& item, const RxNode& quantifier, int32_t next) {
-  const int32_t least = quantifier.op1;
-  const int32_t most = std::min(quantifier.op2, m.remaining());
-  const int32_t start = m.offset();
-  const int32_t count = takeItems(m, item, std::max(least, most));
-  if (count < least) return Next::kFail;
-  m.node = next;
-  if (count == least) return Next::kGoOn;
-  Choice& choice = m.push(ChoiceKind::kGreedyBytes);
-  const int32_t length = choice.at - start;
-  choice.kind = greedyKind(item, length == count);
-  choice.options = static_cast<uint8_t>(m.options);
-  choice.greedy = {start, item.code == RX_BACKREF ? length / count : 0, count - least};
-  return Next::kGoOn;
-}
-
 // The start of the character that ends at `at`, when characters are decoded from `from` on. A byte that is no
 // continuation byte always starts a character; a continuation byte belongs to the nearest such byte before it if that
 // one's sequence reaches here, and is a character by itself if not.
@@ -156,6 +140,28 @@ bool giveBackToFollow(MatchContext& m, Choice& choice, const Follow& follow) {
   }
   follow.payForTries(m, spare - choice.greedy.spare - (found ? 1 : 0));
   return found;
+}
+
+Next stepGreedy(MatchContext& m, const RxNode& item, int32_t quantifier) {
+  const RxNode& bounds = m.nodes[quantifier];
+  const int32_t least = bounds.op1;
+  const int32_t most = std::min(bounds.op2, m.remaining());
+  const int32_t start = m.offset();
+  const int32_t count = takeItems(m, item, std::max(least, most));
+  if (count < least) return Next::kFail;
+
+  m.node = quantifier + 1;
+  const int32_t spare = count - least;
+  if (spare == 0) return Next::kGoOn;
+  Choice& choice = m.push(ChoiceKind::kGreedyBytes);
+  const int32_t length = choice.at - start;
+  choice.kind = greedyKind(item, length == count);
+  choice.options = static_cast<uint8_t>(m.options);
+  choice.greedy = {start, item.code == RX_BACKREF ? length / count : 0, spare};
+  const Follow follow = followOf(m, quantifier);
+  if (!follow.excludes(m) || !follow.canPay(m, spare + 1)) return Next::kGoOn;
+  follow.payForTries(m, 1);
+  return retryGreedy(m, choice);
 }
 
 // A lazy repeat of one byte looks for the literal that follows it before it tries anything, and places without it cost
@@ -260,7 +266,7 @@ Next stepLazy(MatchContext& m, const RxNode& item, const RxNode& quantifier) {
 Next stepRepeat(MatchContext& m, int32_t item, int32_t quantifier) {
   const RxNode& node = m.nodes[quantifier];
   if (node.code == RX_REPEAT_LAZY) return stepLazy(m, m.nodes[item], node);
-  return stepGreedy(m, m.nodes[item], node, quantifier + 1);
+  return stepGreedy(m, m.nodes[item], quantifier);
 }
 
 Next retryGreedy(MatchContext& m, Choice& choice) {

@@ -50,11 +50,13 @@ StartFilter filterFor(ulkRegExpState& state, SpareFrames& frames) {
   }
 
   // An option change at the start is in force from the second attempt on; the filter is for those.
-  FirstBytes atFirst(state);
-  if (!atFirst.ofProgram(state.options)) return filter;
-  filter.options = atFirst.exitOptions;
   FirstBytes items(state);
-  if (!items.ofProgram(filter.options) || items.exitOptions != filter.options) return filter;
+  if (!items.ofProgram(state.options)) return filter;
+  filter.options = items.exitOptions;
+  if (filter.options != state.options) {
+    items.restart();
+    if (!items.ofProgram(filter.options) || items.exitOptions != filter.options) return filter;
+  }
   filter.steps = items.steps;
   chooseKind(filter, items.set, first, frames);
   if (filter.kind == StartKind::kSet) state.frames[filter.set].bytes = items.set;
