@@ -1,0 +1,396 @@
+// ulksRegExpFind_8u around the expressions themselves (those stand in tests/data): its argument checks,
+// records and settings, what it may read, and the start positions and trailing literals that it finds without
+// trying each place.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <ostream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/guarded.h"
+#include "ulkch.h"
+
+namespace ulk_test {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+// A compiled expression in a buffer of its own, at an address that is `offset` behind a multiple of 64.
+class Compiled {
+ public:
+  explicit Compiled(const std::string& pattern, const char* options = "", size_t offset = 0) {
+    EXPECT_EQ(ulksRegExpGetSize(pattern.c_str(), &size_), ulkOk);
+    buffer_.resize(static_cast<size_t>(size_) + 128, 0xA5);
+    const auto address = reinterpret_cast<uintptr_t>(buffer_.data());
+    state_ = buffer_.data() + (64 - address % 64) % 64 + offset;
+    EXPECT_EQ(compile(pattern, options), ulkOk) << pattern;
+  }
+
+  ulkStatus compile(const std::string& pattern, const char* options = "") {
+    int32_t errOffset = 0;
+    return ulksRegExpInit(pattern.c_str(), options, state(), &errOffset);
+  }
+  ulkRegExpState* state() { return reinterpret_cast<ulkRegExpState*>(state_); }
+  Bytes bytes() const { return Bytes(state_, state_ + size_); }
+  uint8_t& byte(size_t i) { return state_[i]; }
+
+ private:
+  Bytes buffer_;
+  uint8_t* state_;
+  int32_t size_ = 0;
+};
+
+struct Found {
+  ulkStatus status;
+  int32_t start;  // -1 when nothing was found
+  int32_t length;
+  bool operator==(const Found& other) const {
+    return status == other.status && start == other.start && length == other.length;
+  }
+};
+constexpr Found kNone = {ulkOk, -1, 0};
+
+void PrintTo(const Found& found, std::ostream* stream) {
+  *stream << "status " << found.status << " at " << found.start << "+" << found.length;
+}
+
+Found find(const uint8_t* text, size_t length, ulkRegExpState* state) {
+  ulkRegExpFind record = {nullptr, -2};
+  int32_t count = 1;
+  const ulkStatus status = ulksRegExpFind_8u(text, static_cast<int32_t>(length), state, &record, &count);
+  if (status != ulkOk || count == 0) return {status, -1, 0};
+  return {status, static_cast<int32_t>(record.pFound - text), record.lenFound};
+}
+
+Found find(const std::string& text, ulkRegExpState* state) {
+  return find(reinterpret_cast<const uint8_t*>(text.data()), text.size(), state);
+}
+
+Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
+
+// ---- arguments
+
+TEST(Find, ChecksItsArgumentsInOrderAndWritesNothingBefore) {
+  Compiled good("(a)b");
+  Compiled bad("(a)b");
+  bad.byte(0) ^= 1;
+  const Bytes goodBytes = good.bytes();
+  const Bytes badBytes = bad.bytes();
+  const uint8_t text[] = "ab";
+  ulkRegExpFind records[2] = {{text, -7}, {text, -7}};
+  const struct {
+    const uint8_t* text;
+    int32_t length;
+    ulkRegExpState* state;
+    ulkRegExpFind* records;
+    int32_t count;
+    ulkStatus status;
+  } cases[] = {
+      {nullptr, -1, bad.state(), records, 0, ulkErrNullPtr},
+      {text, -1, nullptr, records, 0, ulkErrNullPtr},
+      {text, -1, bad.state(), nullptr, 0, ulkErrNullPtr},
+      {nullptr, 0, good.state(), records, 2, ulkErrNullPtr},
+      {text, -1, bad.state(), records, 0, ulkErrLength},
+      {text, INT32_MIN, good.state(), records, 2, ulkErrLength},
+      {text, 2, bad.state(), records, 0, ulkErrSize},
+      {text, 0, good.state(), records, -1, ulkErrSize},
+      {text, 2, bad.state(), records, 2, ulkErrInvalidState},
+      {text, 0, bad.state(), records, 1, ulkErrInvalidState},
+  };
+  for (const auto& c : cases) {
+    int32_t count = c.count;
+    EXPECT_EQ(ulksRegExpFind_8u(c.text, c.length, c.state, c.records, &count), c.status);
+    EXPECT_EQ(count, c.count);
+    for (const ulkRegExpFind& record : records) {
+      EXPECT_EQ(record.pFound, text);
+      EXPECT_EQ(record.lenFound, -7);
+    }
+    EXPECT_EQ(good.bytes(), goodBytes);
+    EXPECT_EQ(bad.bytes(), badBytes);
+  }
+}
+
+TEST(Find, AsksForTheWholeMagicWord) {
+  for (const size_t i : {0u, 1u, 2u, 3u}) {
+    Compiled compiled("a");
+    EXPECT_EQ(find("a", compiled.state()), (Found{ulkOk, 0, 1}));
+    compiled.byte(i) ^= 0x20;
+    EXPECT_EQ(find("a", compiled.state()).status, ulkErrInvalidState);
+  }
+}
+
+TEST(Find, RefusesAStateThatWasRefusedBeforeItGotItsHeader) {
+  const struct {
+    const char* pattern;
+    const char* options;
+  } cases[] = {{"a", "q"}, {"(a", ""}, {"a)", ""}};
+  for (const auto& c : cases) {
+    Compiled compiled("abcdef");
+    std::fill_n(&compiled.byte(0), 64, uint8_t{0xA5});
+    EXPECT_NE(compiled.compile(c.pattern, c.options), ulkOk);
+    EXPECT_EQ(find("a", compiled.state()).status, ulkErrInvalidState) << c.pattern;
+  }
+}
+
+// ---- records
+
+TEST(Find, FillsAsManyRecordsAsThereAreGroupsAndRoom) {
+  const uint8_t text[] = "xabd";
+  const uint8_t elsewhere = 0;
+  const uint8_t* const kUntouched = &elsewhere;
+  const ulkRegExpFind expected[] = {
+      {text + 1, 3}, {text + 1, 1}, {text + 2, 1}, {nullptr, -1}, {text + 3, 1}};
+  Compiled compiled("(a)(b)(c)?(d)");
+  for (int32_t capacity = 1; capacity <= 8; ++capacity) {
+    std::vector<ulkRegExpFind> records(9, {kUntouched, -7});
+    int32_t count = capacity;
+    ASSERT_EQ(ulksRegExpFind_8u(text, 4, compiled.state(), records.data(), &count), ulkOk);
+    EXPECT_EQ(count, std::min(capacity, 5));
+    for (int32_t i = 0; i < 9; ++i) {
+      const auto k = static_cast<size_t>(i);
+      EXPECT_EQ(records[k].pFound, i < count ? expected[k].pFound : kUntouched) << i << " of " << capacity;
+      EXPECT_EQ(records[k].lenFound, i < count ? expected[k].lenFound : -7) << i << " of " << capacity;
+    }
+  }
+}
+
+// ---- the state
+
+TEST(Find, TakesAStateAtAnyAddressThatSuitsAPointer) {
+  for (size_t offset = 0; offset < 64; offset += sizeof(void*)) {
+    Compiled compiled("(?:([a-c]+)|\\p{Greek}|(?i)xyz)+?(?<=.)[^k-m\\d]", "", offset);
+    EXPECT_EQ(find("--acbXYZ-", compiled.state()), (Found{ulkOk, 2, 4})) << offset;
+  }
+}
+
+TEST(Find, DoesNotDependOnEarlierSearches) {
+  Compiled compiled("^(?:(a+)|(b))*(?(2)c|d)$");
+  const auto searchAll = [&] {
+    EXPECT_EQ(find("aabaad", compiled.state()), kNone);
+    EXPECT_EQ(find("aabaac", compiled.state()), (Found{ulkOk, 0, 6}));
+    EXPECT_EQ(find("aad", compiled.state()), (Found{ulkOk, 0, 3}));
+    EXPECT_EQ(find("", compiled.state()), kNone);
+  };
+  searchAll();
+  EXPECT_EQ(ulksRegExpSetMatchLimit(5, compiled.state()), ulkOk);
+  EXPECT_EQ(find("aabaac", compiled.state()).status, ulkErrMatchLimit);
+  EXPECT_EQ(ulksRegExpSetMatchLimit(1000, compiled.state()), ulkOk);
+  searchAll();
+}
+
+TEST(Find, FollowsTheSettingsUntilTheNextCompile) {
+  const std::string text = "\xc3\xa9";
+  Compiled compiled("\\xa9");
+  EXPECT_EQ(find(text, compiled.state()), kNone);
+  EXPECT_EQ(ulksRegExpSetFormat(0, compiled.state()), ulkOk);
+  EXPECT_EQ(ulksRegExpSetFormat(2, compiled.state()), ulkErrRegExpFormat);
+  EXPECT_EQ(ulksRegExpSetFormat(-1, compiled.state()), ulkErrRegExpFormat);
+  EXPECT_EQ(find(text, compiled.state()), (Found{ulkOk, 1, 1}));
+  EXPECT_EQ(ulksRegExpSetMatchLimit(1, compiled.state()), ulkOk);
+  EXPECT_EQ(ulksRegExpSetMatchLimit(-1, compiled.state()), ulkErrLength);
+  EXPECT_EQ(find(text, compiled.state()).status, ulkErrMatchLimit);
+
+  EXPECT_EQ(compiled.compile("\\xa9"), ulkOk);
+  EXPECT_EQ(find(text, compiled.state()), kNone);
+  EXPECT_EQ(find("a\xa9", compiled.state()), (Found{ulkOk, 1, 1}));
+  // The limit is back at 10000.
+  EXPECT_EQ(compiled.compile("[b]"), ulkOk);
+  EXPECT_EQ(find(std::string(9999, 'a'), compiled.state()), kNone);
+  EXPECT_EQ(find(std::string(10000, 'a'), compiled.state()).status, ulkErrMatchLimit);
+}
+
+TEST(Find, SearchesDistinctStatesFromTwoThreads) {
+  const auto searchOften = [](const char* pattern, std::string text, Found expected, int* wrong) {
+    Compiled compiled(pattern);
+    for (int i = 0; i < 3000; ++i) *wrong += !(find(text, compiled.state()) == expected);
+  };
+  int wrong[2] = {0, 0};
+  std::thread first(searchOften, "(?:(a)|(b))*c", "xxababababc", Found{ulkOk, 2, 9}, &wrong[0]);
+  std::thread second(searchOften, "((\\w)\\2)+$", "abbccdd", Found{ulkOk, 1, 6}, &wrong[1]);
+  first.join();
+  second.join();
+  EXPECT_EQ(wrong[0], 0);
+  EXPECT_EQ(wrong[1], 0);
+}
+
+// ---- what a search reads behind the text
+
+TEST(Find, LooksAtTheByteBehindTheText) {
+  const uint8_t word[] = "ab";
+  const uint8_t noWord[] = "a-";
+  EXPECT_EQ(find(word, 1, Compiled("[a]\\b").state()), kNone);
+  EXPECT_EQ(find(noWord, 1, Compiled("[a]\\b").state()), (Found{ulkOk, 0, 1}));
+  EXPECT_EQ(find(word, 1, Compiled("[a]\\B").state()), (Found{ulkOk, 0, 1}));
+  // Nothing else does: an item that fails there does not depend on that byte.
+  for (const char* pattern :
+       {"ab", "a.", "a\\w", "a[b]", "a\\x{62}", "a\\p{L}", "a\\C", "a\\X", "a$b", "(a)b\\1?"})
+    EXPECT_EQ(find(word, 1, Compiled(pattern).state()), kNone) << pattern;
+}
+
+TEST(Find, TakesACharacterWholeThatTheTextEndsInside) {
+  const uint8_t text[] = "a\xe2\x82\xac";
+  for (const size_t length : {2u, 3u}) {
+    for (const char* pattern : {"a.", "a\\D", "a[^x]", "a\\x{20ac}", "a\\p{Sc}", "a\\X", "a.{1}"}) {
+      EXPECT_EQ(find(text, length, Compiled(pattern).state()), (Found{ulkOk, 0, 4}))
+          << pattern << " " << length;
+    }
+    // Nothing goes on from behind the end.
+    for (const char* pattern : {"a.\\z", "a\\D$", "a\\p{Sc}b?", "(a.)()", "a.\\b"})
+      EXPECT_EQ(find(text, length, Compiled(pattern).state()), kNone) << pattern << " " << length;
+  }
+}
+
+// ---- every byte
+
+// Which bytes one-byte texts of single bytes match, compared with a plain statement of the set.
+void expectBytes(const std::string& pattern, const char* options, const std::function<bool(int)>& contains) {
+  Compiled compiled(pattern, options);
+  for (int byte = 0; byte < 256; ++byte) {
+    const uint8_t text[] = {static_cast<uint8_t>(byte), 0};
+    const Found expected = contains(byte) ? Found{ulkOk, 0, 1} : kNone;
+    EXPECT_EQ(find(text, 1, compiled.state()), expected) << pattern << " on byte " << byte;
+  }
+}
+
+bool isDigit(int c) { return c >= '0' && c <= '9'; }
+bool isUpper(int c) { return c >= 'A' && c <= 'Z'; }
+bool isLower(int c) { return c >= 'a' && c <= 'z'; }
+bool isWord(int c) { return isDigit(c) || isUpper(c) || isLower(c) || c == '_'; }
+bool isSpace(int c) { return c == ' ' || c == '\t' || c == '\n' || c == '\f' || c == '\r'; }
+
+TEST(Find, KnowsEveryByte) {
+  expectBytes("\\d", "", isDigit);
+  expectBytes("\\w", "", isWord);
+  expectBytes("\\s", "", isSpace);
+  expectBytes("\\D", "", [](int c) { return !isDigit(c); });
+  expectBytes("\\W", "i", [](int c) { return !isWord(c); });
+  expectBytes("\\S", "", [](int c) { return !isSpace(c); });
+  expectBytes(".", "", [](int c) { return c != '\n'; });
+  expectBytes(".", "s", [](int) { return true; });
+  expectBytes("\\C", "", [](int) { return true; });
+  expectBytes("\\b.", "s", isWord);
+  expectBytes("[[:punct:]]", "", [](int c) { return c == '_' || (c >= 32 && !isWord(c)); });
+  expectBytes("[[:print:]]", "", [](int c) { return c >= 32; });
+  expectBytes("[[:alnum:]_]", "", isWord);
+  expectBytes("[[:cntrl:]]", "", [](int c) { return c < 32; });
+}
+
+TEST(Find, ComparesEveryByteInBothCases) {
+  const char* const kHex = "0123456789abcdef";
+  for (int wanted = 0; wanted < 256; ++wanted) {
+    const std::string escape = std::string("\\x") + kHex[wanted / 16] + kHex[wanted % 16];
+    const auto sameLetter = [wanted](int c) {
+      return c == wanted || ((isUpper(c) || isLower(c)) && (c ^ wanted) == 0x20);
+    };
+    expectBytes(escape, "", [wanted](int c) { return c == wanted; });
+    expectBytes(escape, "i", sameLetter);
+    expectBytes("[" + escape + "\\n]", "i", [&](int c) { return c == '\n' || sameLetter(c); });
+  }
+}
+
+TEST(Find, ComparesRangesInBothCases) {
+  const char* const kHex = "0123456789abcdef";
+  const auto escape = [&](int c) { return std::string("\\x") + kHex[c / 16] + kHex[c % 16]; };
+  for (int low = 0x38; low < 0x84; low += 3) {
+    for (int high = low; high < 0x88; high += 5) {
+      const auto within = [=](int c) { return c >= low && c <= high; };
+      const auto caseless = [=](int c) {
+        return within(c) || (isLower(c) && within(c - 32)) || (isUpper(c) && within(c + 32));
+      };
+      expectBytes("[" + escape(low) + "-" + escape(high) + "]", "i", caseless);
+      expectBytes("[^" + escape(low) + "-" + escape(high) + "]", "i", [&](int c) { return !caseless(c); });
+    }
+  }
+}
+
+// ---- long texts: start positions that cannot match are passed quickly, and the limit must not show it
+
+constexpr size_t kMostFill = 70;
+
+// Calls `check` with texts of every number of filling units before and behind `needle`, each at both guards.
+void atEveryPlace(const std::string& fill, const std::string& needle,
+                  const std::function<void(const uint8_t*, size_t length, size_t before)>& check) {
+  GuardedUnits<uint8_t> pages(2 * kMostFill * fill.size() + needle.size() + 1);
+  for (size_t before = 0; before <= kMostFill; ++before) {
+    for (const size_t behind : {size_t{0}, size_t{1}, size_t{15}, size_t{16}, kMostFill - before}) {
+      std::string text;
+      for (size_t i = 0; i < before; ++i) text += fill;
+      text += needle;
+      for (size_t i = 0; i < behind; ++i) text += fill;
+      Bytes bytes = bytesOf(text);
+      bytes.push_back(0);
+      check(pages.endingAtGuard(bytes), text.size(), before);
+      check(pages.startingAtGuard(bytes), text.size(), before);
+    }
+  }
+}
+
+TEST(Find, FindsTheStartAmongOthersAndCountsThemAll) {
+  const struct {
+    const char* pattern;
+    const char* options;
+    const char* fill;
+    const char* needle;
+    int32_t found;  // bytes of the needle that match
+    int32_t miss;   // steps at a place that does not match
+    int32_t hit;    // steps at the needle
+  } cases[] = {
+      {"[q]z", "", "a", "qz", 2, 1, 2},         {"[qw]", "", "a", "w", 1, 1, 1},
+      {"[q]", "i", "A", "Q", 1, 1, 1},          {"\\d", "", "x", "7", 1, 1, 1},
+      {"[^a]", "", "a", "\xff", 1, 1, 1},       {"(q)\\b", "", "-", "q", 1, 2, 4},
+      {"(?:qu|wa)\\b", "", "-", "wa", 2, 3, 5}, {"[q]|[w]", "", "a", "w", 1, 2, 2},
+      {"(?i)[q]", "", "a", "Q", 1, 2, 2},       {"q+z\\b", "", "-", "qqz", 3, 1, 3},
+      {"q*?z\\b", "", "-", "qqz", 3, 1, 3},     {"[é]", "", "\xc3", "\xe9", 1, 1, 1},
+      {"\\x{20ac}", "", "é", "€", 3, 1, 1},     {"\\p{Greek}", "", "é", "β", 2, 1, 1},
+      {"[β]", "", "é", "β", 2, 1, 1},           {"(?=[q])\\w", "", "a", "q", 1, 2, 3},
+  };
+  for (const auto& c : cases) {
+    Compiled compiled(c.pattern, c.options);
+    const size_t fillBytes = std::strlen(c.fill);
+    atEveryPlace(c.fill, c.needle, [&](const uint8_t* text, size_t length, size_t before) {
+      const Found expected = {ulkOk, static_cast<int32_t>(before * fillBytes), c.found};
+      const int32_t steps = static_cast<int32_t>(before) * c.miss + c.hit;
+      ulksRegExpSetMatchLimit(steps, compiled.state());
+      ASSERT_EQ(find(text, length, compiled.state()), expected) << c.pattern << " behind " << before;
+      ulksRegExpSetMatchLimit(steps - 1, compiled.state());
+      ASSERT_EQ(find(text, length, compiled.state()).status, ulkErrMatchLimit)
+          << c.pattern << " behind " << before;
+    });
+  }
+}
+
+TEST(Find, CutsTheTextBehindTheLastTrailingLiteral) {
+  // Each pattern matches its literal only where the text seems to end behind it.
+  const struct {
+    const char* pattern;
+    const char* options;
+    const char* fill;
+    const char* literal;
+  } cases[] = {
+      {"(?=b$)b", "", "a", "b"},
+      {"(?=B$)B", "i", "a", "b"},
+      {"(?=ab$)ab", "", "b", "ab"},
+      {"(?=ab$)ab", "", "a", "ab"},
+      {"(?=a-B$)a-B", "i", "-", "A-b"},
+      {"(?=abcab$)abcab", "", "ab", "abcab"},
+      {"(?=0123456789abcdefgh$)0123456789abcdefgh", "", "9", "0123456789abcdefgh"},
+  };
+  for (const auto& c : cases) {
+    Compiled compiled(c.pattern, c.options);
+    const std::string literal = c.literal;
+    const std::string fill = c.fill;
+    atEveryPlace(fill, literal + fill + literal, [&](const uint8_t* text, size_t length, size_t before) {
+      const size_t last = (before + 1) * fill.size() + literal.size();
+      const Found expected = {ulkOk, static_cast<int32_t>(last), static_cast<int32_t>(literal.size())};
+      ASSERT_EQ(find(text, length, compiled.state()), expected) << c.pattern << " behind " << before;
+    });
+  }
+}
+
+}  // namespace
+}  // namespace ulk_test
