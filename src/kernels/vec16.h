@@ -51,6 +51,7 @@ class LaneMask {
     return LaneMask(lower.bits_ | upper.bits_ << 16);
   }
 
+  ULK_INLINE uint32_t bits() const { return bits_; }
   ULK_INLINE bool any() const { return bits_ != 0; }
   ULK_INLINE int32_t first() const { return std::countr_zero(bits_) / kBits; }
   ULK_INLINE int32_t last() const { return (31 - std::countl_zero(bits_)) / kBits; }
@@ -105,6 +106,8 @@ class Vec16 {
   ULK_INLINE static Vec16 splat(Unit unit) {
     if constexpr (sizeof(Unit) == 1) {
       return Vec16(_mm_set1_epi8(static_cast<char>(unit)));
+    } else if constexpr (sizeof(Unit) == 4) {
+      return Vec16(_mm_set1_epi32(static_cast<int>(unit)));
     } else {
       return Vec16(_mm_set1_epi16(static_cast<short>(unit)));
     }
@@ -174,6 +177,8 @@ class Vec16 {
   ULK_INLINE Vec16 operator+(Vec16 other) const {
     if constexpr (sizeof(Unit) == 1) {
       return Vec16(_mm_add_epi8(v_, other.v_));
+    } else if constexpr (sizeof(Unit) == 4) {
+      return Vec16(_mm_add_epi32(v_, other.v_));
     } else {
       return Vec16(_mm_add_epi16(v_, other.v_));
     }
@@ -183,6 +188,47 @@ class Vec16 {
   ULK_INLINE Vec16 operator^(Vec16 other) const { return Vec16(_mm_xor_si128(v_, other.v_)); }
   ULK_INLINE Vec16 operator|(Vec16 other) const { return Vec16(_mm_or_si128(v_, other.v_)); }
   ULK_INLINE Vec16 operator&(Vec16 other) const { return Vec16(_mm_and_si128(v_, other.v_)); }
+  // The bits of `other` where `where` has ones, these bits elsewhere.
+  ULK_INLINE Vec16 blend(Vec16 where, Vec16 other) const { return *this ^ ((*this ^ other) & where); }
+
+  // Every lane, of 16 or 32 bits, by itself.
+  ULK_INLINE Vec16 operator<<(int bits) const {
+    static_assert(sizeof(Unit) != 1, "there is no such instruction for bytes");
+    return Vec16(sizeof(Unit) == 2 ? _mm_slli_epi16(v_, bits) : _mm_slli_epi32(v_, bits));
+  }
+  ULK_INLINE Vec16 operator>>(int bits) const {
+    static_assert(sizeof(Unit) != 1, "there is no such instruction for bytes");
+    return Vec16(sizeof(Unit) == 2 ? _mm_srli_epi16(v_, bits) : _mm_srli_epi32(v_, bits));
+  }
+  // All bytes to lower places; in the second form those of each half of the vector by themselves.
+  template <int count>
+  ULK_INLINE Vec16 bytesDown() const {
+    return Vec16(_mm_srli_si128(v_, count));
+  }
+  template <int count>
+  ULK_INLINE Vec16 bytesDownInHalves() const {
+    return Vec16(_mm_srli_epi64(v_, 8 * count));
+  }
+
+  // The lower or the upper lanes of both vectors in turn.
+  ULK_INLINE Vec16 interleaveLow(Vec16 other) const {
+    return Vec16(sizeof(Unit) == 1 ? _mm_unpacklo_epi8(v_, other.v_) : _mm_unpacklo_epi16(v_, other.v_));
+  }
+  ULK_INLINE Vec16 interleaveHigh(Vec16 other) const {
+    return Vec16(sizeof(Unit) == 1 ? _mm_unpackhi_epi8(v_, other.v_) : _mm_unpackhi_epi16(v_, other.v_));
+  }
+  // The lower or the upper halves of both vectors.
+  ULK_INLINE Vec16 joinLow(Vec16 other) const { return Vec16(_mm_unpacklo_epi64(v_, other.v_)); }
+  ULK_INLINE Vec16 joinHigh(Vec16 other) const { return Vec16(_mm_unpackhi_epi64(v_, other.v_)); }
+  // Units below 256 as bytes.
+  ULK_INLINE static Vec16 narrow(Vec16<uint16_t> low, Vec16<uint16_t> high) {
+    return Vec16(_mm_packus_epi16(low.v_, high.v_));
+  }
+  // The same bytes seen as other lanes.
+  template <class Other>
+  ULK_INLINE Vec16<Other> as() const {
+    return Vec16<Other>(v_);
+  }
 
   // The lower and the upper half of the lanes as two polynomials, each lane the coefficient of one power less
   // than the lane before it: their values at `base`, which is small.
@@ -202,6 +248,9 @@ class Vec16 {
   }
 
  private:
+  template <class>
+  friend class Vec16;
+
   ULK_INLINE explicit Vec16(__m128i v) : v_(v) {}
 
   // Two neighbouring lanes become one of twice the width: the first times `factor`, plus the second.
