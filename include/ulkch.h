@@ -378,6 +378,77 @@ ULK_API ulkStatus ULK_CALL ulksRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen
                                              int32_t* pNumFind);
 
 /// @}
+/// @name UTF conversion
+///
+/// Text from UTF-8 to UTF-16 and back. Source and destination must not overlap.
+///
+/// Malformed text is never an error: what has no proper conversion is passed through by fixed rules. A
+/// destination that is too small is none either: as much is converted as fits, and the two lengths that come
+/// out tell the caller where to go on.
+///
+/// The lengths go in as those of the source and of the destination's room, and come out as what was converted
+/// and written. They are not checked and must not be negative.
+///
+/// The flag `bigEndian` tells the order of the bytes in 16-bit units, but means different things in the two
+/// directions: only ulksConvertUTF_16u8u() converts it in full.
+/// @{
+
+/// Converts UTF-8 to UTF-16.
+///
+/// A sequence has one to six bytes, in the form that the number of leading ones in its first byte demands,
+/// and must be the shortest for its value. Whatever meets that is accepted: surrogates (U+D800 to U+DFFF)
+/// too, and values up to 7FFFFFFF. A value below 10000 becomes one unit, a larger one two: of those above
+/// 10FFFF, the bits that a surrogate pair has no place for are lost. Of anything else, one byte is taken and
+/// becomes a unit of the same value, and the bytes after it are looked at anew: C0 80 becomes 00C0 0080.
+///
+/// With `bigEndian` a single unit becomes its low byte shifted up by 8 bits and its high byte is lost, so
+/// only text below U+0100 comes out in big-endian order; and the units of a pair change places (low, high)
+/// but not their bytes. A program that needs UTF-16BE converts with `bigEndian` 0 and swaps the bytes itself.
+///
+/// The conversion ends when the count of what is left, or of the room, is exactly 0. What a caller must know
+/// to be safe:
+/// - When the source ends inside a sequence, the bytes after its end are looked at, up to the first that does
+///   not continue the sequence. If they complete it, they are taken as well; `*pSrcLen` grows beyond what
+///   went in, and the conversion goes on behind the source until there is no room. A zero byte after the
+///   source, or any other that is not 80 to BF, makes it safe: then only this one byte is looked at, and the
+///   bytes of the sequence become units each.
+/// - When one unit of room is left and a pair comes, both units are written, one of them beyond the
+///   destination, and the conversion goes on there until the source ends. A destination of as many units as
+///   the source has bytes makes it safe: no more can come of it.
+///
+/// So a stream is converted in pieces of at most as many bytes as the destination has units, each followed by
+/// a zero byte and cut before a sequence that is not complete, not within it.
+/// @param[in]     pSrc       the UTF-8 text
+/// @param[in,out] pSrcLen    in: its length in bytes. Out: the bytes converted
+/// @param[out]    pDst       the destination, 16-bit units
+/// @param[in,out] pDstLen    in: the room in units. Out: the units written
+/// @param[in]     bigEndian  not 0: the odd order above; 0: units as the machine has them
+/// @retval ulkOk          the lengths are set; with an empty source, or without room, both to 0
+/// @retval ulkErrNullPtr  `pSrc`, `pSrcLen`, `pDst` or `pDstLen` is null; nothing was written
+ULK_API ulkStatus ULK_CALL ulksConvertUTF_8u16u(const uint8_t* pSrc, int32_t* pSrcLen, uint16_t* pDst,
+                                                int32_t* pDstLen, int32_t bigEndian);
+
+/// Converts UTF-16 to UTF-8.
+///
+/// A high surrogate with a low one after it becomes four bytes, every other unit one to three. That is true
+/// of a surrogate without its partner too: it becomes the three bytes of its own value, also a high one that
+/// is the last unit of the source. A stream is therefore not cut between the two units of a pair.
+///
+/// A character is written whole or not at all: the conversion ends before the first that does not fit. Three
+/// times as many bytes as the source has units are always enough. Nothing outside the source is read, nothing
+/// outside the destination written.
+/// @param[in]     pSrc       the UTF-16 text
+/// @param[in,out] pSrcLen    in: its length in units. Out: the units converted
+/// @param[out]    pDst       the destination
+/// @param[in,out] pDstLen    in: the room in bytes. Out: the bytes written
+/// @param[in]     bigEndian  not 0: the units of the source have the high byte first; 0: they are as the
+///                           machine has them
+/// @retval ulkOk          the lengths are set; with an empty source, or without room, both to 0
+/// @retval ulkErrNullPtr  `pSrc`, `pSrcLen`, `pDst` or `pDstLen` is null; nothing was written
+ULK_API ulkStatus ULK_CALL ulksConvertUTF_16u8u(const uint16_t* pSrc, int32_t* pSrcLen, uint8_t* pDst,
+                                                int32_t* pDstLen, int32_t bigEndian);
+
+/// @}
 
 #ifdef __cplusplus
 }
