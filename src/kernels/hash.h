@@ -10,7 +10,7 @@ namespace ulk {
 // h = (h << 1) ^ unit. Every step pushes one bit of what came before out at the top, so nothing is left of a
 // unit that 32 or more others follow.
 template <class Unit>
-uint32_t hashShift(const Unit* text, int32_t length) {
+ULK_INLINE uint32_t hashShift(const Unit* text, int32_t length) {
   constexpr int32_t kReach = 32;
   const Unit* end = text + length;
   const Unit* at = end - std::min(length, kReach);
@@ -28,7 +28,7 @@ uint32_t hashShift(const Unit* text, int32_t length) {
 // h = (h * 33) ^ unit, from 5381, up to the first zero unit. Neither step can be moved past the other, so the
 // units are taken one by one.
 template <class Unit>
-uint32_t hashUntilZero(const Unit* text, int32_t length) {
+ULK_INLINE uint32_t hashUntilZero(const Unit* text, int32_t length) {
   uint32_t hash = 5381;
   for (int32_t i = 0; i < length; ++i) {
     const Unit unit = loadUnit(text + i);
@@ -47,7 +47,7 @@ constexpr uint32_t powerOf31(int exponent) {
 
 // h = h * 31 + unit: the value at 31 of a polynomial whose coefficients are the units.
 template <class Unit>
-uint32_t hashPolynomial(const Unit* text, int32_t length) {
+ULK_INLINE uint32_t hashPolynomial(const Unit* text, int32_t length) {
   constexpr int kLanes = Vec16<Unit>::kLanes;
   const Unit* end = text + length;
   const Unit* at = text;
