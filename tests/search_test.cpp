@@ -2,6 +2,7 @@
 // edge of readable memory on either side.
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <random>
 #include <string>
 #include <vector>
@@ -72,7 +73,7 @@ template <class Unit>
 std::vector<Widening> widenings() {
   if (sizeof(Unit) == 1)
     return {[](uint8_t c) -> uint32_t { return c; }, [](uint8_t c) -> uint32_t { return c ^ 0x80; }};
-  return {[](uint8_t c) -> uint32_t { return c; }, [](uint8_t c) -> uint32_t { return c << 8; },
+  return {[](uint8_t c) -> uint32_t { return c; }, [](uint8_t c) -> uint32_t { return c * 0x0100u; },
           [](uint8_t c) -> uint32_t { return c * 0x0101u; },
           [](uint8_t c) -> uint32_t { return 0xFF00u | c; }};
 }
@@ -167,7 +168,7 @@ TYPED_TEST(Search, FindsSubstringsInRandomTexts) {
   constexpr unsigned kSeed = 11;
   std::mt19937 random(kSeed);
   for (int round = 0; round < 6000; ++round) {
-    const unsigned letters = 1 + random() % 3;
+    const uint32_t letters = static_cast<uint32_t>(1 + random() % 3);
     std::vector<TypeParam> text(random() % (round % 40 == 0 ? 5000 : 150));
     for (auto& unit : text) unit = static_cast<TypeParam>('a' + random() % letters);
     std::vector<TypeParam> pattern(random() % (round % 8 == 0 ? 100 : 8));
@@ -215,10 +216,10 @@ TYPED_TEST(Search, TakesLinearTimeWhereNearlyEverythingMatches) {
 TYPED_TEST(Search, FindsUnitsAtEveryLengthAndAlignment) {
   const TypeParam wanted = static_cast<TypeParam>(0x8181);
   // What a search for half a unit, or one that takes units as signed, would take for it.
-  const TypeParam near = static_cast<TypeParam>(sizeof(TypeParam) == 1 ? 0x01 : 0x8180);
+  const TypeParam nearly = static_cast<TypeParam>(sizeof(TypeParam) == 1 ? 0x01 : 0x8180);
   for (size_t length = 0; length <= 200; ++length) {
     for (size_t offset = 0; offset < 16; ++offset) {
-      std::vector<TypeParam> text(length, near);
+      std::vector<TypeParam> text(length, nearly);
       const auto expect = [&](int32_t first, int32_t last) {
         const TypeParam* placed = this->texts_.atOffset(text, offset);
         EXPECT_EQ(indexOf(Api<TypeParam>::findC, placed, size(text), wanted), first);
@@ -231,7 +232,7 @@ TYPED_TEST(Search, FindsUnitsAtEveryLengthAndAlignment) {
         text[length / 2] = wanted;
         expect(static_cast<int32_t>(std::min(at, length / 2)),
                static_cast<int32_t>(std::max(at, length / 2)));
-        text[at] = text[length / 2] = near;
+        text[at] = text[length / 2] = nearly;
       }
       ASSERT_FALSE(this->HasFailure()) << "length " << length << ", offset " << offset;
     }
@@ -252,12 +253,14 @@ TYPED_TEST(Search, ReadsNothingBesideTheText) {
 // Sets around each number of members at which the method changes, with texts around each length at which it
 // does.
 TYPED_TEST(Search, FindsMembersOfSetsOfEverySize) {
-  for (const size_t setLength : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 12, 15, 16, 17, 31, 32, 33, 40, 64, 200}) {
+  for (const size_t setLength :
+       std::initializer_list<size_t>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 12, 15, 16, 17, 31, 32, 33, 40, 64, 200}) {
     std::vector<TypeParam> set;
     // Zero and high units are members like any other; some stand in the set twice.
     for (size_t i = 0; i < setLength; ++i) set.push_back(static_cast<TypeParam>(i % 150 * 0x0309));
-    for (const size_t length : {0,  1,  2,  3,  4,  5,  7,  8,  9,  10, 14, 15,  16,  17,  20,   21,
-                                31, 32, 33, 56, 57, 63, 64, 65, 66, 95, 96, 130, 257, 520, 3000, 5000}) {
+    for (const size_t length : std::initializer_list<size_t>{0,  1,  2,  3,  4,  5,   7,   8,   9,    10,  14,
+                                                             15, 16, 17, 20, 21, 31,  32,  33,  56,   57,  63,
+                                                             64, 65, 66, 95, 96, 130, 257, 520, 3000, 5000}) {
       std::vector<TypeParam> text(length, TypeParam{0x02});
       this->expectAnyFound(text, set);
       for (size_t at = 0; at < length && !set.empty(); at += 1 + length / 7) {
@@ -274,11 +277,11 @@ TYPED_TEST(Search, FindsMembersOfSetsOfEverySize) {
 
 TYPED_TEST(Search, TellsMembersFromAllOtherUnits) {
   std::mt19937 random(12);
-  for (const size_t setLength : {1, 2, 3, 4, 8, 12, 16, 40, 300}) {
+  for (const size_t setLength : std::initializer_list<size_t>{1, 2, 3, 4, 8, 12, 16, 40, 300}) {
     std::vector<TypeParam> set(setLength);
     for (auto& unit : set) unit = static_cast<TypeParam>(random());
     for (uint32_t unit = 0; unit <= static_cast<TypeParam>(-1); unit += sizeof(TypeParam) == 1 ? 1 : 7) {
-      for (const size_t length : {1, 20, 600}) {
+      for (const size_t length : std::initializer_list<size_t>{1, 20, 600}) {
         const std::vector<TypeParam> text(length, static_cast<TypeParam>(unit));
         const bool member = std::find(set.begin(), set.end(), text[0]) != set.end();
         ASSERT_EQ(indexOf(Api<TypeParam>::findCAny, text.data(), size(text), set.data(), size(set)),

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <initializer_list>
 #include <numeric>
 #include <vector>
 
@@ -54,7 +55,7 @@ TYPED_TEST(Primitives, CopyFromAnyAddressToAnyOther) {
 }
 
 TYPED_TEST(Primitives, MoveBetweenOverlappingBlocks) {
-  for (const size_t distance : {0, 1, 3, 8, 16, 50}) {
+  for (const size_t distance : std::initializer_list<size_t>{0, 1, 3, 8, 16, 50}) {
     std::vector<TypeParam> units(200);
     std::iota(units.begin(), units.end(), TypeParam{0});
     const std::vector<TypeParam> original = units;

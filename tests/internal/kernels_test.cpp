@@ -65,9 +65,10 @@ TYPED_TEST(Kernels, TwoWayFindsPeriodicPatterns) {
     const auto& period = periods[random() % periods.size()];
     std::vector<TypeParam> text = repeat(period, 60);
     std::vector<TypeParam> pattern = repeat(period, 1 + random() % 30);
-    for (unsigned flips = random() % 3; flips > 0; --flips) text[random() % text.size()] ^= 'a' ^ 'b';
+    for (auto flips = random() % 3; flips > 0; --flips) text[random() % text.size()] ^= 'a' ^ 'b';
     if (random() % 2) pattern[random() % pattern.size()] ^= 'a' ^ 'b';
-    if (random() % 2) std::copy(pattern.begin(), pattern.end(), text.begin() + random() % 30);
+    if (random() % 2)
+      std::copy(pattern.begin(), pattern.end(), text.begin() + static_cast<ptrdiff_t>(random() % 30));
     expectTwoWayFinds(text, pattern);
     ASSERT_FALSE(this->HasFatalFailure()) << "round " << round;
   }

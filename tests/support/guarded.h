@@ -4,38 +4,16 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
-
-#if defined(_WIN32)
-#include <windows.h>
-#else
-#include <sys/mman.h>
-#endif
 
 namespace ulk_test {
 
 class GuardedPages {
  public:
-  explicit GuardedPages(size_t size) : size_((size + kPage - 1) / kPage * kPage) {
-#if defined(_WIN32)
-    void* base = VirtualAlloc(nullptr, size_ + 2 * kPage, MEM_RESERVE, PAGE_NOACCESS);
-    begin_ = static_cast<char*>(base) + kPage;
-    if (!base || !VirtualAlloc(begin_, size_, MEM_COMMIT, PAGE_READWRITE)) std::abort();
-#else
-    void* base = mmap(nullptr, size_ + 2 * kPage, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    begin_ = static_cast<char*>(base) + kPage;
-    if (base == MAP_FAILED || mprotect(begin_, size_, PROT_READ | PROT_WRITE) != 0) std::abort();
-#endif
-  }
-  ~GuardedPages() {
-#if defined(_WIN32)
-    VirtualFree(begin_ - kPage, 0, MEM_RELEASE);
-#else
-    munmap(begin_ - kPage, size_ + 2 * kPage);
-#endif
-  }
+  // At least `size` bytes, a whole number of pages.
+  explicit GuardedPages(size_t size);
+  ~GuardedPages();
   GuardedPages(const GuardedPages&) = delete;
   GuardedPages& operator=(const GuardedPages&) = delete;
 
@@ -43,7 +21,6 @@ class GuardedPages {
   char* end() const { return begin_ + size_; }
 
  private:
-  static constexpr size_t kPage = 4096;
   size_t size_;
   char* begin_;
 };
