@@ -7,6 +7,10 @@ namespace ulk {
 
 namespace {
 
+// How far the rest of the program is followed. Every repeat asks, so without a bound compiling were quadratic.
+constexpr int32_t kMaxRestSteps = 64;
+constexpr int32_t kMaxRestNodes = 256;
+
 bool isRepeatableGroup(const RxNode& node) {
   return node.code == RX_CAPTURE || node.code == RX_GROUP || node.code == RX_OPTGROUP;
 }
@@ -26,13 +30,16 @@ int32_t afterNode(const RxNode* nodes, int32_t node) {
 
 bool FirstBytes::ofProgram(uint32_t options) {
   exitOptions = options;
-  return alternatives(0, numNodes_, kTopLevel, options);
+  before_ = Before::kStart;
+  const bool decided = alternatives(0, numNodes_, kTopLevel, options);
+  return decided && (boundarySteps == 0 || findBar(nodes_, 0, numNodes_, kTopLevel) < 0);
 }
 
 bool FirstBytes::alternatives(int32_t first, int32_t end, int32_t serial, uint32_t options) {
   for (;;) {
     const int32_t bar = findBar(nodes_, first, end, serial);
-    if (sequence(first, bar < 0 ? end : bar, options) != Way::kDecided) return false;
+    int32_t node = first;
+    if (sequence(node, end, options) != Way::kDecided) return false;
     if (bar < 0) return true;
     options = static_cast<uint32_t>(nodes_[bar].op2);
     leaveOptions(options);
@@ -45,8 +52,8 @@ bool FirstBytes::group(int32_t open, uint32_t options) {
   const RxNode& node = nodes_[open];
   if (depth_ >= kMaxNesting) return false;
   if (node.code == RX_OPTGROUP) options = static_cast<uint32_t>(node.op3);
-  // A repeatable group derives the match length anew when it fails; an atomic one puts it back.
-  const bool entersGroupOutside = entersGroup || node.code != RX_ATOMIC;
+  // A repeatable group derives the match length anew when it fails; others put it back.
+  const bool entersGroupOutside = entersGroup || isRepeatableGroup(node);
   ++depth_;
   const bool decided = alternatives(open + 1, open + node.op2 + 1, node.op1, options);
   --depth_;
@@ -54,30 +61,67 @@ bool FirstBytes::group(int32_t open, uint32_t options) {
   return decided;
 }
 
+// What a test of the position alone, not left out, leads to.
+FirstBytes::Way FirstBytes::assertion(int32_t kind) {
+  constexpr ByteSet256 kNewline{{1u << '\n'}};
+  switch (kind) {
+    case '$':
+    case 'Z': addAll(kNewline, set); [[fallthrough]];
+    case 'z':
+      atEnd = true;
+      noteItem(-1, 0);
+      return Way::kDecided;
+    case 'b':
+      if (before_ == Before::kWordByte) {
+        addShorthand('W', 0, set);
+        atEnd = true;
+        noteItem(-1, 0);
+        return Way::kDecided;
+      }
+      if (before_ != Before::kStart || depth_ > 0 || numItems_ > 0 || boundarySteps > 0) return Way::kUndecided;
+      boundarySteps = steps;
+      return Way::kOpen;
+    default: return Way::kUndecided;
+  }
+}
+
+void FirstBytes::noteItem(int32_t node, uint32_t options) {
+  item = ++numItems_ == 1 ? node : -1;
+  itemOptions = options;
+}
+
 // Adds what nodes[node, end) can begin with: optional items and groups, and the first that is required. Open when none
-// is; then the options are those at the end.
-FirstBytes::Way FirstBytes::sequence(int32_t node, int32_t end, uint32_t& options) {
+// is before the end or the end of the alternative that the node is in; then node and options are those there.
+FirstBytes::Way FirstBytes::sequence(int32_t& node, int32_t end, uint32_t& options) {
   const int32_t depth = depth_;
   Way way = Way::kOpen;
   while (node < end && way == Way::kOpen) {
     const RxNode& item = nodes_[node];
-    ++steps;
+    if (item.code == RX_ALT || item.code == RX_END) break;
+    if (++steps > maxSteps_) return Way::kUndecided;
     if (item.code == RX_OPTIONS) {
       options = static_cast<uint32_t>(item.op1);
       leaveOptions(options);
       ++node;
       continue;
     }
+    const int32_t next = afterNode(nodes_, node);
+    const RxNode* const quantifier = next < numNodes_ && isQuantifier(nodes_[next]) ? &nodes_[next] : nullptr;
+    if (item.code == RX_ASSERT) {
+      // One that may be left out is not tested.
+      if (!quantifier || quantifier->op1 > 0) way = assertion(item.op1);
+      node = next + (quantifier ? 1 : 0);
+      continue;
+    }
     const bool isGroup = isRepeatableGroup(item);
+    const bool isRun = item.code == RX_ATOMIC || (item.code == RX_LOOKAHEAD && !quantifier);
     way = Way::kUndecided;
     if (isByteItem(item)) {
       addFirstBytes(item, options, set);
-    } else if ((!isGroup && item.code != RX_ATOMIC) || !group(node, options)) {
+      noteItem(node, options);
+    } else if ((!isGroup && !isRun) || !group(node, options)) {
       break;
     }
-
-    const int32_t next = afterNode(nodes_, node);
-    const RxNode* const quantifier = next < numNodes_ && isQuantifier(nodes_[next]) ? &nodes_[next] : nullptr;
     if (!quantifier || quantifier->op1 > 0) {
       way = Way::kDecided;
     } else if (isGroup && quantifier->op2 > 0) {
@@ -88,32 +132,38 @@ FirstBytes::Way FirstBytes::sequence(int32_t node, int32_t end, uint32_t& option
     } else if (isByteItem(item) && quantifier->code == RX_REPEAT) {
       way = Way::kOpen;
     }
-    node = next + 1;
+    if (way == Way::kOpen) node = next + 1;
   }
   depth_ = depth;
   return way;
 }
 
-bool FirstBytes::ofRest(int32_t node, uint32_t options) {
+bool FirstBytes::ofRest(int32_t node, uint32_t options, bool afterWord) {
+  before_ = afterWord ? Before::kWordByte : Before::kUnknown;
   const uint32_t entryOptions = options;
   exitOptions = options;
+  maxSteps_ = kMaxRestSteps;
   for (;;) {
-    // The rest of the alternative that the node is in.
-    int32_t end = node;
-    while (end < numNodes_ && nodes_[end].code != RX_END && nodes_[end].code != RX_ALT) end = afterNode(nodes_, end);
-    const Way way = sequence(node, end, options);
-    if (way != Way::kOpen || end >= numNodes_) return way == Way::kDecided && exitOptions == entryOptions;
+    const Way way = sequence(node, numNodes_, options);
+    if (way != Way::kOpen) return way == Way::kDecided && exitOptions == entryOptions;
+    if (node >= numNodes_ || nodes_[node].op1 < 1) return false;
 
-    // Then the group's end, which at a bar is reached in the same step.
-    const int32_t serial = nodes_[end].op1;
-    if (serial < 1) return false;
-    while (nodes_[end].code != RX_END || nodes_[end].op1 != serial) ++end;
-    if (end + 1 < numNodes_ && isQuantifier(nodes_[end + 1])) return false;
-    ++steps;
+    // The group's end, which at a bar is reached in the same step.
+    const int32_t end = groupEnd(node);
+    if (end < 0 || (end + 1 < numNodes_ && isQuantifier(nodes_[end + 1]))) return false;
+    if (++steps > maxSteps_) return false;
     options = static_cast<uint32_t>(nodes_[end].op2);
     depth_ = 1;  // the group's end puts them back
     node = end + 1;
   }
+}
+
+// The end of the group that a bar or an end belongs to, -1 if it is far away.
+int32_t FirstBytes::groupEnd(int32_t node) const {
+  const int32_t serial = nodes_[node].op1;
+  for (int32_t i = node; i < numNodes_ && i < node + kMaxRestNodes; ++i)
+    if (nodes_[i].code == RX_END && nodes_[i].op1 == serial) return i;
+  return -1;
 }
 
 }  // namespace ulk

@@ -17,34 +17,39 @@ class FirstBytes {
   // From the start of the program, with all its top-level alternatives. False when no byte decides.
   bool ofProgram(uint32_t options);
 
-  // Forgets what has been found.
-  void restart() {
-    set = {};
-    steps = 0;
-    entersGroup = false;
-  }
-
   // From a node on, out of the groups that it is in as far as they are not repeated. False when no byte decides.
-  bool ofRest(int32_t node, uint32_t options);
+  // `afterWord`: the byte before is known to be a word byte.
+  bool ofRest(int32_t node, uint32_t options, bool afterWord);
 
   ByteSet256 set{};
-  int32_t steps = 0;         // that a failing attempt costs
-  bool entersGroup = false;  // it fails in a group, which leaves no surplus behind
-  uint32_t exitOptions = 0;  // in force when an attempt of the whole program has failed
+  bool atEnd = false;         // the text's end lets the program go on as well
+  int32_t steps = 0;          // that a failing attempt costs
+  int32_t boundarySteps = 0;  // that it costs where the \b fails with which the program begins, 0 if it does not
+  int32_t item = -1;          // the one item that must come first, -1 where there are several
+  uint32_t itemOptions = 0;   // in force at that item
+  bool entersGroup = false;   // it fails in a group, which leaves no surplus behind
+  uint32_t exitOptions = 0;   // in force when an attempt of the whole program has failed
 
  private:
   enum class Way { kDecided, kUndecided, kOpen };
+  enum class Before { kStart, kWordByte, kUnknown };
 
   bool alternatives(int32_t first, int32_t end, int32_t serial, uint32_t options);
-  Way sequence(int32_t node, int32_t end, uint32_t& options);
+  Way sequence(int32_t& node, int32_t end, uint32_t& options);
+  int32_t groupEnd(int32_t node) const;
+  Way assertion(int32_t kind);
   bool group(int32_t open, uint32_t options);
+  void noteItem(int32_t node, uint32_t options);
   void leaveOptions(uint32_t options) {
     if (depth_ == 0) exitOptions = options;
   }
 
   const RxNode* const nodes_;
   const int32_t numNodes_;
+  int32_t maxSteps_ = INT32_MAX;
   int32_t depth_ = 0;  // of groups, which put the options back when they fail
+  int32_t numItems_ = 0;
+  Before before_ = Before::kUnknown;
 };
 
 }  // namespace ulk
