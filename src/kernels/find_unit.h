@@ -24,8 +24,9 @@ ULK_INLINE int32_t scanForUnit(const Unit* text, int32_t length, Unit unit) {
   return scan<Direction>(text, static_cast<size_t>(length), probe);
 }
 
+// Not inlined: callers look at a few units themselves first, and rarely come here.
 template <class Direction, class Unit>
-ULK_INLINE int32_t scanForOther(const Unit* text, int32_t length, Unit unit) {
+__attribute__((noinline)) int32_t scanForOther(const Unit* text, int32_t length, Unit unit) {
   Except<UnitProbe<Unit>> probe{{text, Vec16<Unit>::splat(unit)}};
   return scan<Direction>(text, static_cast<size_t>(length), probe);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "kernels/find_any.h"
+#include "kernels/unit_lookup.h"
 
 namespace ulk {
 
@@ -25,46 +26,40 @@ ULK_INLINE Part trimmedPart(const Unit* text, int32_t length, Edge edge) {
   return {first, length - first};
 }
 
-// Most strings have short runs or none: the units at the edge are looked at one by one, `looks` of them,
-// before `scan` is set up for more.
+// Most strings have short runs or none, so a few units are looked at one by one before a scan is set up.
+inline constexpr int32_t kLooks = 4;
+
 template <class Direction, class Unit, class Removed, class Scan>
-ULK_INLINE int32_t findEdge(const Unit* text, int32_t length, int32_t looks, Removed removed, Scan scan) {
-  const auto place = [&](int32_t done) ULK_LAMBDA_INLINE {
-    return static_cast<int32_t>(Direction::place(static_cast<size_t>(length), static_cast<size_t>(done), 1));
-  };
-  for (int32_t done = 0; done < std::min(looks, length); ++done) {
-    if (!removed(loadUnit(text + place(done)))) return place(done);
+ULK_INLINE int32_t findEdge(const Unit* text, int32_t length, Removed removed, Scan scan) {
+  const int32_t looks = std::min(kLooks, length);
+  for (int32_t done = 0; done < looks; ++done) {
+    const size_t place = Direction::place(static_cast<size_t>(length), static_cast<size_t>(done), 1);
+    if (!removed(loadUnit(text + place))) return static_cast<int32_t>(place);
   }
   return scan();
 }
 
 template <class Unit>
-ULK_INLINE bool isMember(const Unit* set, int32_t setLength, Unit unit) {
-  if (setLength > 4) return findUnit(set, setLength, unit) >= 0;
-  for (int32_t i = 0; i < setLength; ++i) {
-    if (loadUnit(set + i) == unit) return true;
-  }
-  return false;
-}
-
-template <class Unit>
-Part trimUnit(const Unit* text, int32_t length, Unit unit) {
-  return trimmedPart<Ends::kBoth>(text, length, [=](auto direction, const Unit* from, int32_t count) {
-    using Direction = decltype(direction);
-    return findEdge<Direction>(
-        from, count, 1, [=](Unit other) { return other == unit; },
-        [=] { return scanForOther<Direction>(from, count, unit); });
-  });
+ULK_INLINE Part trimUnit(const Unit* text, int32_t length, Unit unit) {
+  return trimmedPart<Ends::kBoth>(
+      text, length, [=](auto direction, const Unit* from, int32_t count) ULK_LAMBDA_INLINE {
+        using Direction = decltype(direction);
+        return findEdge<Direction>(
+            from, count, [=](Unit other) ULK_LAMBDA_INLINE { return other == unit; },
+            [=]() ULK_LAMBDA_INLINE { return scanForOther<Direction>(from, count, unit); });
+      });
 }
 
 template <Ends ends, class Unit>
-Part trimSet(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
-  const int32_t looks = setLength <= kMostVectors ? 1 : 8;
-  return trimmedPart<ends>(text, length, [=](auto direction, const Unit* from, int32_t count) {
-    using Direction = decltype(direction);
-    return findEdge<Direction>(
-        from, count, looks, [=](Unit unit) { return isMember(set, setLength, unit); },
-        [=] { return scanForAny<Direction, Stop::kOther>(from, count, set, setLength); });
+ULK_INLINE Part trimSet(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
+  return withLookup(set, setLength, [=](const auto& lookup) ULK_LAMBDA_INLINE {
+    return trimmedPart<ends>(text, length,
+                             [&](auto direction, const Unit* from, int32_t count) ULK_LAMBDA_INLINE {
+                               using Direction = decltype(direction);
+                               return findEdge<Direction>(from, count, lookup, [=]() ULK_LAMBDA_INLINE {
+                                 return scanForAny<Direction, Stop::kOther>(from, count, set, setLength);
+                               });
+                             });
   });
 }
 

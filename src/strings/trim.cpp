@@ -3,16 +3,11 @@
 #include "kernels/trim.h"
 
 #include "frame/export.h"
-#include "frame/primitives.h"
+#include "kernels/copy_units.h"
 
 namespace {
 
 using namespace ulk;
-
-ULK_INLINE void copyUnits(const uint8_t* from, uint8_t* to, int32_t count) { ownCopy_8u(from, to, count); }
-ULK_INLINE void copyUnits(const uint16_t* from, uint16_t* to, int32_t count) { ownCopy_16u(from, to, count); }
-ULK_INLINE void moveUnits(const uint8_t* from, uint8_t* to, int32_t count) { ownMove_8u(from, to, count); }
-ULK_INLINE void moveUnits(const uint16_t* from, uint16_t* to, int32_t count) { ownMove_16u(from, to, count); }
 
 template <class Unit>
 ULK_INLINE ulkStatus trim(const Unit* source, int32_t length, Unit unit, Unit* destination,
