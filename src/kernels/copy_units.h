@@ -2,13 +2,12 @@
 // gains on them.
 #pragma once
 
-#include <functional>
-
 #include "frame/primitives.h"
 #include "kernels/scan.h"
 
 namespace ulk {
 
+// The longest copies that are made here.
 template <class Unit>
 inline constexpr int32_t kMostHere = 512 / sizeof(Unit);
 
@@ -68,12 +67,10 @@ ULK_INLINE void copyUnits(const Unit* source, Unit* destination, int32_t length)
   copyUpwards(source, destination, length);
 }
 
-// The same to a place that may overlap theirs.
+// The same to a place that begins below theirs and may overlap it.
 template <class Unit>
-ULK_INLINE void moveUnits(const Unit* source, Unit* destination, int32_t length) {
-  if (length > kMostHere<Unit> || std::less<const Unit*>()(source, destination)) {
-    return moveMany(source, destination, length);
-  }
+ULK_INLINE void moveUnitsDown(const Unit* source, Unit* destination, int32_t length) {
+  if (length > kMostHere<Unit>) return moveMany(source, destination, length);
   copyUpwards(source, destination, length);
 }
 

@@ -26,7 +26,7 @@ ULK_INLINE ulkStatus trimInPlace(Unit* string, int32_t* length, Unit unit) {
   if (*length < 0) return ulkErrLength;
   const Part kept = trimUnit(string, *length, unit);
   *length = kept.length;
-  if (kept.first != 0) moveUnits(string + kept.first, string, kept.length);
+  if (kept.first != 0) moveUnitsDown(string + kept.first, string, kept.length);
   return ulkOk;
 }
 
