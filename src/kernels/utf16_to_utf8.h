@@ -29,9 +29,10 @@ struct Utf16ToUtf8 {
   using Units = Vec16<uint16_t>;
   using Pairs = Vec16<uint32_t>;
 
-  static constexpr int32_t kSourceMargin =
-      16;  // a block of 8, one more of a pair that it cuts, 6 for 6 bytes
-  static constexpr int32_t kTargetMargin = 40;  // 8 units, 6 more bytes, and 3 where a character does not fit
+  // 8 units, or 9 where they cut a pair, and 6 more units for 6 more bytes.
+  static constexpr int32_t kSourceMargin = 16;
+  // The bytes of that, 6 more, and 3 that may be left when the next character does not fit.
+  static constexpr int32_t kTargetMargin = 40;
 
   // Takes the text whose blocks begin at `lastIn` and `lastOut` at the latest, a margin before the ends.
   // Works on a copy, which can stay in registers.

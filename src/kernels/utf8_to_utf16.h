@@ -31,7 +31,8 @@ struct Utf8ToUtf16 {
   using Bytes = Vec16<uint8_t>;
   using Units = Vec16<uint16_t>;
 
-  static constexpr int32_t kSourceMargin = 40;  // a block of 15, and 24 bytes give 8 units at least
+  // A block of 15 bytes, and 24 that give 8 units at least.
+  static constexpr int32_t kSourceMargin = 40;
   static constexpr int32_t kTargetMargin = 16;
 
   // Takes the text whose blocks begin at `lastIn` and `lastOut` at the latest, a margin before the ends.
@@ -41,13 +42,14 @@ struct Utf8ToUtf16 {
       while (lastIn - at.in >= 64 - kSourceMargin && lastOut - at.out >= 64 - kTargetMargin) {
         if (!at.takeAscii()) break;
       }
-      int32_t blocks = static_cast<int32_t>(std::min<ptrdiff_t>({lastIn - at.in, lastOut - at.out, 64}));
-      if (blocks < 0) break;
+      // Several blocks to one look at the ends: none takes more than 16 bytes, or gives more than 16 units.
+      ptrdiff_t safe = std::min<ptrdiff_t>({lastIn - at.in, lastOut - at.out, 64});
+      if (safe < 0) break;
       bool whole;
       do {
         whole = at.takeShort();
-        blocks -= 16;
-      } while (whole && blocks >= 0);
+        safe -= 16;
+      } while (whole && safe >= 0);
       if (whole) continue;
       do {
         if (!at.takeLong()) at = takeAny(at);

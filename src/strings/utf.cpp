@@ -1,5 +1,5 @@
-// The UTF conversions. Unlike every other family's, their exports check the pointers alone: lengths are used as
-// they come.
+// The UTF conversions. Unlike every other family's, their exports check the pointers alone: lengths are used
+// as they come.
 #include "frame/export.h"
 #include "kernels/utf16_to_utf8.h"
 #include "kernels/utf8_to_utf16.h"

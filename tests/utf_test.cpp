@@ -1,0 +1,482 @@
+// The UTF conversions against their rules: every code point, every kind of malformed text, every capacity,
+// and the edge of accessible memory on either side.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include "support/guarded.h"
+#include "support/reference_utf.h"
+#include "ulkch.h"
+
+namespace ulk_test {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+using Units = std::vector<uint16_t>;
+
+constexpr uint8_t kCanary = 0xA5;
+
+template <class Unit>
+int32_t size(const std::vector<Unit>& units) {
+  return static_cast<int32_t>(units.size());
+}
+
+template <class Unit>
+std::vector<Unit> operator+(std::vector<Unit> left, const std::vector<Unit>& right) {
+  left.insert(left.end(), right.begin(), right.end());
+  return left;
+}
+
+template <class Unit>
+std::vector<Unit> from(const std::vector<Unit>& units, size_t first) {
+  return {units.begin() + static_cast<ptrdiff_t>(first), units.end()};
+}
+
+template <class Unit>
+std::vector<Unit> upTo(const std::vector<Unit>& units, size_t end) {
+  return {units.begin(), units.begin() + static_cast<ptrdiff_t>(end)};
+}
+
+Units utf16(const std::vector<uint32_t>& values) {
+  Units units;
+  for (const uint32_t value : values) {
+    if (value > 0xFFFF) {
+      units.push_back(static_cast<uint16_t>(0xD800 + ((value - 0x10000) >> 10)));
+      units.push_back(static_cast<uint16_t>(0xDC00 + (value & 0x3FF)));
+    } else {
+      units.push_back(static_cast<uint16_t>(value));
+    }
+  }
+  return units;
+}
+
+Bytes utf8(const std::vector<uint32_t>& values) {
+  Bytes bytes;
+  for (const uint32_t value : values) {
+    const Bytes sequence = encodeWith(continuationsFor(value), value);
+    bytes.insert(bytes.end(), sequence.begin(), sequence.end());
+  }
+  return bytes;
+}
+
+// Memory full of canaries, whose end is the end of accessible memory.
+template <class Unit>
+class Target {
+ public:
+  explicit Target(size_t mostUnits) : pages_(mostUnits * sizeof(Unit) + 64) { clear(pages_.end()); }
+
+  // `room` units before the guard, or before `slack` more bytes.
+  Unit* withRoom(size_t room, size_t slack = 0) {
+    return static_cast<Unit*>(static_cast<void*>(pages_.end() - slack - room * sizeof(Unit)));
+  }
+
+  // True when `written` stands at `place` and nothing else was touched. Makes everything canaries again.
+  bool holdsOnly(const std::vector<Unit>& written, const Unit* place) {
+    const auto* bytes = static_cast<const char*>(static_cast<const void*>(place));
+    const size_t count = written.size() * sizeof(Unit);
+    bool right = count == 0 || std::memcmp(bytes, written.data(), count) == 0;
+    const char* low = bytes - kAround > pages_.begin() ? bytes - kAround : pages_.begin();
+    const char* high = pages_.end() - (bytes + count) > kAround ? bytes + count + kAround : pages_.end();
+    for (const char* at = low; at < high; ++at) {
+      if ((at < bytes || at >= bytes + count) && static_cast<uint8_t>(*at) != kCanary) right = false;
+    }
+    clear(high, low);
+    return right;
+  }
+
+ private:
+  static constexpr ptrdiff_t kAround = 256;
+  void clear(const char* end) { clear(end, pages_.begin()); }
+  void clear(const char* end, const char* begin) {
+    std::memset(pages_.begin() + (begin - pages_.begin()), kCanary, static_cast<size_t>(end - begin));
+  }
+
+  GuardedPages pages_;
+};
+
+class Random {
+ public:
+  explicit Random(uint32_t seed) : engine_(seed) {}
+  uint32_t bits() { return static_cast<uint32_t>(engine_()); }
+  uint32_t below(uint32_t limit) { return bits() % limit; }
+
+ private:
+  std::mt19937 engine_;
+};
+
+class Utf : public testing::Test {
+ protected:
+  static constexpr size_t kMost = 1 << 15;
+
+  // Converts `length` bytes of `memory`, whose last byte is the last that can be read, in every order of
+  // bytes. The target ends where memory does, unless the rules let the conversion pass its end.
+  void expectUtf16(const Bytes& memory, int32_t length, int32_t capacity, size_t slack = 0) {
+    const uint8_t* source = bytes_.endingAtGuard(memory);
+    for (const int32_t bigEndian : {0, 1}) {
+      Bytes endless = memory;
+      endless.resize(memory.size() + 8, 'x');
+      const Converted<uint16_t> expected = referenceToUtf16(endless, length, capacity, bigEndian != 0);
+      ASSERT_LE(static_cast<size_t>(expected.consumed), memory.size());
+      const size_t room = std::max(static_cast<size_t>(capacity), expected.units.size());
+      uint16_t* target = units_.withRoom(room, slack);
+      int32_t consumed = length;
+      int32_t written = capacity;
+      ASSERT_EQ(ulksConvertUTF_8u16u(source, &consumed, target, &written, bigEndian), ulkOk);
+      ASSERT_EQ(consumed, expected.consumed) << testing::PrintToString(memory) << " room " << capacity;
+      ASSERT_EQ(written, size(expected.units)) << testing::PrintToString(memory) << " room " << capacity;
+      ASSERT_TRUE(units_.holdsOnly(expected.units, target))
+          << testing::PrintToString(memory) << " room " << capacity;
+    }
+  }
+  void expectUtf16(const Bytes& source) { expectUtf16(source + Bytes{0}, size(source), size(source)); }
+
+  void expectUtf8(const Units& native, int32_t capacity, size_t offset = 0, size_t slack = 0) {
+    for (const int32_t bigEndian : {0, 1}) {
+      Units stored = native;
+      if (bigEndian != 0) {
+        for (uint16_t& unit : stored) unit = swapped(unit);
+      }
+      const uint16_t* source =
+          offset == 0 ? sources_.endingAtGuard(stored) : sources_.atOffset(stored, offset);
+      const Converted<uint8_t> expected = referenceToUtf8(stored, capacity, bigEndian != 0);
+      uint8_t* target = targets_.withRoom(static_cast<size_t>(capacity), slack);
+      int32_t consumed = size(stored);
+      int32_t written = capacity;
+      ASSERT_EQ(ulksConvertUTF_16u8u(source, &consumed, target, &written, bigEndian), ulkOk);
+      ASSERT_EQ(consumed, expected.consumed) << testing::PrintToString(native) << " room " << capacity;
+      ASSERT_EQ(written, size(expected.units)) << testing::PrintToString(native) << " room " << capacity;
+      ASSERT_TRUE(targets_.holdsOnly(expected.units, target))
+          << testing::PrintToString(native) << " room " << capacity;
+    }
+  }
+  void expectUtf8(const Units& native) { expectUtf8(native, 3 * size(native)); }
+
+  GuardedUnits<uint8_t> bytes_{kMost};
+  Target<uint16_t> units_{kMost};
+  GuardedUnits<uint16_t> sources_{kMost};
+  Target<uint8_t> targets_{3 * kMost};
+};
+
+// Texts that lead through every kind of block and from each to each other: runs of characters of one length.
+std::vector<std::vector<uint32_t>> texts() {
+  static constexpr uint32_t kAlphabets[][4] = {{'a', 0x7F, ' ', 0},
+                                               {0x80, 0xE9, 0x436, 0x7FF},
+                                               {0x800, 0x20AC, 0x4E2D, 0xFFFF},
+                                               {0x10000, 0x1F600, 0xFFFFF, 0x10FFFF},
+                                               {0xD800, 0xDBFF, 0xDFFF, 0xDC00}};
+  Random random(38);
+  std::vector<std::vector<uint32_t>> all;
+  for (const uint32_t longest : {1u, 2u, 5u, 9u, 20u, 40u, 90u}) {
+    for (int i = 0; i < 6; ++i) {
+      std::vector<uint32_t> text;
+      while (text.size() < 150) {
+        const auto& alphabet = kAlphabets[random.below(i < 4 ? 4 : 5)];
+        for (uint32_t run = random.below(longest) + 1; run > 0; --run)
+          text.push_back(alphabet[random.below(4)]);
+      }
+      all.push_back(text);
+    }
+  }
+  for (const auto& alphabet : kAlphabets) {
+    std::vector<uint32_t> text;
+    for (int i = 0; i < 150; ++i) text.push_back(alphabet[random.below(4)]);
+    all.push_back(text);
+  }
+  return all;
+}
+
+struct Example {
+  Bytes bytes;
+  Units units;
+  Units bigEndian;
+};
+
+TEST_F(Utf, Examples) {
+  const Example examples[] = {
+      {{0x41}, {0x0041}, {0x4100}},
+      {{0xE2, 0x82, 0xAC}, {0x20AC}, {0xAC00}},
+      {{0xC0, 0x80}, {0x00C0, 0x0080}, {0xC000, 0x8000}},
+      {{0x9F}, {0x009F}, {0x9F00}},
+      {{0xFE, 0xFF}, {0x00FE, 0x00FF}, {0xFE00, 0xFF00}},
+      {{0xED, 0xA0, 0xBD}, {0xD83D}, {0x3D00}},
+      {{0xF0, 0x9F, 0x98, 0x80}, {0xD83D, 0xDE00}, {0xDE00, 0xD83D}},
+      {{0xFD, 0xBF, 0xBF, 0xBF, 0xBF, 0xBF}, {0xDBBF, 0xDFFF}, {0xDFFF, 0xDBBF}},
+      {{0xF4, 0x90, 0x80, 0x80}, {0xD800, 0xDC00}, {0xDC00, 0xD800}},
+  };
+  for (const Example& example : examples) {
+    for (const int32_t bigEndian : {0, 1, 256, INT32_MIN}) {
+      const Bytes source = example.bytes + Bytes{0};
+      Units target(8);
+      int32_t consumed = size(example.bytes);
+      int32_t written = 8;
+      EXPECT_EQ(ulksConvertUTF_8u16u(source.data(), &consumed, target.data(), &written, bigEndian), ulkOk);
+      EXPECT_EQ(consumed, size(example.bytes));
+      EXPECT_EQ(upTo(target, static_cast<size_t>(written)),
+                bigEndian != 0 ? example.bigEndian : example.units);
+    }
+  }
+}
+
+TEST_F(Utf, EveryValueAlone) {
+  for (uint32_t value = 0; value <= 0x10FFFF; value += value < 0x11000 ? 1 : 0xFD) {
+    expectUtf16(utf8({value}));
+    expectUtf8(utf16({value}));
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST_F(Utf, EveryValueAmongOthers) {
+  // In order, so that neighbours have one length; then each between short ones.
+  for (const bool separated : {false, true}) {
+    std::vector<uint32_t> values;
+    for (uint32_t value = 0; value <= 0x10FFFF; value += separated ? 5 : 1) {
+      values.push_back(value);
+      if (separated) values.insert(values.end(), value % 3, value % 2 == 0 ? 'a' : 0xE9);
+      if (values.size() >= 1800 || value >= 0x10FFFB) {
+        expectUtf16(utf8(values));
+        expectUtf8(utf16(values));
+        if (HasFatalFailure()) return;
+        values.clear();
+      }
+    }
+  }
+}
+
+TEST_F(Utf, ValuesBeyondUnicode) {
+  for (uint32_t value = 0x110000; value < 0x80000000; value += value / 61 + 1) {
+    expectUtf16(utf8({value}));
+    expectUtf16(utf8({'a', value, 0xE9, value + 1, 0x20AC, 0x7FFFFFFF, 0x3FFFFFF, 0x4000000}));
+    if (HasFatalFailure()) return;
+  }
+}
+
+// Every value at an edge between two lengths, in every length, cut short or with a byte replaced at every
+// place; alone and where blocks are taken.
+TEST_F(Utf, MalformedSequences) {
+  std::vector<Bytes> shapes;
+  for (int k = 1; k <= 5; ++k) {
+    for (const SequenceForm& form : kForms) {
+      for (const uint32_t value : {form.largest, form.largest / 2, form.largest + 1, 0u}) {
+        if (value > kForms[k].largest) continue;
+        const Bytes sequence = encodeWith(k, value);
+        shapes.push_back(sequence);
+        for (size_t cut = 1; cut < sequence.size(); ++cut) {
+          shapes.push_back(upTo(sequence, cut));
+          for (const uint8_t wrong : Bytes{0x00, 0x41, 0x7F, 0xC0, 0xC2, 0xE0, 0xF0, 0xFF}) {
+            shapes.push_back(sequence);
+            shapes.back()[cut] = wrong;
+          }
+        }
+      }
+    }
+  }
+  const Bytes tails[] = {Bytes(70, 'z'), utf8(std::vector<uint32_t>(35, 0x436)),
+                         utf8(std::vector<uint32_t>(25, 0x4E2D)), Bytes(70, 0x9F)};
+  for (const Bytes& shape : shapes) {
+    expectUtf16(shape);
+    for (size_t i = 0; i < std::size(tails); ++i) {
+      expectUtf16(upTo(tails[i], shape.size() + 2 * i) + shape + tails[(i + 1) % std::size(tails)]);
+      expectUtf16(Bytes(13, 'q') + shape + tails[i]);
+    }
+    if (HasFatalFailure()) return;
+  }
+}
+
+// All texts of three bytes of every role, at every place of a block.
+TEST_F(Utf, EveryMixtureOfRoles) {
+  const Bytes roles = {0x00, 0x7F, 0x80, 0x9F, 0xA0, 0xBF, 0xC0, 0xC1, 0xC2, 0xDF, 0xE0, 0xE1,
+                       0xED, 0xEF, 0xF0, 0xF4, 0xF7, 0xF8, 0xFB, 0xFC, 0xFD, 0xFE, 0xFF};
+  size_t place = 0;
+  for (const uint8_t a : roles) {
+    for (const uint8_t b : roles) {
+      for (const uint8_t c : roles) {
+        expectUtf16({a, b, c});
+        expectUtf16(Bytes(place++ % 17, 'x') + Bytes{a, b, c} + Bytes(45, 'y'));
+        if (HasFatalFailure()) return;
+      }
+    }
+  }
+}
+
+TEST_F(Utf, RandomBytes) {
+  Random random(39);
+  for (int i = 0; i < 3000; ++i) {
+    // From one sequence to the next: well formed, or any bytes of a few kinds.
+    Bytes text;
+    const uint32_t disorder = random.below(5);
+    while (text.size() < 120) {
+      if (random.below(5) >= disorder) {
+        text = text + utf8({random.bits() >> (random.below(27) + 5)});
+      } else {
+        text.push_back(
+            static_cast<uint8_t>(random.below(3) == 0 ? 0x80 + random.below(0x40) : random.below(0x100)));
+      }
+    }
+    expectUtf16(text);
+    if (HasFatalFailure()) return;
+  }
+}
+
+// All texts of four units of every role, at the end and at every place of a block.
+TEST_F(Utf, UnpairedSurrogates) {
+  const Units roles = {0x41, 0xE9, 0x4E2D, 0xD7FF, 0xD800, 0xDBFF, 0xDC00, 0xDFFF, 0xE000};
+  size_t place = 0;
+  for (size_t i = 0; i < 9 * 9 * 9 * 9; ++i) {
+    const Units text = {roles[i % 9], roles[i / 9 % 9], roles[i / 81 % 9], roles[i / 729]};
+    expectUtf8(text);
+    expectUtf8(Units(place % 17, 'x') + text + Units(20, place % 2 == 0 ? 'y' : 0x436));
+    ++place;
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST_F(Utf, EveryCapacity) {
+  for (const std::vector<uint32_t>& text : texts()) {
+    const Bytes bytes = utf8(text);
+    const Units units = utf16(text);
+    for (int32_t capacity = 0; capacity <= size(units) + 3; ++capacity) {
+      expectUtf16(bytes, size(bytes), capacity);
+      expectUtf8(units, capacity);
+      if (HasFatalFailure()) return;
+    }
+    for (int32_t capacity = size(units) + 4; capacity <= size(bytes) + 2; ++capacity) {
+      expectUtf8(units, capacity);
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
+TEST_F(Utf, EveryLength) {
+  for (const std::vector<uint32_t>& text : texts()) {
+    const Bytes bytes = utf8(text);
+    const Units units = utf16(text);
+    // Cut within a sequence as well: only the zero byte after the text may be looked at.
+    for (size_t length = 0; length <= 130; ++length) {
+      expectUtf16(upTo(bytes, length));
+      expectUtf8(upTo(units, length));
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
+// Neither side needs an alignment, not even that of a 16-bit unit.
+TEST_F(Utf, EveryAlignment) {
+  const std::vector<std::vector<uint32_t>> all = texts();
+  for (size_t i = 0; i < all.size(); i += 5) {
+    const Bytes bytes = utf8(all[i]);
+    const Units units = utf16(all[i]);
+    for (size_t offset = 0; offset < 64; ++offset) {
+      expectUtf16(bytes + Bytes(offset + 1, 0), size(bytes), size(units), 63 - offset);
+      expectUtf8(units, size(bytes), offset, 63 - offset);
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
+// A room of any size may be claimed as long as what is written has its place.
+TEST_F(Utf, RoomWithoutLimit) {
+  for (const std::vector<uint32_t>& text : texts()) {
+    const Bytes bytes = utf8(text);
+    const Units units = utf16(text);
+    Units wide(units.size());
+    Bytes narrow(bytes.size());
+    int32_t consumed = size(bytes);
+    int32_t written = INT32_MAX;
+    ASSERT_EQ(ulksConvertUTF_8u16u(bytes.data(), &consumed, wide.data(), &written, 0), ulkOk);
+    EXPECT_EQ(written, size(units));
+    consumed = size(units);
+    written = INT32_MAX;
+    ASSERT_EQ(ulksConvertUTF_16u8u(units.data(), &consumed, narrow.data(), &written, 0), ulkOk);
+    EXPECT_EQ(written, referenceToUtf8(units, INT32_MAX, false).units.size());
+  }
+}
+
+struct Overrun {
+  Bytes memory;
+  int32_t length;
+  int32_t capacity;
+  int32_t consumed;
+  int32_t written;
+};
+
+// The conversion ends at exactly no source or exactly no room, and passes both where a sequence does.
+TEST_F(Utf, PassesTheEndsWhereASequenceDoes) {
+  const Overrun cases[] = {
+      // One unit of room and a pair.
+      {{0xF0, 0x9F, 0x98, 0x80}, 4, 1, 4, 2},
+      {{0x41, 0xF0, 0x9F, 0x98, 0x80}, 5, 1, 1, 1},
+      {{0x41, 0xF0, 0x9F, 0x98, 0x80, 0x42, 0x43}, 7, 2, 7, 5},
+      // The last sequence is completed by what lies behind the source; there is room for one unit only.
+      {{0xE2, 0x82, 0xAC}, 1, 1, 3, 1},
+      // With more room, the conversion goes on there.
+      {{0xE2, 0x82, 0xAC, 0x41, 0x42, 0x43}, 2, 3, 5, 3},
+      {{0x41, 0xC3, 0xA9, 0x42}, 2, 3, 4, 3},
+      {{0x41, 0x42, 0xE2, 0x82, 0xAC, 0x43, 0x44}, 3, 5, 7, 5},
+      // Room for fewer units than the source has bytes, and for more.
+      {{0xFC, 0x84, 0x80, 0x80, 0x80, 0x80, 0x41, 0x42}, 4, 4, 8, 4},
+      {{0x41, 0x42, 0x43, 0xFC, 0x84, 0x80, 0x80, 0x80, 0x80, 0x41, 0x42}, 4, 7, 11, 7},
+      // Both at once: nothing but the other end would stop it, and that is passed as well, so it is not
+      // tried.
+  };
+  for (const Overrun& c : cases) {
+    const Converted<uint16_t> reference =
+        referenceToUtf16(c.memory + Bytes(8, 0), c.length, c.capacity, false);
+    EXPECT_EQ(reference.consumed, c.consumed);
+    EXPECT_EQ(size(reference.units), c.written);
+    expectUtf16(c.memory, c.length, c.capacity);
+    // The same after as much text as is taken in blocks.
+    expectUtf16(Bytes(200, 'x') + c.memory, c.length + 200, c.capacity + 200);
+    const Bytes cyrillic = utf8(std::vector<uint32_t>(100, 0x436));
+    expectUtf16(cyrillic + c.memory, c.length + 200, c.capacity + 100);
+    ASSERT_FALSE(HasFatalFailure()) << testing::PrintToString(c.memory);
+  }
+}
+
+// A source that ends inside a sequence is read up to the first byte that does not continue it.
+TEST_F(Utf, ReadsNoFurtherThanTheSequence) {
+  for (int k = 1; k <= 5; ++k) {
+    const Bytes sequence = encodeWith(k, kForms[k].largest);
+    for (size_t cut = 1; cut < sequence.size(); ++cut) {
+      expectUtf16(upTo(sequence, cut) + Bytes{'a'}, static_cast<int32_t>(cut), 10);
+      expectUtf16(Bytes(64, 'x') + upTo(sequence, cut) + Bytes{0xFF}, static_cast<int32_t>(64 + cut), 100);
+      expectUtf16(sequence, static_cast<int32_t>(cut), sequence.size() > 3 ? 2 : 1);
+      ASSERT_FALSE(HasFatalFailure());
+    }
+  }
+}
+
+TEST_F(Utf, EmptySourceOrNoRoom) {
+  expectUtf16({}, 0, 5);
+  expectUtf16({}, 0, 0);
+  expectUtf16({'a'}, 1, 0);
+  expectUtf8({}, 5);
+  expectUtf8({}, 0);
+  expectUtf8({'a'}, 0);
+}
+
+TEST(UtfArguments, NullPointers) {
+  uint8_t bytes[] = {'a', 'b'};
+  uint16_t units[] = {'a', 'b'};
+  for (int null = 0; null < 4; ++null) {
+    int32_t sourceLength = 2;
+    int32_t targetLength = 2;
+    int32_t* const pSourceLength = null == 1 ? nullptr : &sourceLength;
+    int32_t* const pTargetLength = null == 3 ? nullptr : &targetLength;
+    EXPECT_EQ(ulksConvertUTF_8u16u(null == 0 ? nullptr : bytes, pSourceLength, null == 2 ? nullptr : units,
+                                   pTargetLength, 0),
+              ulkErrNullPtr);
+    EXPECT_EQ(ulksConvertUTF_16u8u(null == 0 ? nullptr : units, pSourceLength, null == 2 ? nullptr : bytes,
+                                   pTargetLength, 0),
+              ulkErrNullPtr);
+    EXPECT_EQ(sourceLength, 2);
+    EXPECT_EQ(targetLength, 2);
+    EXPECT_EQ(bytes[0], 'a');
+    EXPECT_EQ(units[0], 'a');
+  }
+}
+
+}  // namespace
+}  // namespace ulk_test
