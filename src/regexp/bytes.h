@@ -28,7 +28,8 @@ inline constexpr std::array<uint8_t, 256> kByteSets = [] {
   for (int c = 0; c < 256; ++c) {
     const bool digit = c >= '0' && c <= '9';
     const bool word = digit || isAsciiLetter(c) || c == '_';
-    const bool space = c == 9 || c == 10 || c == 12 || c == 13 || c == 32;  // the vertical tab, 11, is not white space
+    const bool space =
+        c == 9 || c == 10 || c == 12 || c == 13 || c == 32;  // the vertical tab, 11, is not white space
     sets[static_cast<size_t>(c)] =
         static_cast<uint8_t>((digit ? kDigit : kNotDigit) | (word ? kWord : kNotWord) |
                              (space ? kSpace : kNotSpace) | (c != 10 ? kNotNewline : 0) | kAnyByte);
@@ -39,14 +40,22 @@ inline constexpr std::array<uint8_t, 256> kByteSets = [] {
 // The set of a shorthand letter; 0, which no byte is in, for any other letter.
 inline constexpr uint8_t byteSetOf(int32_t letter, uint32_t options) {
   switch (letter) {
-    case 'd': return kDigit;
-    case 'D': return kNotDigit;
-    case 'w': return kWord;
-    case 'W': return kNotWord;
-    case 's': return kSpace;
-    case 'S': return kNotSpace;
-    case '.': return options & RX_OPT_DOTALL ? kAnyByte : kNotNewline;
-    default: return 0;
+    case 'd':
+      return kDigit;
+    case 'D':
+      return kNotDigit;
+    case 'w':
+      return kWord;
+    case 'W':
+      return kNotWord;
+    case 's':
+      return kSpace;
+    case 'S':
+      return kNotSpace;
+    case '.':
+      return options & RX_OPT_DOTALL ? kAnyByte : kNotNewline;
+    default:
+      return 0;
   }
 }
 
@@ -64,8 +73,8 @@ inline bool sameBytes(const uint8_t* pattern, const uint8_t* text, int32_t lengt
   return true;
 }
 
-// A value that is not negative exactly for the bytes of \w. Two values of opposite sign make a word boundary; \B asks
-// for more than the sign, which is why this is a number.
+// A value that is not negative exactly for the bytes of \w. Two values of opposite sign make a word boundary;
+// \B asks for more than the sign, which is why this is a number.
 inline constexpr int32_t wordValue(uint8_t byte) {
   const int32_t c = byte;
   return ((c - '0') | ('9' - c)) & ((c - 'A') | ('Z' - c)) & ((c - 'a') | ('z' - c)) & -(c ^ 0x5F);

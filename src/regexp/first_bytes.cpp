@@ -7,7 +7,8 @@ namespace ulk {
 
 namespace {
 
-// How far the rest of the program is followed. Every repeat asks, so without a bound compiling were quadratic.
+// How far the rest of the program is followed. Every repeat asks, so without a bound compiling were
+// quadratic.
 constexpr int32_t kMaxRestSteps = 64;
 constexpr int32_t kMaxRestNodes = 256;
 
@@ -66,7 +67,9 @@ FirstBytes::Way FirstBytes::assertion(int32_t kind) {
   constexpr ByteSet256 kNewline{{1u << '\n'}};
   switch (kind) {
     case '$':
-    case 'Z': addAll(kNewline, set); [[fallthrough]];
+    case 'Z':
+      addAll(kNewline, set);
+      [[fallthrough]];
     case 'z':
       atEnd = true;
       noteItem(-1, 0);
@@ -78,20 +81,23 @@ FirstBytes::Way FirstBytes::assertion(int32_t kind) {
         noteItem(-1, 0);
         return Way::kDecided;
       }
-      if (before_ != Before::kStart || depth_ > 0 || numItems_ > 0 || boundarySteps > 0) return Way::kUndecided;
+      if (before_ != Before::kStart || depth_ > 0 || numItems_ > 0 || boundarySteps > 0)
+        return Way::kUndecided;
       boundarySteps = steps;
       return Way::kOpen;
-    default: return Way::kUndecided;
+    default:
+      return Way::kUndecided;
   }
 }
 
 void FirstBytes::noteItem(int32_t node, uint32_t options) {
-  item = ++numItems_ == 1 ? node : -1;
+  soleItem = ++numItems_ == 1 ? node : -1;
   itemOptions = options;
 }
 
-// Adds what nodes[node, end) can begin with: optional items and groups, and the first that is required. Open when none
-// is before the end or the end of the alternative that the node is in; then node and options are those there.
+// Adds what nodes[node, end) can begin with: optional items and groups, and the first that is required. Open
+// when none is before the end or the end of the alternative that the node is in; then node and options are
+// those there.
 FirstBytes::Way FirstBytes::sequence(int32_t& node, int32_t end, uint32_t& options) {
   const int32_t depth = depth_;
   Way way = Way::kOpen;
@@ -125,7 +131,8 @@ FirstBytes::Way FirstBytes::sequence(int32_t& node, int32_t end, uint32_t& optio
     if (!quantifier || quantifier->op1 > 0) {
       way = Way::kDecided;
     } else if (isGroup && quantifier->op2 > 0) {
-      // A group that matches no times is left with the options outside it, and puts them back when that fails.
+      // A group that matches no times is left with the options outside it, and puts them back when that
+      // fails.
       options = static_cast<uint32_t>(nodes_[next - 1].op2);
       ++depth_;
       way = Way::kOpen;

@@ -1,4 +1,5 @@
-// What can come next: the bytes that let the program go on from a node, and what it costs to try without them.
+// What can come next: the bytes that let the program go on from a node, and what it costs to try without
+// them.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +9,9 @@
 
 namespace ulk {
 
-// Follows the program to the items that must match next. Where every way of going on begins with an item that a single
-// byte decides about, an attempt at any other byte fails after a number of steps that the program alone decides.
+// Follows the program to the items that must match next. Where every way of going on begins with an item that
+// a single byte decides about, an attempt at any other byte fails after a number of steps that the program
+// alone decides.
 class FirstBytes {
  public:
   explicit FirstBytes(const ulkRegExpState& state) : nodes_(state.nodes()), numNodes_(state.numNodes) {}
@@ -17,18 +19,19 @@ class FirstBytes {
   // From the start of the program, with all its top-level alternatives. False when no byte decides.
   bool ofProgram(uint32_t options);
 
-  // From a node on, out of the groups that it is in as far as they are not repeated. False when no byte decides.
-  // `afterWord`: the byte before is known to be a word byte.
+  // From a node on, out of the groups that it is in as far as they are not repeated. False when no byte
+  // decides. `afterWord`: the byte before is known to be a word byte.
   bool ofRest(int32_t node, uint32_t options, bool afterWord);
 
   ByteSet256 set{};
-  bool atEnd = false;         // the text's end lets the program go on as well
-  int32_t steps = 0;          // that a failing attempt costs
-  int32_t boundarySteps = 0;  // that it costs where the \b fails with which the program begins, 0 if it does not
-  int32_t item = -1;          // the one item that must come first, -1 where there are several
-  uint32_t itemOptions = 0;   // in force at that item
-  bool entersGroup = false;   // it fails in a group, which leaves no surplus behind
-  uint32_t exitOptions = 0;   // in force when an attempt of the whole program has failed
+  bool atEnd = false;  // the text's end lets the program go on as well
+  int32_t steps = 0;   // that a failing attempt costs
+  int32_t boundarySteps =
+      0;                  // that it costs where the \b fails with which the program begins, 0 if it does not
+  int32_t soleItem = -1;  // the one item that must come first, -1 where there are several
+  uint32_t itemOptions = 0;  // in force at that item
+  bool entersGroup = false;  // it fails in a group, which leaves no surplus behind
+  uint32_t exitOptions = 0;  // in force when an attempt of the whole program has failed
 
  private:
   enum class Way { kDecided, kUndecided, kOpen };
@@ -44,8 +47,8 @@ class FirstBytes {
     if (depth_ == 0) exitOptions = options;
   }
 
-  const RxNode* const nodes_;
-  const int32_t numNodes_;
+  const RxNode* nodes_;
+  int32_t numNodes_;
   int32_t maxSteps_ = INT32_MAX;
   int32_t depth_ = 0;  // of groups, which put the options back when they fail
   int32_t numItems_ = 0;

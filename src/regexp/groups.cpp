@@ -1,10 +1,10 @@
 // Groups that can be repeated: capturing, plain and option groups, and conditionals.
 //
-// A group's frame counts its iterations. The group-open step starts the count and runs the body; when the body reaches
-// the group's RX_END, the group-end step counts the iteration and either leaves the group or runs the body again. Each
-// of the two steps leaves one choice that remembers the frame, the capture slot and the options as the step found them:
-// when everything the step can do has failed, all of them are put back, so that the choices made before find the group
-// as they left it.
+// A group's frame counts its iterations. The group-open step starts the count and runs the body; when the
+// body reaches the group's RX_END, the group-end step counts the iteration and either leaves the group or
+// runs the body again. Each of the two steps leaves one choice that remembers the frame, the capture slot and
+// the options as the step found them: when everything the step can do has failed, all of them are put back,
+// so that the choices made before find the group as they left it.
 #include "regexp/matcher.h"
 
 namespace ulk {
@@ -147,8 +147,8 @@ Next retryLazyLeave(MatchContext& m, Choice& choice) {
   return enterBody(m, group, choice);
 }
 
-// Takes the branch that the condition chooses. Without a second branch, a condition that does not hold passes over the
-// group, whose end is not reached.
+// Takes the branch that the condition chooses. Without a second branch, a condition that does not hold passes
+// over the group, whose end is not reached.
 Next branch(MatchContext& m, Choice& choice, bool conditionHolds) {
   const Group group = groupAt(m, choice.node);
   const RxNode& condition = m.nodes[group.body];
@@ -188,13 +188,14 @@ Next retryAlternative(MatchContext& m, Choice& choice) {
   return leave(m, group);
 }
 
-// Nothing more can be tried. When a further iteration of a group whose body is one repeat of one character has failed,
-// what is left of the earlier iterations' choices may be followed by one more iteration only: trying all divisions of
-// the text into iterations would take exponential time.
+// Nothing more can be tried. When a further iteration of a group whose body is one repeat of one character
+// has failed, what is left of the earlier iterations' choices may be followed by one more iteration only:
+// trying all divisions of the text into iterations would take exponential time.
 Next retryLeft(MatchContext& m, Choice& choice) {
   const RxNode& open = m.nodes[choice.node];
   const int32_t end = choice.node + open.op2 + 1;
-  const bool prune = choice.further && choice.group.alternative == end && m.nodes[end].op3 == kRepeatMarkRepeated;
+  const bool prune =
+      choice.further && choice.group.alternative == end && m.nodes[end].op3 == kRepeatMarkRepeated;
   failGroup(m, choice);
   if (prune) m.frames[open.op1].group.maxLeft = 2;
   return Next::kFail;

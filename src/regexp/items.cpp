@@ -58,22 +58,30 @@ bool codePointAccepts(const RxNode& node, int32_t codePoint, uint32_t options) {
 
 bool propertyAccepts(const RxNode& node, int32_t codePoint) {
   switch (node.code) {
-    case RX_CATEGORY: return acceptsCategory(codePoint, static_cast<uint32_t>(node.op1), node.op2 != 0);
-    case RX_UNIRANGE: return (node.op1 <= codePoint && codePoint <= node.op2) != (node.op3 != 0);
+    case RX_CATEGORY:
+      return acceptsCategory(codePoint, static_cast<uint32_t>(node.op1), node.op2 != 0);
+    case RX_UNIRANGE:
+      return (node.op1 <= codePoint && codePoint <= node.op2) != (node.op3 != 0);
     case RX_SCRIPT:
       return inRanges(codePoint, static_cast<const CodePointRange*>(node.text), node.op3) != (node.op2 != 0);
-    default: return false;
+    default:
+      return false;
   }
 }
 
 bool memberAccepts(const RxNode& member, Utf8Char character, uint8_t byte, uint32_t options) {
   const int32_t byteOrCodePoint = character.length == 1 ? byte : character.value;
   switch (member.code) {
-    case RX_CHAR: return sameByte(member.op1, byteOrCodePoint, options) != (member.op3 != 0);
-    case RX_RANGE: return rangeAccepts(member, character, byte, options) != (member.op3 != 0);
-    case RX_CHARTYPE: return inByteSet(byte, byteSetOf(member.op1, options)) != (member.op3 != 0);
-    case RX_CODEPOINT: return codePointAccepts(member, character.value, options) != (member.op3 != 0);
-    default: return propertyAccepts(member, character.value);
+    case RX_CHAR:
+      return sameByte(member.op1, byteOrCodePoint, options) != (member.op3 != 0);
+    case RX_RANGE:
+      return rangeAccepts(member, character, byte, options) != (member.op3 != 0);
+    case RX_CHARTYPE:
+      return inByteSet(byte, byteSetOf(member.op1, options)) != (member.op3 != 0);
+    case RX_CODEPOINT:
+      return codePointAccepts(member, character.value, options) != (member.op3 != 0);
+    default:
+      return propertyAccepts(member, character.value);
   }
 }
 
@@ -87,17 +95,24 @@ bool classAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32
 int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at) {
   if (at >= m.textEnd) return kNoMatch;
   switch (item.code) {
-    case RX_CHAR: return sameByte(item.op1, *at, m.options) ? 1 : kNoMatch;
-    case RX_BYTE: return 1;
-    case RX_BACKREF: return backrefLength(m, item, at);
-    case RX_CLASS: return classLength(item, at, m.options);
-    case RX_CHARTYPE: return charTypeLength(item, at, m.options);
-    case RX_XSEQ: return sequenceLength(m, at);
+    case RX_CHAR:
+      return sameByte(item.op1, *at, m.options) ? 1 : kNoMatch;
+    case RX_BYTE:
+      return 1;
+    case RX_BACKREF:
+      return backrefLength(m, item, at);
+    case RX_CLASS:
+      return classLength(item, at, m.options);
+    case RX_CHARTYPE:
+      return charTypeLength(item, at, m.options);
+    case RX_XSEQ:
+      return sequenceLength(m, at);
     case RX_STRING: {
       if (item.op2 > m.textEnd - at) return kNoMatch;
       const auto* text = static_cast<const uint8_t*>(item.text);
-      const bool same = m.options & RX_OPT_CASELESS ? sameBytes(text, at, item.op2, m.options)
-                                                     : std::memcmp(text, at, static_cast<size_t>(item.op2)) == 0;
+      const bool same = m.options & RX_OPT_CASELESS
+                            ? sameBytes(text, at, item.op2, m.options)
+                            : std::memcmp(text, at, static_cast<size_t>(item.op2)) == 0;
       return same ? item.op2 : kNoMatch;
     }
     case RX_CODEPOINT: {

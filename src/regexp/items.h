@@ -1,4 +1,5 @@
-// Items: the nodes that consume text, each tested at one position. Steps and repeats are written once over them.
+// Items: the nodes that consume text, each tested at one position. Steps and repeats are written once over
+// them.
 #pragma once
 
 #include <cstdint>
@@ -11,8 +12,8 @@ namespace ulk {
 
 inline constexpr int32_t kNoMatch = -1;
 
-// How many bytes the item matches at `at`, kNoMatch if it does not. Never matches at the end of the text; may read on
-// inside a UTF-8 sequence that the text's end cuts.
+// How many bytes the item matches at `at`, kNoMatch if it does not. Never matches at the end of the text; may
+// read on inside a UTF-8 sequence that the text's end cuts.
 int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at);
 
 // The set of single bytes that the class accepts, null if it has none for these options.

@@ -9,9 +9,10 @@ namespace ulk {
 
 namespace {
 
-// Choices that a search starts with, on the stack of every call, and the most that it can have. Each step leaves at
-// most one choice, but for conditions in lookarounds, which nest at most as deep as groups do. So a search at the
-// default limit never comes to the end of them; one with a higher limit that does is out of budget.
+// Choices that a search starts with, on the stack of every call, and the most that it can have. Each step
+// leaves at most one choice, but for conditions in lookarounds, which nest at most as deep as groups do. So a
+// search at the default limit never comes to the end of them; one with a higher limit that does is out of
+// budget.
 constexpr int32_t kShallowChoices = 64;
 constexpr int32_t kDeepChoices = kDefaultMatchLimit + kMaxSerial;
 constexpr int32_t kMargin = 4;  // a step or a retry leaves fewer
@@ -25,23 +26,33 @@ bool atLineStart(const MatchContext& m) { return m.at == m.textStart || m.at[-1]
 
 bool atFinalNewline(const MatchContext& m) { return m.remaining() == 1 && *m.at == '\n'; }
 
-// The byte after the position is read also at the end of the text: there it is the terminator of a text that has one.
+// The byte after the position is read also at the end of the text: there it is the terminator of a text that
+// has one.
 int32_t wordChange(const MatchContext& m) { return wordValue(byteBefore(m)) ^ wordValue(*m.at); }
 
 bool assertionHolds(const MatchContext& m, int32_t assertion) {
   const bool multiline = m.options & RX_OPT_MULTILINE;
   const bool atEnd = m.at == m.textEnd;
   switch (assertion) {
-    case '^': return m.at == m.textStart || (multiline && !atEnd && m.at[-1] == '\n');
-    case '$': return atEnd || (multiline ? *m.at == '\n' : atFinalNewline(m));
+    case '^':
+      return m.at == m.textStart || (multiline && !atEnd && m.at[-1] == '\n');
+    case '$':
+      return atEnd || (multiline ? *m.at == '\n' : atFinalNewline(m));
     case 'A':
-    case 'G': return m.at == m.textStart;
-    case 'Z': return atEnd || atFinalNewline(m);
-    case 'z': return atEnd;
-    case 'b': return wordChange(m) < 0;
-    case 'B': return wordChange(m) >= -1;  // -1 is a boundary for both
-    case kLeadingDotStar: return atLineStart(m);
-    default: return false;
+    case 'G':
+      return m.at == m.textStart;
+    case 'Z':
+      return atEnd || atFinalNewline(m);
+    case 'z':
+      return atEnd;
+    case 'b':
+      return wordChange(m) < 0;
+    case 'B':
+      return wordChange(m) >= -1;  // -1 is a boundary for both
+    case kLeadingDotStar:
+      return atLineStart(m);
+    default:
+      return false;
   }
 }
 
@@ -83,21 +94,31 @@ Next step(MatchContext& m) {
     case RX_CATEGORY:
     case RX_UNIRANGE:
     case RX_SCRIPT:
-    case RX_XSEQ: return stepItem(m);
-    case RX_ASSERT: return stepAssert(m);
-    case RX_ALT: return stepBar(m);
+    case RX_XSEQ:
+      return stepItem(m);
+    case RX_ASSERT:
+      return stepAssert(m);
+    case RX_ALT:
+      return stepBar(m);
     case RX_LOOKBEHIND:
-    case RX_NLOOKBEHIND: return stepLookbehind(m);
+    case RX_NLOOKBEHIND:
+      return stepLookbehind(m);
     case RX_LOOKAHEAD:
-    case RX_NLOOKAHEAD: return stepLookahead(m);
+    case RX_NLOOKAHEAD:
+      return stepLookahead(m);
     case RX_OPTGROUP:
     case RX_COND:
     case RX_CAPTURE:
-    case RX_GROUP: return stepGroupOpen(m);
-    case RX_ATOMIC: return stepAtomic(m);
-    case RX_END: return stepGroupEnd(m);
-    case RX_OPTIONS: return stepOptions(m);
-    default: return Next::kFail;  // class members and quantifiers are no steps of their own
+    case RX_GROUP:
+      return stepGroupOpen(m);
+    case RX_ATOMIC:
+      return stepAtomic(m);
+    case RX_END:
+      return stepGroupEnd(m);
+    case RX_OPTIONS:
+      return stepOptions(m);
+    default:
+      return Next::kFail;  // class members and quantifiers are no steps of their own
   }
 }
 
@@ -107,19 +128,32 @@ Next retry(MatchContext& m) {
     case ChoiceKind::kGreedyBytes:
     case ChoiceKind::kGreedyChars:
     case ChoiceKind::kGreedySequences:
-    case ChoiceKind::kGreedyBackref: return retryGreedy(m, choice);
-    case ChoiceKind::kLazy: return retryLazy(m, choice);
-    case ChoiceKind::kLazyCodePoint: return retryLazyCodePoint(m, choice);
-    case ChoiceKind::kLazyProperty: return retryLazyProperty(m, choice);
-    case ChoiceKind::kAlternative: return retryAlternative(m, choice);
-    case ChoiceKind::kLazyLeave: return retryLazyLeave(m, choice);
-    case ChoiceKind::kLeft: return retryLeft(m, choice);
-    case ChoiceKind::kOptions: return retryOptions(m, choice);
-    case ChoiceKind::kLookaround: return retryLookaround(m, choice);
-    case ChoiceKind::kCondition: return retryCondition(m, choice);
-    case ChoiceKind::kAtomic: return retryAtomic(m, choice);
-    case ChoiceKind::kAtomicLazy: return retryAtomicLazy(m, choice);
-    case ChoiceKind::kAtomicIteration: return retryAtomicIteration(m, choice);
+    case ChoiceKind::kGreedyBackref:
+      return retryGreedy(m, choice);
+    case ChoiceKind::kLazy:
+      return retryLazy(m, choice);
+    case ChoiceKind::kLazyCodePoint:
+      return retryLazyCodePoint(m, choice);
+    case ChoiceKind::kLazyProperty:
+      return retryLazyProperty(m, choice);
+    case ChoiceKind::kAlternative:
+      return retryAlternative(m, choice);
+    case ChoiceKind::kLazyLeave:
+      return retryLazyLeave(m, choice);
+    case ChoiceKind::kLeft:
+      return retryLeft(m, choice);
+    case ChoiceKind::kOptions:
+      return retryOptions(m, choice);
+    case ChoiceKind::kLookaround:
+      return retryLookaround(m, choice);
+    case ChoiceKind::kCondition:
+      return retryCondition(m, choice);
+    case ChoiceKind::kAtomic:
+      return retryAtomic(m, choice);
+    case ChoiceKind::kAtomicLazy:
+      return retryAtomicLazy(m, choice);
+    case ChoiceKind::kAtomicIteration:
+      return retryAtomicIteration(m, choice);
   }
   return Next::kFail;
 }
@@ -143,8 +177,8 @@ Outcome run(MatchContext& m, Next next) {
   }
 }
 
-// Goes on with all the choices that there can be. They stay in the frame of this one function, so that the ordinary
-// search never touches that much stack.
+// Goes on with all the choices that there can be. They stay in the frame of this one function, so that the
+// ordinary search never touches that much stack.
 __attribute__((noinline)) Outcome runDeep(MatchContext& m) {
   Choice choices[kDeepChoices + kMargin];
   std::memcpy(choices, m.choices, sizeof(Choice) * static_cast<size_t>(m.numChoices));

@@ -1,12 +1,14 @@
 // The matcher: a backtracking interpreter of the node program.
 //
-// A step runs one node at the current position. It either moves on, or fails, or ends the current run. A step that has
-// another choice leaves a Choice on a stack of its own before it moves on; when a later step fails, the newest choice
-// is taken up again, by the function that stands beside the step that left it. The stack holds small records instead
-// of call frames, so how much memory a search needs depends on the number of steps alone, not on the compiler.
+// A step runs one node at the current position. It either moves on, or fails, or ends the current run. A step
+// that has another choice leaves a Choice on a stack of its own before it moves on; when a later step fails,
+// the newest choice is taken up again, by the function that stands beside the step that left it. The stack
+// holds small records instead of call frames, so how much memory a search needs depends on the number of
+// steps alone, not on the compiler.
 //
-// Lookarounds, atomic groups and lookaround conditions match their bodies in runs of their own (subrun.cpp): a run ends
-// as soon as the program reaches `endNode` or a bar outside positive groups, and its remaining choices are dropped.
+// Lookarounds, atomic groups and lookaround conditions match their bodies in runs of their own (subrun.cpp):
+// a run ends as soon as the program reaches `endNode` or a bar outside positive groups, and its remaining
+// choices are dropped.
 #pragma once
 
 #include <cstdint>
@@ -42,7 +44,8 @@ enum class ChoiceKind : uint8_t {
   kAtomicIteration,  //   go on without this iteration
 };
 
-// A place to come back to. Positions are offsets from the text start, so that a record has the same size everywhere.
+// A place to come back to. Positions are offsets from the text start, so that a record has the same size
+// everywhere.
 struct Choice {
   // A greedy repeat holds the position at its present count (`at`) and the node to go on with (`node`).
   struct Greedy {
@@ -93,15 +96,15 @@ inline constexpr int32_t kNoRun = -1;
 
 // Everything about one search call.
 struct MatchContext {
-  const uint8_t* at;         // position of the next step
-  int32_t node;              // node of the next step
-  int32_t endNode;           // reaching it ends the current run
-  int32_t run;               // index of the current run's choice, kNoRun for the whole program's run
-  uint32_t options;          // in force
-  int32_t budget;            // node steps still allowed, -1 when exhausted
-  int32_t surplus;           // see matchLength
-  bool nonEmpty;             // a match of length 0 is not acceptable
-  int32_t numCaptures;       // slot 0 included
+  const uint8_t* at;    // position of the next step
+  int32_t node;         // node of the next step
+  int32_t endNode;      // reaching it ends the current run
+  int32_t run;          // index of the current run's choice, kNoRun for the whole program's run
+  uint32_t options;     // in force
+  int32_t budget;       // node steps still allowed, -1 when exhausted
+  int32_t surplus;      // see matchLength
+  bool nonEmpty;        // a match of length 0 is not acceptable
+  int32_t numCaptures;  // slot 0 included
   int32_t numNodes;
   const uint8_t* textStart;  // for ^, \A, \b and lookbehind
   const uint8_t* textEnd;
@@ -118,8 +121,9 @@ struct MatchContext {
   int32_t offset() const { return static_cast<int32_t>(at - textStart); }
   void moveTo(int32_t offset) { at = textStart + offset; }
 
-  // The length of the match so far, as reported. It is not always the distance from its start: a lazy repeat of one
-  // byte that finally fails leaves its bytes counted. What is counted beyond the distance is the surplus.
+  // The length of the match so far, as reported. It is not always the distance from its start: a lazy repeat
+  // of one byte that finally fails leaves its bytes counted. What is counted beyond the distance is the
+  // surplus.
   int32_t matchLength() const { return static_cast<int32_t>(at - matchStart) + surplus; }
 
   Choice& top() { return choices[numChoices - 1]; }
@@ -135,8 +139,8 @@ struct MatchContext {
   bool hasQuantifier(int32_t index) const { return index < numNodes && isQuantifier(nodes[index]); }
 };
 
-// Runs the program from m.node at m.at. True for a match: m.at and m.surplus tell its length, the capture slots hold
-// the groups. The caller sets up matchStart, node, at, surplus 0, run kNoRun and the options.
+// Runs the program from m.node at m.at. True for a match: m.at and m.surplus tell its length, the capture
+// slots hold the groups. The caller sets up matchStart, node, at, surplus 0, run kNoRun and the options.
 bool rxMatch(MatchContext& m);
 
 // Goes on at `node`, consuming nothing.

@@ -1,11 +1,13 @@
 // Repeats: one item, matched as often as its quantifier allows.
 //
-// A greedy repeat takes as many items as it can, then gives them back one at a time; a lazy one takes one more each time
-// what follows has failed. The items are taken by loops; only what follows a repeat is a choice.
+// A greedy repeat takes as many items as it can, then gives them back one at a time; a lazy one takes one
+// more each time what follows has failed. The items are taken by loops; only what follows a repeat is a
+// choice.
 #include <algorithm>
 
 #include "regexp/byte_sets.h"
 #include "regexp/bytes.h"
+#include "regexp/follow.h"
 #include "regexp/items.h"
 #include "regexp/matcher.h"
 #include "unicode/unicode.h"
@@ -59,15 +61,18 @@ bool takeRequiredItems(MatchContext& m, const RxNode& item, int32_t count) {
 // What a greedy repeat gives back at a time: bytes where every item was one.
 ChoiceKind greedyKind(const RxNode& item, bool bytes) {
   switch (item.code) {
-    case RX_XSEQ: return ChoiceKind::kGreedySequences;
-    case RX_BACKREF: return ChoiceKind::kGreedyBackref;
-    default: return bytes ? ChoiceKind::kGreedyBytes : ChoiceKind::kGreedyChars;
+    case RX_XSEQ:
+      return ChoiceKind::kGreedySequences;
+    case RX_BACKREF:
+      return ChoiceKind::kGreedyBackref;
+    default:
+      return bytes ? ChoiceKind::kGreedyBytes : ChoiceKind::kGreedyChars;
   }
 }
 
 // The start of the character that ends at `at`, when characters are decoded from `from` on. A byte that is no
-// continuation byte always starts a character; a continuation byte belongs to the nearest such byte before it if that
-// one's sequence reaches here, and is a character by itself if not.
+// continuation byte always starts a character; a continuation byte belongs to the nearest such byte before it
+// if that one's sequence reaches here, and is a character by itself if not.
 const uint8_t* previousCharacter(const uint8_t* from, const uint8_t* at) {
   const uint8_t* lead = at - 1;
   while (lead > from && at - lead < 6 && isContinuation(*lead)) --lead;
@@ -81,41 +86,23 @@ const uint8_t* previousSequence(const uint8_t* from, const uint8_t* at) {
   return at;
 }
 
-// What the compiler has found out about the bytes that may follow a repeat. A try to go on before any other byte changes
-// next to nothing but the budget, so it is paid for instead of made.
-struct Follow {
-  const ByteSet256* set;  // null: nothing is known
-  FollowNote note;
-
-  bool excludes(const MatchContext& m) const {
-    if (!set || m.at > m.textEnd) return false;
-    return m.at == m.textEnd || !set->contains(*m.at);
-  }
-
-  // A try that runs out of budget on its way is made, not paid for.
-  bool canPay(const MatchContext& m, int32_t tries) const { return int64_t{note.steps} * tries <= m.budget; }
-
-  void payForTries(MatchContext& m, int32_t tries) const {
-    m.budget -= note.steps * tries;
-    if (note.entersGroup && tries > 0) m.surplus = 0;
-  }
-};
-
-Follow followOf(const MatchContext& m, int32_t quantifier) {
-  const RxNode& node = m.nodes[quantifier];
-  const FollowNote note = FollowNote::unpack(node.op3);
-  return {note.options == m.options ? static_cast<const ByteSet256*>(node.text) : nullptr, note};
-}
-
 // Takes back the last of the items.
 void giveBack(const MatchContext& m, Choice& choice) {
   const uint8_t* const from = m.textStart + choice.greedy.startAt;
   const uint8_t* const at = m.textStart + choice.at;
   switch (choice.kind) {
-    case ChoiceKind::kGreedyBytes: --choice.at; break;
-    case ChoiceKind::kGreedyChars: choice.at = static_cast<int32_t>(previousCharacter(from, at) - m.textStart); break;
-    case ChoiceKind::kGreedySequences: choice.at = static_cast<int32_t>(previousSequence(from, at) - m.textStart); break;
-    default: choice.at -= choice.greedy.itemLength; break;
+    case ChoiceKind::kGreedyBytes:
+      --choice.at;
+      break;
+    case ChoiceKind::kGreedyChars:
+      choice.at = static_cast<int32_t>(previousCharacter(from, at) - m.textStart);
+      break;
+    case ChoiceKind::kGreedySequences:
+      choice.at = static_cast<int32_t>(previousSequence(from, at) - m.textStart);
+      break;
+    default:
+      choice.at -= choice.greedy.itemLength;
+      break;
   }
   --choice.greedy.spare;
 }
@@ -124,18 +111,18 @@ void giveBack(const MatchContext& m, Choice& choice) {
 bool giveBackToFollow(MatchContext& m, Choice& choice, const Follow& follow) {
   const int32_t spare = choice.greedy.spare;
   bool found = false;
-  if (follow.note.disjoint && choice.options == m.options) {
+  if (follow.note.disjoint) {
     choice.greedy.spare = 0;  // wherever the repeat ends earlier, one of its items is next
   } else if (choice.kind == ChoiceKind::kGreedyBytes) {
     const uint8_t* at = m.textStart + choice.at;
     const uint8_t* const least = at - spare;
-    while (at > least && !found) found = follow.set->contains(*--at);
+    while (at > least && !found) found = follow.admits(m, --at);
     choice.at = static_cast<int32_t>(at - m.textStart);
     choice.greedy.spare = static_cast<int32_t>(at - least);
   } else {
     while (choice.greedy.spare > 0 && !found) {
       giveBack(m, choice);
-      found = follow.set->contains(m.textStart[choice.at]);
+      found = follow.admits(m, m.textStart + choice.at);
     }
   }
   follow.payForTries(m, spare - choice.greedy.spare - (found ? 1 : 0));
@@ -158,14 +145,14 @@ Next stepGreedy(MatchContext& m, const RxNode& item, int32_t quantifier) {
   choice.kind = greedyKind(item, length == count);
   choice.options = static_cast<uint8_t>(m.options);
   choice.greedy = {start, item.code == RX_BACKREF ? length / count : 0, spare};
-  const Follow follow = followOf(m, quantifier);
+  const Follow follow = followOf(m, quantifier, m.options);
   if (!follow.excludes(m) || !follow.canPay(m, spare + 1)) return Next::kGoOn;
   follow.payForTries(m, 1);
   return retryGreedy(m, choice);
 }
 
-// A lazy repeat of one byte looks for the literal that follows it before it tries anything, and places without it cost
-// no step. Whether that literal is itself optional is not asked.
+// A lazy repeat of one byte looks for the literal that follows it before it tries anything, and places
+// without it cost no step. Whether that literal is itself optional is not asked.
 bool mayContinue(const MatchContext& m, const RxNode& item, int32_t next) {
   if (item.code != RX_CHAR && item.code != RX_BYTE) return true;
   if (next >= m.numNodes || m.nodes[next].code != RX_CHAR || (m.options & RX_OPT_CASELESS)) return true;
@@ -193,11 +180,12 @@ bool takeOneMore(MatchContext& m, Choice& choice, const RxNode& item) {
   return true;
 }
 
-// Tries what follows the repeat at the present count, or at the next one where it may be tried and can succeed.
+// Tries what follows the repeat at the present count, or at the next one where it may be tried and can
+// succeed.
 Next continueLazy(MatchContext& m, Choice& choice) {
   const RxNode& item = m.nodes[choice.node];
   const int32_t next = afterItem(m, choice.node) + 1;
-  const Follow follow = followOf(m, next - 1);
+  const Follow follow = followOf(m, next - 1, choice.options);
   for (;;) {
     if (m.budget >= 0 && mayContinue(m, item, next)) {
       if (!follow.excludes(m) || !follow.canPay(m, 1)) break;
@@ -215,8 +203,8 @@ bool takeCharacter(MatchContext& m, Choice& choice, Utf8Char character) {
   return ++choice.lazy.count <= choice.lazy.most && m.at <= m.textEnd;
 }
 
-// A lazy code point looks at the character first, also at the end of the text: one that differs makes the run match as
-// it stands, whatever follows in the program.
+// A lazy code point looks at the character first, also at the end of the text: one that differs makes the run
+// match as it stands, whatever follows in the program.
 Next continueLazyCodePoint(MatchContext& m, Choice& choice) {
   for (;;) {
     const Utf8Char character = decodeUtf8(m.at);
@@ -242,11 +230,15 @@ Next continueLazyProperty(MatchContext& m, Choice& choice) {
   }
 }
 
+// Stands for the options of a lazy repeat's items when they were not taken with the same ones.
+constexpr uint8_t kMixedOptions = 0xFF;
+
 Next stepLazy(MatchContext& m, const RxNode& item, const RxNode& quantifier) {
   const int32_t least = quantifier.op1;
   const int32_t most = std::min(quantifier.op2, m.remaining());
   if (least > m.remaining() || !takeRequiredItems(m, item, least)) return Next::kFail;
   Choice& choice = m.push(ChoiceKind::kLazy);
+  choice.options = static_cast<uint8_t>(m.options);
   choice.lazy = {least, most};
   switch (item.code) {
     case RX_CODEPOINT:
@@ -257,7 +249,8 @@ Next stepLazy(MatchContext& m, const RxNode& item, const RxNode& quantifier) {
     case RX_SCRIPT:
       choice.kind = ChoiceKind::kLazyProperty;
       return m.at <= m.textEnd ? continueLazyProperty(m, choice) : fail(m);
-    default: return continueLazy(m, choice);
+    default:
+      return continueLazy(m, choice);
   }
 }
 
@@ -271,7 +264,7 @@ Next stepRepeat(MatchContext& m, int32_t item, int32_t quantifier) {
 
 Next retryGreedy(MatchContext& m, Choice& choice) {
   if (m.budget < 0) return fail(m);
-  const Follow follow = followOf(m, choice.node - 1);
+  const Follow follow = followOf(m, choice.node - 1, choice.options);
   if (!follow.set || !follow.canPay(m, choice.greedy.spare)) {
     giveBack(m, choice);
   } else if (!giveBackToFollow(m, choice, follow)) {
@@ -283,6 +276,7 @@ Next retryGreedy(MatchContext& m, Choice& choice) {
 }
 
 Next retryLazy(MatchContext& m, Choice& choice) {
+  if (choice.options != m.options) choice.options = kMixedOptions;
   const RxNode& item = m.nodes[choice.node];
   m.moveTo(choice.at);
   return takeOneMore(m, choice, item) ? continueLazy(m, choice) : failLazy(m, choice);

@@ -26,8 +26,8 @@ int32_t findRevCaseless(const uint8_t* text, int32_t length, const uint8_t* lite
   return -1;
 }
 
-// A match ends with the pattern's trailing literal, so nothing after its last occurrence is searched; where it does not
-// occur, only the empty text is left. The cut is the end of the text also for assertions.
+// A match ends with the pattern's trailing literal, so nothing after its last occurrence is searched; where
+// it does not occur, only the empty text is left. The cut is the end of the text also for assertions.
 int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, int32_t length) {
   if (state.trailingLiteral < 0) return length;
   const RxNode& literal = state.nodes()[state.trailingLiteral];
@@ -52,7 +52,8 @@ int32_t nextTopLevelBar(const ulkRegExpState& state, int32_t from) {
 
 Anchor anchorOf(const ulkRegExpState& state) {
   const RxNode* const nodes = state.nodes();
-  if (state.numNodes == 0 || nodes[0].code != RX_ASSERT || startFilterOf(state).firstBar >= 0) return Anchor::kNone;
+  if (state.numNodes == 0 || nodes[0].code != RX_ASSERT || startFilterOf(state).firstBar >= 0)
+    return Anchor::kNone;
   const bool optional = state.numNodes > 1 && isQuantifier(nodes[1]) && nodes[1].op1 == 0;
   switch (nodes[0].op1) {
     case '^':
@@ -60,15 +61,20 @@ Anchor anchorOf(const ulkRegExpState& state) {
       if (state.options & RX_OPT_MULTILINE) return Anchor::kLineStart;
       [[fallthrough]];
     case 'A':
-    case 'G': return optional ? Anchor::kNone : Anchor::kTextStart;
-    default: return Anchor::kNone;
+    case 'G':
+      return optional ? Anchor::kNone : Anchor::kTextStart;
+    default:
+      return Anchor::kNone;
   }
 }
 
 class Search {
  public:
   Search(ulkRegExpState& state, const uint8_t* text, int32_t length)
-      : state_(state), anchor_(anchorOf(state)), end_(text + cutAtTrailingLiteral(state, text, length)) {
+      : state_(state),
+        starts_(m_, state),
+        anchor_(anchorOf(state)),
+        end_(text + cutAtTrailingLiteral(state, text, length)) {
     m_.node = 0;
     m_.endNode = state.numNodes;
     m_.options = state.options;
@@ -95,11 +101,13 @@ class Search {
 
   ulkRegExpState& state_;
   MatchContext m_;
+  Starts starts_;
   const Anchor anchor_;
   const uint8_t* const end_;
 };
 
-// The character after the one at `at`; with a line anchor, the next line start. Beyond the end if there is none.
+// The character after the one at `at`; with a line anchor, the next line start. Beyond the end if there is
+// none.
 const uint8_t* Search::nextStart(const uint8_t* at) const {
   do {
     if (at >= m_.textEnd) return m_.textEnd + 1;
@@ -132,7 +140,7 @@ bool Search::matchAt(const uint8_t* start) {
 bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
   m_.textEnd = end;
   for (const uint8_t* at = start; at <= end; at = nextStart(at)) {
-    if (anchor_ == Anchor::kNone) at = skipHopelessStarts(m_, state_, at);
+    if (anchor_ == Anchor::kNone) at = starts_.next(at);
     if (at <= end && !outOfBudget() && matchAt(at)) {
       state_.captures[0] = {at, m_.matchLength()};
       return true;
@@ -163,7 +171,8 @@ ulkStatus Search::findOne(ulkRegExpFind* records, int32_t* numRecords) {
 ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords, bool replaceMode) {
   // An expression with groups reports its groups only, unless a replacement asks for the whole match as well.
   const int32_t skip = !replaceMode && state_.numCaptures > 1 ? 1 : 0;
-  const int32_t lastFit = *numRecords - state_.numCaptures + skip;  // the last index at which a match's records fit
+  const int32_t lastFit =
+      *numRecords - state_.numCaptures + skip;  // the last index at which a match's records fit
   int32_t filled = 0;
   const uint8_t* start = m_.textStart;
   while (filled <= lastFit && start <= end_) {
@@ -177,7 +186,8 @@ ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords, bool repl
 
     // After an empty match, the next byte alone is searched for a match that is not empty.
     m_.nonEmpty = true;
-    if (findFrom(match.start, match.start + 1)) filled += copyCaptures(records + filled, skip, state_.numCaptures);
+    if (findFrom(match.start, match.start + 1))
+      filled += copyCaptures(records + filled, skip, state_.numCaptures);
     if (outOfBudget()) return ulkErrMatchLimit;
     m_.nonEmpty = false;
   }

@@ -7,8 +7,8 @@
 
 namespace ulk {
 
-// Searches as ulksRegExpFind_8u does, checks included. In replacement mode a global search reports the whole match
-// before the groups.
+// Searches as ulksRegExpFind_8u does, checks included. In replacement mode a global search reports the whole
+// match before the groups.
 ulkStatus rxSearch(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
                    int32_t* pNumFind, bool replaceMode);
 

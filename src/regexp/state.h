@@ -48,24 +48,28 @@ struct ByteSet256 {
   bool contains(uint8_t byte) const { return (words[byte >> 5] >> (byte & 31)) & 1; }
 };
 
-// Where a match may begin (start_filter.h).
+// Where a match may begin (start_filter.h). "The set" is that in frame kStartSetFrame.
 enum class StartKind : int32_t {
   kAny,        // nothing is known: every position is tried
-  kByte,       // a match begins with `byte`
-  kString,     // with the text of the program's first node
-  kSet,        // with a byte of the set in frame `set`
+  kString,     // with the string at `item`
+  kFew,        // with one of the `members`, which are those of the set
+  kSet,        // with a byte of the set
+  kBoundary,   // with a byte of the set at a word boundary
   kLineStart,  // at the text start or after a newline
 };
 
 struct StartFilter {
   StartKind kind;
-  int32_t steps;  // that an attempt elsewhere costs
+  int32_t steps;          // that an attempt elsewhere costs
+  int32_t boundarySteps;  // that it costs where there is no word boundary
   uint32_t
       options;  // in force when an attempt begins, without which nothing is known, and when it has failed
-  int32_t byte;
-  int32_t set;
-  int32_t firstBar;  // the first top-level bar, -1 without one
+  uint8_t members[4];  // the first one again where there are fewer
+  int32_t item;        // the node of the one item that every match begins with, -1 if there are several
+  int32_t run;         // the quantifier of that item, if runs of it can be passed over, 0 if not
+  int32_t firstBar;    // the first top-level bar, -1 without one
 };
+inline constexpr int32_t kStartSetFrame = kNumFrames - 1;
 
 // One frame of the work area. Frame 0 and those above the highest serial belong to no group; what the
 // compiler finds out to make searching fast is kept there: the start filter in frame 0, byte sets from the

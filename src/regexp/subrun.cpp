@@ -1,8 +1,8 @@
 // Lookaheads, lookbehinds, lookaround conditions and atomic groups: their bodies match in runs of their own.
 //
-// A run ends at the node where it is told to, or at a bar of its own group. When it has matched, the choices that its
-// body has left are dropped, so the body is never entered again; when it has failed, the body's next alternative is run
-// from the same place.
+// A run ends at the node where it is told to, or at a bar of its own group. When it has matched, the choices
+// that its body has left are dropped, so the body is never entered again; when it has failed, the body's next
+// alternative is run from the same place.
 #include <algorithm>
 
 #include "regexp/matcher.h"
@@ -66,7 +66,8 @@ Next assertLookaround(MatchContext& m, bool holds) {
   return holds ? goOn(m, m.node + m.nodes[m.node].op2 + 2) : Next::kFail;
 }
 
-// The start of the character that ends at or reaches beyond `at`, when characters are decoded from the text start on.
+// The start of the character that ends at or reaches beyond `at`, when characters are decoded from the text
+// start on.
 const uint8_t* characterBefore(const MatchContext& m, const uint8_t* at) {
   const uint8_t* lead = at - 1;
   while (lead > m.textStart && at - lead < 6 && isContinuation(*lead)) --lead;
@@ -119,7 +120,8 @@ Next lazyTurn(MatchContext& m, int32_t minLeft, int32_t maxLeft) {
   return goOn(m, atomicAt(m, m.node).next);
 }
 
-// An iteration has matched up to m.at. What it consumed is read from the match length, and never less than nothing.
+// An iteration has matched up to m.at. What it consumed is read from the match length, and never less than
+// nothing.
 Next leaveAtomic(MatchContext& m, const Choice& choice) {
   const int32_t begun = choice.at - static_cast<int32_t>(m.matchStart - m.textStart) + choice.run.surplus;
   const int32_t consumed = std::max(m.matchLength() - begun, 0);
@@ -168,7 +170,8 @@ Next stepAtomic(MatchContext& m) {
 Next leaveRun(MatchContext& m) {
   const Choice& choice = m.choices[m.run];
   switch (choice.kind) {
-    case ChoiceKind::kAtomic: return leaveAtomic(m, choice);
+    case ChoiceKind::kAtomic:
+      return leaveAtomic(m, choice);
     case ChoiceKind::kCondition: {
       endRun(m, choice);
       return branch(m, m.top(), true);

@@ -1,5 +1,5 @@
-// UTF-8 as the expression engine reads it: sequences of up to six bytes, and no malformed text, only bytes that are
-// characters by themselves.
+// UTF-8 as the expression engine reads it: sequences of up to six bytes, and no malformed text, only bytes
+// that are characters by themselves.
 #pragma once
 
 #include <bit>
