@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "kernels/two_way.h"
 #include "regexp/matcher.h"
 #include "regexp/start_filter.h"
 #include "regexp/utf8.h"
@@ -17,13 +18,22 @@ enum class Anchor {
   kTextStart,  // only at the text start
 };
 
-uint8_t toUpper(uint8_t c) { return c >= 'a' && c <= 'z' ? static_cast<uint8_t>(c - 0x20) : c; }
+// Bytes from the last to the first, ASCII letters as capitals.
+struct CaselessFromEnd {
+  const uint8_t* bytes;
+  size_t length;
+
+  uint8_t operator[](size_t i) const {
+    const uint8_t c = bytes[length - 1 - i];
+    return c >= 'a' && c <= 'z' ? static_cast<uint8_t>(c - 0x20) : c;
+  }
+};
 
 int32_t findRevCaseless(const uint8_t* text, int32_t length, const uint8_t* literal, int32_t literalLength) {
-  const auto same = [](uint8_t a, uint8_t b) { return toUpper(a) == toUpper(b); };
-  for (int32_t i = length - literalLength; i >= 0; --i)
-    if (std::equal(literal, literal + literalLength, text + i, same)) return i;
-  return -1;
+  const CaselessFromEnd haystack{text, static_cast<size_t>(length)};
+  const CaselessFromEnd needle{literal, static_cast<size_t>(literalLength)};
+  const int32_t fromEnd = twoWayOffset(haystack, needle);
+  return fromEnd < 0 ? -1 : length - fromEnd - literalLength;
 }
 
 // A match ends with the pattern's trailing literal, so nothing after its last occurrence is searched; where
