@@ -14,8 +14,17 @@
 
 namespace ulk {
 
-// Members in vectors, few enough for most of them to stay in registers. Where the set has fewer than
-// `members`, its last one stands for the missing.
+// Four members or more, each in a vector of its own; in fours, the last of which are the set's last four
+// members, so that some may come twice.
+template <class Unit>
+ULK_INLINE void splatInFours(const Unit* set, int32_t setLength, Vec16<Unit>* vectors, int32_t count) {
+  for (int32_t i = 0; i < count; i += 4) {
+    Vec16<Unit>::splatFour(set + std::min(i, setLength - 4), vectors + i);
+  }
+}
+
+// Members in vectors, few enough for most of them to stay in registers: as many as the template says, or, in
+// fours, some of them twice.
 template <class Unit, int members>
 struct AnyProbe {
   static constexpr bool kExact = true;
@@ -23,8 +32,10 @@ struct AnyProbe {
   Vec16<Unit> wanted[members];
 
   ULK_INLINE AnyProbe(const Unit* searched, const Unit* set, int32_t setLength) : text(searched) {
-    for (int32_t i = 0; i < members; ++i) {
-      wanted[i] = Vec16<Unit>::splat(loadUnit(set + std::min(i, setLength - 1)));
+    if constexpr (members < 4) {
+      for (int32_t i = 0; i < members; ++i) wanted[i] = Vec16<Unit>::splat(loadUnit(set + i));
+    } else {
+      splatInFours(set, setLength, wanted, members);
     }
   }
 
@@ -41,7 +52,7 @@ struct AnyProbe {
   }
 };
 
-// Members in vectors, any number up to 16: the vectors wait in memory, in fours, the last one repeated.
+// Members in vectors, any number from 4 to 16: the vectors wait in memory.
 inline constexpr int32_t kMostVectors = 16;
 
 template <class Unit>
@@ -53,9 +64,7 @@ struct ManyProbe {
 
   ULK_INLINE ManyProbe(const Unit* searched, const Unit* set, int32_t setLength)
       : text(searched), members((setLength + 3) / 4 * 4) {
-    for (int32_t i = 0; i < members; ++i) {
-      wanted[i] = Vec16<Unit>::splat(loadUnit(set + std::min(i, setLength - 1)));
-    }
+    splatInFours(set, setLength, wanted, members);
   }
 
   template <class Block>
@@ -68,7 +77,17 @@ struct ManyProbe {
     }
     return equal;
   }
-  ULK_INLINE const ManyProbe& filter() const { return *this; }
+  // The walk takes a copy of its filter: the vectors stay where they are.
+  struct Filter {
+    static constexpr bool kExact = true;
+    const ManyProbe* probe;
+
+    template <class Block>
+    ULK_INLINE Vec16<Unit> hits(const Block& block) const {
+      return probe->hits(block);
+    }
+  };
+  ULK_INLINE Filter filter() const { return {this}; }
 };
 
 // Any number of members, each made a vector when its turn comes: for a text that is tested once.
@@ -100,7 +119,7 @@ ULK_INLINE int32_t scanBy(const Unit* text, int32_t length, Arguments... argumen
     return scan<Direction>(text, static_cast<size_t>(length), probe);
   } else {
     Except<Probe> probe{Probe{text, arguments...}};
-    return scan<Direction>(text, static_cast<size_t>(length), probe);
+    return scanBlocks<Direction, Unit>(static_cast<size_t>(length), probe);
   }
 }
 

@@ -28,6 +28,9 @@ ULK_INLINE int32_t scanForUnit(const Unit* text, int32_t length, Unit unit) {
 template <class Direction, class Unit>
 __attribute__((noinline)) int32_t scanForOther(const Unit* text, int32_t length, Unit unit) {
   Except<UnitProbe<Unit>> probe{{text, Vec16<Unit>::splat(unit)}};
+  if (length <= 4 * Vec16<Unit>::kLanes) {
+    return scanBlocks<Direction, Unit>(static_cast<size_t>(length), probe);
+  }
   return scan<Direction>(text, static_cast<size_t>(length), probe);
 }
 

@@ -17,6 +17,8 @@
 // time. So nothing outside the positions of the walk is ever loaded, and no scalar loop is needed.
 #pragma once
 
+#include <type_traits>
+
 #include "kernels/vec16.h"
 
 namespace ulk {
@@ -92,7 +94,9 @@ struct Except {
   ULK_INLINE auto hits(const Block& block) const {
     return ~probe.hits(block);
   }
-  ULK_INLINE const Except& filter() const { return *this; }
+  ULK_INLINE auto filter() const {
+    return Except<std::remove_cvref_t<decltype(probe.filter())>>{probe.filter()};
+  }
 };
 
 // Calls `run` with the short block that covers `count` units, 1 .. lanes - 1.
@@ -170,6 +174,14 @@ ULK_INLINE int32_t scanPairs(Probe& probe, Filter& filter, size_t near, size_t f
   }
 }
 
+// Fewer positions than fill a block.
+template <class Direction, class Unit, class Probe>
+ULK_INLINE int32_t scanShort(size_t count, Probe& probe) {
+  if (count == 0) return -1;
+  return withShortBlock<Unit>(
+      count, [&](auto block) ULK_LAMBDA_INLINE { return scanBlock<Direction, Unit>(probe, block); });
+}
+
 // The first of the positions 0 .. count - 1 of `text`, in the direction of the walk, that the probe accepts;
 // -1 if none.
 template <class Direction, class Unit, class Probe>
@@ -177,11 +189,7 @@ ULK_INLINE int32_t scan(const Unit* text, size_t count, Probe& probe) {
   constexpr size_t kLanes = Vec16<Unit>::kLanes;
   constexpr size_t kPair = 2 * kLanes;
   constexpr size_t kGroup = 2 * kPair;
-  if (count < kLanes) {
-    if (count == 0) return -1;
-    return withShortBlock<Unit>(
-        count, [&](auto block) ULK_LAMBDA_INLINE { return scanBlock<Direction, Unit>(probe, block); });
-  }
+  if (count < kLanes) return scanShort<Direction, Unit>(count, probe);
   const auto block = [&](size_t done)
                          ULK_LAMBDA_INLINE { return FullBlock<Unit>{Direction::place(count, done, kLanes)}; };
   if (count <= kPair) {
@@ -211,6 +219,23 @@ ULK_INLINE int32_t scan(const Unit* text, size_t count, Probe& probe) {
     if (found >= 0) return found;
   }
   return group(last);
+}
+
+// The same walk one block at a time: for what is found soon, and for probes that have so much to do with each
+// block that groups would gain nothing.
+template <class Direction, class Unit, class Probe>
+ULK_INLINE int32_t scanBlocks(size_t count, Probe& probe) {
+  constexpr size_t kLanes = Vec16<Unit>::kLanes;
+  if (count < kLanes) return scanShort<Direction, Unit>(count, probe);
+  const auto block = [&](size_t done) ULK_LAMBDA_INLINE {
+    return scanBlock<Direction, Unit>(probe, FullBlock<Unit>{Direction::place(count, done, kLanes)});
+  };
+  const size_t last = count - kLanes;
+  for (size_t done = 0; done < last; done += kLanes) {
+    const int32_t found = block(done);
+    if (found >= 0) return found;
+  }
+  return block(last);
 }
 
 }  // namespace ulk

@@ -26,40 +26,47 @@ ULK_INLINE Part trimmedPart(const Unit* text, int32_t length, Edge edge) {
   return {first, length - first};
 }
 
-// Most strings have short runs or none, so a few units are looked at one by one before a scan is set up.
-inline constexpr int32_t kLooks = 4;
-
+// Most strings have short runs or none, so `looks` units are looked at one by one before `scan` is called for
+// the others.
 template <class Direction, class Unit, class Removed, class Scan>
-ULK_INLINE int32_t findEdge(const Unit* text, int32_t length, Removed removed, Scan scan) {
-  const int32_t looks = std::min(kLooks, length);
+ULK_INLINE int32_t findEdge(const Unit* text, int32_t length, int32_t looks, Removed removed, Scan scan) {
+  const auto place = [&](int32_t done, int32_t size) ULK_LAMBDA_INLINE {
+    return static_cast<int32_t>(
+        Direction::place(static_cast<size_t>(length), static_cast<size_t>(done), static_cast<size_t>(size)));
+  };
+  looks = std::min(looks, length);
   for (int32_t done = 0; done < looks; ++done) {
-    const size_t place = Direction::place(static_cast<size_t>(length), static_cast<size_t>(done), 1);
-    if (!removed(loadUnit(text + place))) return static_cast<int32_t>(place);
+    if (!removed(loadUnit(text + place(done, 1)))) return place(done, 1);
   }
-  return scan();
+  const int32_t rest = place(looks, length - looks);
+  const int32_t found = scan(text + rest, length - looks);
+  return found < 0 ? -1 : rest + found;
 }
 
 template <class Unit>
 ULK_INLINE Part trimUnit(const Unit* text, int32_t length, Unit unit) {
+  constexpr int32_t kLooks = 4;
   return trimmedPart<Ends::kBoth>(
       text, length, [=](auto direction, const Unit* from, int32_t count) ULK_LAMBDA_INLINE {
-        using Direction = decltype(direction);
-        return findEdge<Direction>(
-            from, count, [=](Unit other) ULK_LAMBDA_INLINE { return other == unit; },
-            [=]() ULK_LAMBDA_INLINE { return scanForOther<Direction>(from, count, unit); });
+        return findEdge<decltype(direction)>(
+            from, count, kLooks, [=](Unit other) ULK_LAMBDA_INLINE { return other == unit; },
+            [=](const Unit* rest, int32_t restLength)
+                ULK_LAMBDA_INLINE { return scanForOther<decltype(direction)>(rest, restLength, unit); });
       });
 }
 
 template <Ends ends, class Unit>
 ULK_INLINE Part trimSet(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
+  // The scan for the members of a large set begins with a table.
+  const int32_t looks = setLength <= kMostVectors ? 4 : 12;
   return withLookup(set, setLength, [=](const auto& lookup) ULK_LAMBDA_INLINE {
-    return trimmedPart<ends>(text, length,
-                             [&](auto direction, const Unit* from, int32_t count) ULK_LAMBDA_INLINE {
-                               using Direction = decltype(direction);
-                               return findEdge<Direction>(from, count, lookup, [=]() ULK_LAMBDA_INLINE {
-                                 return scanForAny<Direction, Stop::kOther>(from, count, set, setLength);
-                               });
-                             });
+    return trimmedPart<ends>(
+        text, length, [&](auto direction, const Unit* from, int32_t count) ULK_LAMBDA_INLINE {
+          return findEdge<decltype(direction)>(
+              from, count, looks, lookup, [=](const Unit* rest, int32_t restLength) ULK_LAMBDA_INLINE {
+                return scanForAny<decltype(direction), Stop::kOther>(rest, restLength, set, setLength);
+              });
+        });
   });
 }
 

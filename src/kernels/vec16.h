@@ -112,6 +112,17 @@ class Vec16 {
       return Vec16(_mm_set1_epi16(static_cast<short>(unit)));
     }
   }
+  // Four units, each in a vector of its own.
+  ULK_INLINE static void splatFour(const Unit* units, Vec16* vectors) {
+    // Each unit twice, or each byte four times, makes 32 bits.
+    const __m128i four = join<4 * sizeof(Unit)>(units, units).v_;
+    const __m128i halves = sizeof(Unit) == 1 ? _mm_unpacklo_epi8(four, four) : four;
+    const __m128i words = _mm_unpacklo_epi16(halves, halves);
+    vectors[0] = Vec16(_mm_shuffle_epi32(words, 0x00));
+    vectors[1] = Vec16(_mm_shuffle_epi32(words, 0x55));
+    vectors[2] = Vec16(_mm_shuffle_epi32(words, 0xAA));
+    vectors[3] = Vec16(_mm_shuffle_epi32(words, 0xFF));
+  }
   // `half` bytes (1, 2, 4 or 8) from each of two places, side by side in the low lanes; the other lanes hold
   // zero.
   template <int half>
@@ -185,6 +196,10 @@ class Vec16 {
   }
   ULK_INLINE Vec16 without(Vec16 other) const { return Vec16(_mm_andnot_si128(other.v_, v_)); }
   ULK_INLINE Vec16 operator~() const { return Vec16(_mm_xor_si128(v_, _mm_set1_epi8(-1))); }
+  ULK_INLINE Vec16 minSigned(Vec16 other) const {
+    static_assert(sizeof(Unit) == 2, "there is no such instruction for signed bytes");
+    return Vec16(_mm_min_epi16(v_, other.v_));
+  }
   ULK_INLINE Vec16 operator^(Vec16 other) const { return Vec16(_mm_xor_si128(v_, other.v_)); }
   ULK_INLINE Vec16 operator|(Vec16 other) const { return Vec16(_mm_or_si128(v_, other.v_)); }
   ULK_INLINE Vec16 operator&(Vec16 other) const { return Vec16(_mm_and_si128(v_, other.v_)); }
