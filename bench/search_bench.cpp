@@ -85,8 +85,12 @@ std::vector<Row<Unit>> substringRows(const std::string& family) {
     add("english", english(256), pattern);
     add("english", english(1024), pattern);
   }
-  for (const size_t length : {2u, 4u, 16u, 64u})
-    add("random", noise(k64, 'q'), noise(length - 1, 'q').insert(0, 1, 'q'));
+  // All units of the pattern but one are common; that one, the last in the direction of the search, occurs
+  // nowhere.
+  for (const size_t length : {2u, 4u, 16u, 64u}) {
+    const std::string common = noise(length - 1, 'q');
+    add("random", noise(k64, 'q'), forward ? common + 'q' : std::string(common).insert(0, 1, 'q'));
+  }
   for (const size_t length : {2u, 8u, 64u}) {
     add("a-b", std::string(k64, 'a'), std::string(length - 1, 'a') + 'b');
     add("b-a", std::string(k64, 'a'), std::string(length - 1, 'a').insert(0, 1, 'b'));
