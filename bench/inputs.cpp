@@ -1,5 +1,6 @@
 // The texts of the rows, made anew and the same in every run.
 #include <random>
+#include <string_view>
 
 #include "rows.h"
 
@@ -47,6 +48,66 @@ std::string english(size_t units) {
   }
   text.resize(units);
   return text;
+}
+
+std::u16string written(const std::string& english, Script script) {
+  constexpr std::string_view kVowels = "aeiou";
+  std::u16string text;
+  unsigned vowels = 0;
+  for (const char c : english) {
+    const char16_t capital = c >= 'A' && c <= 'Z' ? 1 : 0;
+    const char16_t letter = static_cast<char16_t>((c | 0x20) - 'a');
+    char16_t unit = static_cast<char16_t>(c);
+    if (letter < 26) {
+      const size_t vowel = kVowels.find(static_cast<char>(c | 0x20));
+      const bool marked = vowel != std::string::npos && ++vowels % 5 == 0;
+      switch (script) {
+        case Script::kEnglish:
+          break;
+        case Script::kFrench:
+          if (marked) unit = static_cast<char16_t>((capital ? 0xC8 : 0xE8) + vowel);
+          break;
+        case Script::kGreek:
+          unit = static_cast<char16_t>((capital ? 0x391 : 0x3B1) + letter % 17);
+          break;
+        case Script::kCyrillic:
+          unit = static_cast<char16_t>((capital ? 0x410 : 0x430) + letter);
+          break;
+        case Script::kVietnamese:
+          if (vowel != std::string::npos)
+            unit = static_cast<char16_t>(0x1EA1 - capital + 2 * (vowels * 7 % 44));
+          break;
+        case Script::kChinese:
+          unit = static_cast<char16_t>(0x4E00 + letter * 331);
+          break;
+      }
+    } else if (script == Script::kChinese) {
+      unit = c == '.' ? 0x3002 : c == ',' ? 0xFF0C : 0x7684;
+    }
+    text += unit;
+  }
+  return text;
+}
+
+const WholeTable& wholeTable() {
+  static const WholeTable kTable = [] {
+    WholeTable table;
+    for (int32_t unit = 0; unit < 65536; ++unit) {
+      table.lower += static_cast<char16_t>(unit);
+      table.upper += static_cast<char16_t>(unit);
+    }
+    const auto pair = [&](int32_t capital, int32_t small) {
+      table.lower[static_cast<size_t>(capital)] = static_cast<char16_t>(small);
+      table.upper[static_cast<size_t>(small)] = static_cast<char16_t>(capital);
+    };
+    for (int32_t i = 0; i < 26; ++i) pair('A' + i, 'a' + i);
+    for (int32_t i = 0; i < 23; ++i) pair(0xC0 + i, 0xE0 + i);
+    for (int32_t i = 0; i < 17; ++i) pair(0x391 + i, 0x3B1 + i);
+    for (int32_t i = 0; i < 32; ++i) pair(0x410 + i, 0x430 + i);
+    for (int32_t i = 0; i < 90; i += 2) pair(0x1EA0 + i, 0x1EA1 + i);
+    return table;
+  }();
+  return kTable;
 }
 
 std::string noise(size_t units, char without) {

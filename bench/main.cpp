@@ -5,6 +5,13 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
   bench::addSearch();
+  bench::addCompare();
+  bench::addCase();
+  bench::addHash();
+  bench::addTrim();
+  bench::addEdit();
+  bench::addConcatSplit();
+  bench::addUtf();
   benchmark::RunSpecifiedBenchmarks();
   return bench::anyWrong ? 1 : 0;
 }

@@ -229,6 +229,297 @@ ULK_API ulkStatus ULK_CALL ulksFindC_Z_8u(const uint8_t* pSrc, uint8_t find, int
 ULK_API ulkStatus ULK_CALL ulksFindC_Z_16u(const uint16_t* pSrc, uint16_t find, int32_t* pIndex);
 
 /// @}
+/// @name Comparison
+///
+/// Two strings of one length, unit by unit. Strings of different lengths are compared over the shorter length;
+/// where that finds no difference, the lengths decide, which is the caller's part. The answer of the ordering
+/// functions is the exact difference of the first two units that differ, not just its sign. Nothing outside
+/// the given strings is read.
+/// @{
+
+/// Compares two strings.
+/// @param[in]  pSrc1    the first string
+/// @param[in]  pSrc2    the second string
+/// @param[in]  len      the length of each in units
+/// @param[out] pResult  unit of the first string minus unit of the second, as unsigned numbers, where the
+///                      strings differ first: -255 to 255 for 8-bit, -65535 to 65535 for 16-bit units; 0 if
+///                      they are equal, also when empty
+/// @retval ulkOk          `*pResult` is set
+/// @retval ulkErrNullPtr  `pSrc1`, `pSrc2` or `pResult` is null
+/// @retval ulkErrLength   `len` is negative
+ULK_API ulkStatus ULK_CALL ulksCompare_8u(const uint8_t* pSrc1, const uint8_t* pSrc2, int32_t len,
+                                          int32_t* pResult);
+/// @copydoc ulksCompare_8u
+ULK_API ulkStatus ULK_CALL ulksCompare_16u(const uint16_t* pSrc1, const uint16_t* pSrc2, int32_t len,
+                                           int32_t* pResult);
+
+/// Tells whether two strings are equal.
+/// @param[in]  pSrc1    the first string
+/// @param[in]  pSrc2    the second string
+/// @param[in]  len      the length of each in units
+/// @param[out] pResult  1 if all units are equal, also when there are none; 0 otherwise
+/// @retval ulkOk          `*pResult` is set
+/// @retval ulkErrNullPtr  `pSrc1`, `pSrc2` or `pResult` is null
+/// @retval ulkErrLength   `len` is negative
+ULK_API ulkStatus ULK_CALL ulksEqual_8u(const uint8_t* pSrc1, const uint8_t* pSrc2, int32_t len,
+                                        int32_t* pResult);
+/// @copydoc ulksEqual_8u
+ULK_API ulkStatus ULK_CALL ulksEqual_16u(const uint16_t* pSrc1, const uint16_t* pSrc2, int32_t len,
+                                         int32_t* pResult);
+
+/// Compares two strings as if "A" to "Z" were "a" to "z". No other unit is changed for the comparison, so the
+/// six units between "Z" and "a" come before all letters, and letters beyond ASCII have case.
+/// @param[in]  pSrc1    the first string
+/// @param[in]  pSrc2    the second string
+/// @param[in]  len      the length of each in units
+/// @param[out] pResult  lowercase unit of the first string minus that of the second where these differ first;
+///                      0 if they nowhere do
+/// @retval ulkOk          `*pResult` is set
+/// @retval ulkErrNullPtr  `pSrc1`, `pSrc2` or `pResult` is null
+/// @retval ulkErrLength   `len` is negative
+ULK_API ulkStatus ULK_CALL ulksCompareIgnoreCaseLatin_8u(const uint8_t* pSrc1, const uint8_t* pSrc2,
+                                                         int32_t len, int32_t* pResult);
+/// @copydoc ulksCompareIgnoreCaseLatin_8u
+ULK_API ulkStatus ULK_CALL ulksCompareIgnoreCaseLatin_16u(const uint16_t* pSrc1, const uint16_t* pSrc2,
+                                                          int32_t len, int32_t* pResult);
+
+/// Compares two strings by the lowercase of each unit, as ulksLowercase_16u() gives it. So U+0130 equals "i"
+/// and "I", a titlecase digraph equals its other two forms, and U+0131 equals neither "i" nor "I".
+/// @param[in]  pSrc1    the first string
+/// @param[in]  pSrc2    the second string
+/// @param[in]  len      the length of each in units
+/// @param[out] pResult  lowercase unit of the first string minus that of the second where these differ first;
+///                      0 if they nowhere do
+/// @retval ulkOk          `*pResult` is set
+/// @retval ulkErrNullPtr  `pSrc1`, `pSrc2` or `pResult` is null
+/// @retval ulkErrLength   `len` is negative
+ULK_API ulkStatus ULK_CALL ulksCompareIgnoreCase_16u(const uint16_t* pSrc1, const uint16_t* pSrc2,
+                                                     int32_t len, int32_t* pResult);
+
+/// @}
+/// @name Case conversion
+///
+/// Each unit is replaced by its lowercase or its uppercase, or stays as it is; the length never changes. The
+/// Latin functions know the 26 letters of ASCII only. The others know the letters of Latin, Greek, Cyrillic,
+/// Armenian and Georgian that an early edition of Unicode had, Roman numerals, circled letters and fullwidth
+/// letters, and map one 16-bit unit to one: a surrogate stays as it is, "ss" never comes of U+00DF. The
+/// mapping is fixed. Letters of later editions have none, and neither have pairs of units more than 511
+/// apart, such as U+212A and "k"; the Georgian small letters U+10D0 to U+10F5 are results of lowercasing but
+/// have no uppercase.
+///
+/// The destination may be the source; any other overlap is not allowed. The functions with `_I` convert in
+/// place. Nothing outside the given strings is read or written.
+/// @{
+
+/// Replaces "A" to "Z" by "a" to "z".
+/// @param[in]  pSrc  the string
+/// @param[out] pDst  the converted string, of the same length
+/// @param[in]  len   the length in units
+/// @retval ulkOk          the string is converted
+/// @retval ulkErrNullPtr  `pSrc` or `pDst` is null
+/// @retval ulkErrLength   `len` is negative
+ULK_API ulkStatus ULK_CALL ulksLowercaseLatin_8u(const uint8_t* pSrc, uint8_t* pDst, int32_t len);
+/// @copydoc ulksLowercaseLatin_8u
+ULK_API ulkStatus ULK_CALL ulksLowercaseLatin_16u(const uint16_t* pSrc, uint16_t* pDst, int32_t len);
+
+/// Replaces "A" to "Z" by "a" to "z" in place.
+/// @param[in,out] pSrcDst  the string
+/// @param[in]     len      its length in units
+/// @retval ulkOk          the string is converted
+/// @retval ulkErrNullPtr  `pSrcDst` is null
+/// @retval ulkErrLength   `len` is negative
+ULK_API ulkStatus ULK_CALL ulksLowercaseLatin_8u_I(uint8_t* pSrcDst, int32_t len);
+/// @copydoc ulksLowercaseLatin_8u_I
+ULK_API ulkStatus ULK_CALL ulksLowercaseLatin_16u_I(uint16_t* pSrcDst, int32_t len);
+
+/// Replaces "a" to "z" by "A" to "Z".
+/// @param[in]  pSrc  the string
+/// @param[out] pDst  the converted string, of the same length
+/// @param[in]  len   the length in units
+/// @retval ulkOk          the string is converted
+/// @retval ulkErrNullPtr  `pSrc` or `pDst` is null
+/// @retval ulkErrLength   `len` is negative
+ULK_API ulkStatus ULK_CALL ulksUppercaseLatin_8u(const uint8_t* pSrc, uint8_t* pDst, int32_t len);
+/// @copydoc ulksUppercaseLatin_8u
+ULK_API ulkStatus ULK_CALL ulksUppercaseLatin_16u(const uint16_t* pSrc, uint16_t* pDst, int32_t len);
+
+/// Replaces "a" to "z" by "A" to "Z" in place.
+/// @param[in,out] pSrcDst  the string
+/// @param[in]     len      its length in units
+/// @retval ulkOk          the string is converted
+/// @retval ulkErrNullPtr  `pSrcDst` is null
+/// @retval ulkErrLength   `len` is negative
+ULK_API ulkStatus ULK_CALL ulksUppercaseLatin_8u_I(uint8_t* pSrcDst, int32_t len);
+/// @copydoc ulksUppercaseLatin_8u_I
+ULK_API ulkStatus ULK_CALL ulksUppercaseLatin_16u_I(uint16_t* pSrcDst, int32_t len);
+
+/// Replaces each unit by its lowercase; U+0130 becomes "i", a titlecase digraph its small form.
+/// @param[in]  pSrc  the string
+/// @param[out] pDst  the converted string, of the same length
+/// @param[in]  len   the length in units
+/// @retval ulkOk          the string is converted
+/// @retval ulkErrNullPtr  `pSrc` or `pDst` is null
+/// @retval ulkErrLength   `len` is negative
+ULK_API ulkStatus ULK_CALL ulksLowercase_16u(const uint16_t* pSrc, uint16_t* pDst, int32_t len);
+
+/// Replaces each unit by its lowercase in place, as ulksLowercase_16u() does.
+/// @param[in,out] pSrcDst  the string
+/// @param[in]     len      its length in units
+/// @retval ulkOk          the string is converted
+/// @retval ulkErrNullPtr  `pSrcDst` is null
+/// @retval ulkErrLength   `len` is negative
+ULK_API ulkStatus ULK_CALL ulksLowercase_16u_I(uint16_t* pSrcDst, int32_t len);
+
+/// Replaces each unit by its uppercase; U+0131 (dotless i) becomes "I", U+017F (long s) "S", a titlecase
+/// digraph its capital form; U+00B5 and U+03C2 stay as they are.
+/// @param[in]  pSrc  the string
+/// @param[out] pDst  the converted string, of the same length
+/// @param[in]  len   the length in units
+/// @retval ulkOk          the string is converted
+/// @retval ulkErrNullPtr  `pSrc` or `pDst` is null
+/// @retval ulkErrLength   `len` is negative
+ULK_API ulkStatus ULK_CALL ulksUppercase_16u(const uint16_t* pSrc, uint16_t* pDst, int32_t len);
+
+/// Replaces each unit by its uppercase in place, as ulksUppercase_16u() does.
+/// @param[in,out] pSrcDst  the string
+/// @param[in]     len      its length in units
+/// @retval ulkOk          the string is converted
+/// @retval ulkErrNullPtr  `pSrcDst` is null
+/// @retval ulkErrLength   `len` is negative
+ULK_API ulkStatus ULK_CALL ulksUppercase_16u_I(uint16_t* pSrcDst, int32_t len);
+
+/// @}
+/// @name Hashing
+///
+/// Strings made numbers, for hash tables. The functions are fixed formulas that other programs can compute
+/// too: not seeded, and no protection against strings chosen to collide. Each unit takes part as the unsigned
+/// number it is; all arithmetic is modulo 2 to the power 32; nothing follows the last step. Each function
+/// exists for 8-bit and for 16-bit units, with equal values for equal units.
+/// @{
+
+/// Hashes a string: h = 0, then h = (h << 1) ^ unit for each unit. Nothing is left of a unit that 32 or more
+/// others follow: strings with the same last 32 units have the same hash, and the time does not grow beyond.
+/// @param[in]  pSrc    the string
+/// @param[in]  srcLen  its length in units
+/// @param[out] pHash   the hash; 0 for an empty string
+/// @retval ulkOk          `*pHash` is set
+/// @retval ulkErrNullPtr  `pSrc` or `pHash` is null
+/// @retval ulkErrLength   `srcLen` is negative
+ULK_API ulkStatus ULK_CALL ulksHash_8u32u(const uint8_t* pSrc, int32_t srcLen, uint32_t* pHash);
+/// @copydoc ulksHash_8u32u
+ULK_API ulkStatus ULK_CALL ulksHash_16u32u(const uint16_t* pSrc, int32_t srcLen, uint32_t* pHash);
+
+/// Hashes a string up to its first zero unit: h = 5381, then h = (h * 33) ^ unit for each unit before it.
+/// Nothing after the zero unit is read.
+/// @param[in]  pSrc    the string
+/// @param[in]  srcLen  its length in units; only the units before the first zero unit count
+/// @param[out] pHash   the hash; 5381 for an empty string
+/// @retval ulkOk          `*pHash` is set
+/// @retval ulkErrNullPtr  `pSrc` or `pHash` is null
+/// @retval ulkErrLength   `srcLen` is negative
+ULK_API ulkStatus ULK_CALL ulksHashMSCS_8u32u(const uint8_t* pSrc, int32_t srcLen, uint32_t* pHash);
+/// @copydoc ulksHashMSCS_8u32u
+ULK_API ulkStatus ULK_CALL ulksHashMSCS_16u32u(const uint16_t* pSrc, int32_t srcLen, uint32_t* pHash);
+
+/// Hashes a string: h = 0, then h = h * 31 + unit for each unit.
+/// @param[in]  pSrc    the string
+/// @param[in]  srcLen  its length in units
+/// @param[out] pHash   the hash; 0 for an empty string. It is set to 0 before the string is read, so it does
+///                     not lie inside the string
+/// @retval ulkOk          `*pHash` is set
+/// @retval ulkErrNullPtr  `pSrc` or `pHash` is null
+/// @retval ulkErrLength   `srcLen` is negative
+ULK_API ulkStatus ULK_CALL ulksHashSJ2_8u32u(const uint8_t* pSrc, int32_t srcLen, uint32_t* pHash);
+/// @copydoc ulksHashSJ2_8u32u
+ULK_API ulkStatus ULK_CALL ulksHashSJ2_16u32u(const uint16_t* pSrc, int32_t srcLen, uint32_t* pHash);
+
+/// @}
+/// @name Trimming
+///
+/// Strings without the unwanted units at their ends: the leading run, the trailing run, or both. Units
+/// further inside are kept, whatever they are. Each function exists for 8-bit and for 16-bit units.
+///
+/// A destination has room for the whole string and does not overlap it; only the units kept are written
+/// there, so what stands behind them stays. When nothing is kept, the length becomes 0 and nothing else is
+/// written.
+/// @{
+
+/// Trims all of one unit from both ends of a string.
+/// @param[in]  pSrc     the string
+/// @param[in]  srcLen   its length in units
+/// @param[in]  unit     the unit to remove
+/// @param[out] pDst     the units kept
+/// @param[out] pDstLen  their number
+/// @retval ulkOk          `pDst` and `*pDstLen` are set
+/// @retval ulkErrNullPtr  `pSrc`, `pDst` or `pDstLen` is null
+/// @retval ulkErrLength   `srcLen` is negative
+ULK_API ulkStatus ULK_CALL ulksTrimC_8u(const uint8_t* pSrc, int32_t srcLen, uint8_t unit, uint8_t* pDst,
+                                        int32_t* pDstLen);
+/// @copydoc ulksTrimC_8u
+ULK_API ulkStatus ULK_CALL ulksTrimC_16u(const uint16_t* pSrc, int32_t srcLen, uint16_t unit, uint16_t* pDst,
+                                         int32_t* pDstLen);
+
+/// Trims all of one unit from both ends of a string in place: the units kept move to its start, the
+/// units behind them stay as they were.
+/// @param[in,out] pSrcDst     the string
+/// @param[in,out] pSrcDstLen  its length in units; out: the number of units kept
+/// @param[in]     unit        the unit to remove
+/// @retval ulkOk          `pSrcDst` and `*pSrcDstLen` are set
+/// @retval ulkErrNullPtr  `pSrcDst` or `pSrcDstLen` is null
+/// @retval ulkErrLength   `*pSrcDstLen` is negative
+ULK_API ulkStatus ULK_CALL ulksTrimC_8u_I(uint8_t* pSrcDst, int32_t* pSrcDstLen, uint8_t unit);
+/// @copydoc ulksTrimC_8u_I
+ULK_API ulkStatus ULK_CALL ulksTrimC_16u_I(uint16_t* pSrcDst, int32_t* pSrcDstLen, uint16_t unit);
+
+/// Trims all units that belong to a set from both ends of a string.
+/// @param[in]  pSrc     the string
+/// @param[in]  srcLen   its length in units
+/// @param[in]  pSet     the members of the set, in any order; repeated members change nothing
+/// @param[in]  setLen   their number; with an empty set all units are kept
+/// @param[out] pDst     the units kept
+/// @param[out] pDstLen  their number
+/// @retval ulkOk          `pDst` and `*pDstLen` are set
+/// @retval ulkErrNullPtr  `pSrc`, `pDst`, `pSet` or `pDstLen` is null
+/// @retval ulkErrLength   `srcLen` or `setLen` is negative
+ULK_API ulkStatus ULK_CALL ulksTrimCAny_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pSet,
+                                           int32_t setLen, uint8_t* pDst, int32_t* pDstLen);
+/// @copydoc ulksTrimCAny_8u
+ULK_API ulkStatus ULK_CALL ulksTrimCAny_16u(const uint16_t* pSrc, int32_t srcLen, const uint16_t* pSet,
+                                            int32_t setLen, uint16_t* pDst, int32_t* pDstLen);
+
+/// Trims all units that belong to a set from the start of a string, as ulksTrimCAny() does from both ends.
+/// @param[in]  pSrc     the string
+/// @param[in]  srcLen   its length in units
+/// @param[in]  pSet     the members of the set, in any order; repeated members change nothing
+/// @param[in]  setLen   their number; with an empty set all units are kept
+/// @param[out] pDst     the units kept
+/// @param[out] pDstLen  their number
+/// @retval ulkOk          `pDst` and `*pDstLen` are set
+/// @retval ulkErrNullPtr  `pSrc`, `pDst`, `pSet` or `pDstLen` is null
+/// @retval ulkErrLength   `srcLen` or `setLen` is negative
+ULK_API ulkStatus ULK_CALL ulksTrimStartCAny_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pSet,
+                                                int32_t setLen, uint8_t* pDst, int32_t* pDstLen);
+/// @copydoc ulksTrimStartCAny_8u
+ULK_API ulkStatus ULK_CALL ulksTrimStartCAny_16u(const uint16_t* pSrc, int32_t srcLen, const uint16_t* pSet,
+                                                 int32_t setLen, uint16_t* pDst, int32_t* pDstLen);
+
+/// Trims all units that belong to a set from the end of a string, as ulksTrimCAny() does from both ends.
+/// @param[in]  pSrc     the string
+/// @param[in]  srcLen   its length in units
+/// @param[in]  pSet     the members of the set, in any order; repeated members change nothing
+/// @param[in]  setLen   their number; with an empty set all units are kept
+/// @param[out] pDst     the units kept
+/// @param[out] pDstLen  their number
+/// @retval ulkOk          `pDst` and `*pDstLen` are set
+/// @retval ulkErrNullPtr  `pSrc`, `pDst`, `pSet` or `pDstLen` is null
+/// @retval ulkErrLength   `srcLen` or `setLen` is negative
+ULK_API ulkStatus ULK_CALL ulksTrimEndCAny_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pSet,
+                                              int32_t setLen, uint8_t* pDst, int32_t* pDstLen);
+/// @copydoc ulksTrimEndCAny_8u
+ULK_API ulkStatus ULK_CALL ulksTrimEndCAny_16u(const uint16_t* pSrc, int32_t srcLen, const uint16_t* pSet,
+                                               int32_t setLen, uint16_t* pDst, int32_t* pDstLen);
+
+/// @}
 /// @name Regular expressions: the compiled expression
 ///
 /// An expression is compiled into one buffer, its state: either ask for the size with ulksRegExpGetSize(),
@@ -376,6 +667,180 @@ typedef struct ulkRegExpFind {
 ULK_API ulkStatus ULK_CALL ulksRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen,
                                              ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
                                              int32_t* pNumFind);
+
+/// @}
+/// @name Editing
+///
+/// Units put into a string, taken out of it or replaced. The lengths of the results are known beforehand, so
+/// they are not reported; the caller's memory must have room for them. The functions with `_I` edit in place
+/// and update the length. Each function exists for 8-bit and for 16-bit units.
+/// @{
+
+/// Inserts one string into another. With an empty `pInsert` nothing at all is written, not even a copy of the
+/// source.
+/// @param[in]  pSrc        the string to insert into
+/// @param[in]  srcLen      its length in units
+/// @param[in]  pInsert     the string inserted; does not overlap the destination
+/// @param[in]  insertLen   its length in units
+/// @param[out] pDst        the result, `srcLen` + `insertLen` units unless `insertLen` is 0. May be `pSrc`, in
+///                         memory with room for the result; does not overlap it in any other way
+/// @param[in]  startIndex  the position in the source that the inserted string comes before; `srcLen` appends
+/// @retval ulkOk          the result is written
+/// @retval ulkErrNullPtr  `pSrc`, `pInsert` or `pDst` is null
+/// @retval ulkErrLength   `srcLen`, `insertLen` or `startIndex` is negative, or `startIndex` is greater than
+///                        `srcLen`
+ULK_API ulkStatus ULK_CALL ulksInsert_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pInsert,
+                                         int32_t insertLen, uint8_t* pDst, int32_t startIndex);
+/// @copydoc ulksInsert_8u
+ULK_API ulkStatus ULK_CALL ulksInsert_16u(const uint16_t* pSrc, int32_t srcLen, const uint16_t* pInsert,
+                                          int32_t insertLen, uint16_t* pDst, int32_t startIndex);
+
+/// Inserts one string into another in place.
+/// @param[in]     pInsert     the string inserted; does not overlap the other
+/// @param[in]     insertLen   its length in units
+/// @param[in,out] pSrcDst     the string to insert into, in memory with room for `insertLen` more units
+/// @param[in,out] pSrcDstLen  its length in units; out: `insertLen` more
+/// @param[in]     startIndex  the position that the inserted string comes before; the length appends
+/// @retval ulkOk          `pSrcDst` and `*pSrcDstLen` are set
+/// @retval ulkErrNullPtr  `pInsert`, `pSrcDst` or `pSrcDstLen` is null
+/// @retval ulkErrLength   `insertLen`, `*pSrcDstLen` or `startIndex` is negative, or `startIndex` is greater
+///                        than `*pSrcDstLen`
+ULK_API ulkStatus ULK_CALL ulksInsert_8u_I(const uint8_t* pInsert, int32_t insertLen, uint8_t* pSrcDst,
+                                           int32_t* pSrcDstLen, int32_t startIndex);
+/// @copydoc ulksInsert_8u_I
+ULK_API ulkStatus ULK_CALL ulksInsert_16u_I(const uint16_t* pInsert, int32_t insertLen, uint16_t* pSrcDst,
+                                            int32_t* pSrcDstLen, int32_t startIndex);
+
+/// Copies a string without a run of its units.
+/// @param[in]  pSrc        the string
+/// @param[in]  srcLen      its length in units
+/// @param[out] pDst        the result, `srcLen` - `len` units; does not overlap the source
+/// @param[in]  startIndex  the position of the first unit left out
+/// @param[in]  len         how many units are left out; 0 copies the string
+/// @retval ulkOk          the result is written
+/// @retval ulkErrNullPtr  `pSrc` or `pDst` is null
+/// @retval ulkErrLength   `len` or `startIndex` is negative, or their sum is greater than `srcLen`
+ULK_API ulkStatus ULK_CALL ulksRemove_8u(const uint8_t* pSrc, int32_t srcLen, uint8_t* pDst,
+                                         int32_t startIndex, int32_t len);
+/// @copydoc ulksRemove_8u
+ULK_API ulkStatus ULK_CALL ulksRemove_16u(const uint16_t* pSrc, int32_t srcLen, uint16_t* pDst,
+                                          int32_t startIndex, int32_t len);
+
+/// Removes a run of units from a string in place. What stands behind the shortened string is unspecified.
+/// @param[in,out] pSrcDst     the string
+/// @param[in,out] pSrcDstLen  its length in units; out: `len` less
+/// @param[in]     startIndex  the position of the first unit removed
+/// @param[in]     len         how many units are removed; 0 changes nothing
+/// @retval ulkOk          `pSrcDst` and `*pSrcDstLen` are set
+/// @retval ulkErrNullPtr  `pSrcDst` or `pSrcDstLen` is null
+/// @retval ulkErrLength   `len`, `*pSrcDstLen` or `startIndex` is negative, or `startIndex` and `len` together
+///                        are greater than `*pSrcDstLen`
+ULK_API ulkStatus ULK_CALL ulksRemove_8u_I(uint8_t* pSrcDst, int32_t* pSrcDstLen, int32_t startIndex,
+                                           int32_t len);
+/// @copydoc ulksRemove_8u_I
+ULK_API ulkStatus ULK_CALL ulksRemove_16u_I(uint16_t* pSrcDst, int32_t* pSrcDstLen, int32_t startIndex,
+                                            int32_t len);
+
+/// Replaces every unit of one value by another value.
+/// @param[in]  pSrc    the string
+/// @param[out] pDst    the result, of the same length. May be `pSrc`; does not overlap it in any other way
+/// @param[in]  len     the length in units
+/// @param[in]  oldVal  the value to replace
+/// @param[in]  newVal  the value that comes in its place
+/// @retval ulkOk          the result is written
+/// @retval ulkErrNullPtr  `pSrc` or `pDst` is null
+/// @retval ulkErrLength   `len` is negative
+ULK_API ulkStatus ULK_CALL ulksReplaceC_8u(const uint8_t* pSrc, uint8_t* pDst, int32_t len, uint8_t oldVal,
+                                           uint8_t newVal);
+/// @copydoc ulksReplaceC_8u
+ULK_API ulkStatus ULK_CALL ulksReplaceC_16u(const uint16_t* pSrc, uint16_t* pDst, int32_t len,
+                                            uint16_t oldVal, uint16_t newVal);
+
+/// @}
+/// @name Concatenation and splitting
+///
+/// Strings joined end to end, and a string cut at a unit. Sources and destinations do not overlap. Each
+/// function exists for 8-bit and for 16-bit units.
+///
+/// **Lists** (`_D2L`) of N strings are an array of N pointers, an array of N lengths in units, and N. The
+/// arrays are checked before anything is written, their elements one by one when the work comes to them:
+/// first for a null pointer (#ulkErrNullPtr, also where the length is 0), then for a negative length
+/// (#ulkErrLength). An error of an element ends the work; what was written for the elements before it stays.
+/// Elements that the work does not come to are not looked at.
+/// @{
+
+/// Joins two strings.
+/// @param[in]  pSrc1  the first string
+/// @param[in]  len1   its length in units
+/// @param[in]  pSrc2  the second string
+/// @param[in]  len2   its length in units
+/// @param[out] pDst   the first string and, right after it, the second: `len1` + `len2` units
+/// @retval ulkOk          the result is written
+/// @retval ulkErrNullPtr  `pSrc1`, `pSrc2` or `pDst` is null
+/// @retval ulkErrLength   `len1` or `len2` is negative
+ULK_API ulkStatus ULK_CALL ulksConcat_8u(const uint8_t* pSrc1, int32_t len1, const uint8_t* pSrc2,
+                                         int32_t len2, uint8_t* pDst);
+/// @copydoc ulksConcat_8u
+ULK_API ulkStatus ULK_CALL ulksConcat_16u(const uint16_t* pSrc1, int32_t len1, const uint16_t* pSrc2,
+                                          int32_t len2, uint16_t* pDst);
+
+/// Joins a list of strings.
+/// @param[in]  pSrcs    the strings
+/// @param[in]  srcLens  their lengths in units
+/// @param[in]  numSrc   their number, at least 1
+/// @param[out] pDst     the strings one right after the other: as many units as all lengths together
+/// @retval ulkOk          the result is written
+/// @retval ulkErrNullPtr  `pSrcs`, `srcLens` or `pDst` is null, or a string is: then those before it are
+///                        written
+/// @retval ulkErrSize     `numSrc` is below 1
+/// @retval ulkErrLength   the length of a string is negative: those before it are written
+ULK_API ulkStatus ULK_CALL ulksConcat_8u_D2L(const uint8_t* const* pSrcs, const int32_t* srcLens,
+                                             int32_t numSrc, uint8_t* pDst);
+/// @copydoc ulksConcat_8u_D2L
+ULK_API ulkStatus ULK_CALL ulksConcat_16u_D2L(const uint16_t* const* pSrcs, const int32_t* srcLens,
+                                              int32_t numSrc, uint16_t* pDst);
+
+/// Joins a list of strings with one unit between each and the next, also beside an empty string.
+/// @param[in]  pSrcs    the strings
+/// @param[in]  srcLens  their lengths in units
+/// @param[in]  numSrc   their number, at least 1
+/// @param[in]  delim    the unit between them
+/// @param[out] pDst     the result: as many units as all lengths together, and `numSrc` - 1 more
+/// @retval ulkOk          the result is written
+/// @retval ulkErrNullPtr  `pSrcs`, `srcLens` or `pDst` is null, or a string is: then those before it are
+///                        written
+/// @retval ulkErrSize     `numSrc` is below 1
+/// @retval ulkErrLength   the length of a string is negative: those before it are written
+ULK_API ulkStatus ULK_CALL ulksConcatC_8u_D2L(const uint8_t* const* pSrcs, const int32_t* srcLens,
+                                              int32_t numSrc, uint8_t delim, uint8_t* pDst);
+/// @copydoc ulksConcatC_8u_D2L
+ULK_API ulkStatus ULK_CALL ulksConcatC_16u_D2L(const uint16_t* const* pSrcs, const int32_t* srcLens,
+                                               int32_t numSrc, uint16_t delim, uint16_t* pDst);
+
+/// Copies the parts of a string between the places of one unit to the buffers of a list. The parts may be
+/// empty, but there is none after a delimiter that ends the string, and none at all in an empty string: "a,b"
+/// and "a,b," have the parts "a" and "b", ",a" has "" and "a", "," has "".
+/// @param[in]     pSrc     the string
+/// @param[in]     srcLen   its length in units
+/// @param[in]     delim    the unit between the parts; it belongs to none
+/// @param[out]    pDsts    the buffers
+/// @param[in,out] dstLens  in: how many units each has room for. Out: how many were written to each that was
+///                         used; a part longer than its buffer is cut to the buffer's size
+/// @param[in,out] pNumDst  in: the number of buffers, at least 1. Out: the number used
+/// @retval ulkOk                 all parts are written
+/// @retval ulkWrnPartTruncated   as #ulkOk, but some part was cut
+/// @retval ulkWrnSlotsExhausted  all buffers are used and there are more parts; one or more may have been cut
+///                               too
+/// @retval ulkErrNullPtr         `pSrc`, `pDsts`, `dstLens` or `pNumDst` is null, or the buffer for a part is:
+///                               then those before it are written and `*pNumDst` keeps its value
+/// @retval ulkErrLength          `srcLen` is negative, or the room of the buffer for a part is: then those
+///                               before it are written and `*pNumDst` keeps its value
+/// @retval ulkErrSize            `*pNumDst` is below 1
+ULK_API ulkStatus ULK_CALL ulksSplitC_8u_D2L(const uint8_t* pSrc, int32_t srcLen, uint8_t delim,
+                                             uint8_t* const* pDsts, int32_t* dstLens, int32_t* pNumDst);
+/// @copydoc ulksSplitC_8u_D2L
+ULK_API ulkStatus ULK_CALL ulksSplitC_16u_D2L(const uint16_t* pSrc, int32_t srcLen, uint16_t delim,
+                                              uint16_t* const* pDsts, int32_t* dstLens, int32_t* pNumDst);
 
 /// @}
 /// @name UTF conversion

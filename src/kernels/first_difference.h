@@ -18,11 +18,16 @@ struct DifferenceProbe {
   ULK_INLINE const DifferenceProbe& filter() const { return *this; }
 };
 
+template <class Unit>
+ULK_INLINE int32_t scanForDifference(const Unit* left, const Unit* right, int32_t length) {
+  DifferenceProbe<Unit> probe{left, right};
+  return scan<Forward>(left, static_cast<size_t>(length), probe);
+}
+
 // The lowest index at which the strings differ, -1 if they are equal.
 template <class Unit>
 int32_t firstDifference(const Unit* left, const Unit* right, int32_t length) {
-  DifferenceProbe<Unit> probe{left, right};
-  return scan<Forward>(left, static_cast<size_t>(length), probe);
+  return scanForDifference(left, right, length);
 }
 
 }  // namespace ulk
