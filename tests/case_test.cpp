@@ -77,11 +77,13 @@ class Case : public testing::Test {
     EXPECT_EQ(conversion.convert(room, room, length), ulkOk);
     EXPECT_TRUE(written_.hold(expected)) << conversion.name << " onto itself";
 
-    for (const Unit* source : {source_.endingAtGuard(text), source_.atOffset(text, place.bytes % 7)}) {
+    const auto expectFrom = [&](const Unit* source) {
       room = written_.room(text.size(), place);
       EXPECT_EQ(conversion.convert(source, room, length), ulkOk);
       EXPECT_TRUE(written_.hold(expected)) << conversion.name;
-    }
+    };
+    expectFrom(source_.endingAtGuard(text));
+    expectFrom(source_.atOffset(text, place.bytes % 7));
   }
 };
 
@@ -98,7 +100,7 @@ std::vector<Unit> randomText(std::mt19937& random, size_t length) {
                     {0x2010, 0x160}, {0x4E00, 0x400}, {0xFF10, 0x50}, {0xD7F0, 0x20}, {0, 0xFFFF}};
   const auto& common = kAlphabets[random() % std::size(kAlphabets)];
   const auto& rare = kAlphabets[random() % std::size(kAlphabets)];
-  const unsigned chance = 1 + random() % 80;
+  const auto chance = 1 + random() % 80;
   std::vector<Unit> text;
   for (size_t i = 0; i < length; ++i) {
     const auto& alphabet = random() % chance == 0 ? rare : common;

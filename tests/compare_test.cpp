@@ -195,9 +195,9 @@ TYPED_TEST(Comparison, ComparesRandomStrings) {
   std::mt19937 random(kSeed);
   const auto& fullest = Api<TypeParam>::orderings[std::size(Api<TypeParam>::orderings) - 1];
   for (int round = 0; round < 6000; ++round) {
-    const unsigned common = kAlphabets[random() % std::size(kAlphabets)];
-    const unsigned rare = kAlphabets[random() % std::size(kAlphabets)];
-    const unsigned chance = 1 + random() % 60;
+    const auto common = kAlphabets[random() % std::size(kAlphabets)];
+    const auto rare = kAlphabets[random() % std::size(kAlphabets)];
+    const auto chance = 1 + random() % 60;
     std::vector<TypeParam> left(random() % (round % 8 == 0 ? 1000 : 150));
     for (TypeParam& unit : left)
       unit = static_cast<TypeParam>((random() % chance == 0 ? rare : common) + random() % 64);
