@@ -35,8 +35,10 @@ struct Utf16ToUtf8 {
   static constexpr int32_t kTargetMargin = 40;
 
   // Takes the text whose blocks begin at `lastIn` and `lastOut` at the latest, a margin before the ends.
-  // Works on a copy, which can stay in registers.
-  static Utf16ToUtf8 takeBlocks(Utf16ToUtf8 at, const uint16_t* lastIn, const uint8_t* lastOut) {
+  // Works on a copy, which can stay in registers, and apart from the rest, so that short texts do not pay for
+  // its constants.
+  __attribute__((noinline)) static Utf16ToUtf8 takeBlocks(Utf16ToUtf8 at, const uint16_t* lastIn,
+                                                          const uint8_t* lastOut) {
     while (at.in <= lastIn && at.out <= lastOut) {
       if (lastIn - at.in >= 32 - kSourceMargin && at.takeAscii()) continue;
       const ptrdiff_t blocks = std::min<ptrdiff_t>({(lastIn - at.in) / 8, (lastOut - at.out) / 24, 4});
@@ -185,7 +187,8 @@ struct Utf16ToUtf8 {
 // Converts as much as fits, whole characters only. The lengths come in as those of the source and of the room
 // in the target, and go out as what was taken and written.
 template <bool bigEndian>
-void utf16ToUtf8(const uint16_t* source, int32_t* sourceLength, uint8_t* target, int32_t* targetLength) {
+ULK_INLINE void utf16ToUtf8(const uint16_t* source, int32_t* sourceLength, uint8_t* target,
+                            int32_t* targetLength) {
   using Step = Utf16ToUtf8<bigEndian>;
   const int32_t length = *sourceLength;
   const int32_t capacity = *targetLength;

@@ -36,8 +36,10 @@ struct Utf8ToUtf16 {
   static constexpr int32_t kTargetMargin = 16;
 
   // Takes the text whose blocks begin at `lastIn` and `lastOut` at the latest, a margin before the ends.
-  // Works on a copy, which can stay in registers.
-  static Utf8ToUtf16 takeBlocks(Utf8ToUtf16 at, const uint8_t* lastIn, const uint16_t* lastOut) {
+  // Works on a copy, which can stay in registers, and apart from the rest, so that short texts do not pay for
+  // its constants.
+  __attribute__((noinline)) static Utf8ToUtf16 takeBlocks(Utf8ToUtf16 at, const uint8_t* lastIn,
+                                                          const uint16_t* lastOut) {
     while (at.in <= lastIn && at.out <= lastOut) {
       while (lastIn - at.in >= 64 - kSourceMargin && lastOut - at.out >= 64 - kTargetMargin) {
         if (!at.takeAscii()) break;
@@ -192,7 +194,8 @@ struct Utf8ToUtf16 {
 // the source by a last sequence that goes on beyond its end, the room by a pair where one unit was free. It
 // then runs on until the other one ends it.
 template <bool bigEndian>
-void utf8ToUtf16(const uint8_t* source, int32_t* sourceLength, uint16_t* target, int32_t* targetLength) {
+ULK_INLINE void utf8ToUtf16(const uint8_t* source, int32_t* sourceLength, uint16_t* target,
+                            int32_t* targetLength) {
   using Step = Utf8ToUtf16<bigEndian>;
   const int32_t length = *sourceLength;
   const int32_t capacity = *targetLength;

@@ -8,11 +8,15 @@ namespace {
 
 using namespace ulk;
 
-template <class From, class To, class Kernel>
+template <auto native, auto bigEndian, class From, class To>
 ULK_INLINE ulkStatus convert(const From* source, int32_t* sourceLength, To* target, int32_t* targetLength,
-                             Kernel kernel) {
+                             int32_t flag) {
   if (!source || !sourceLength || !target || !targetLength) return ulkErrNullPtr;
-  kernel(source, sourceLength, target, targetLength);
+  if (flag != 0) {
+    bigEndian(source, sourceLength, target, targetLength);
+  } else {
+    native(source, sourceLength, target, targetLength);
+  }
   return ulkOk;
 }
 
@@ -20,10 +24,10 @@ ULK_INLINE ulkStatus convert(const From* source, int32_t* sourceLength, To* targ
 
 ULK_EXPORT ulkStatus ULK_CALL ulksConvertUTF_8u16u(const uint8_t* pSrc, int32_t* pSrcLen, uint16_t* pDst,
                                                    int32_t* pDstLen, int32_t bigEndian) {
-  return convert(pSrc, pSrcLen, pDst, pDstLen, bigEndian != 0 ? utf8ToUtf16<true> : utf8ToUtf16<false>);
+  return convert<utf8ToUtf16<false>, utf8ToUtf16<true>>(pSrc, pSrcLen, pDst, pDstLen, bigEndian);
 }
 
 ULK_EXPORT ulkStatus ULK_CALL ulksConvertUTF_16u8u(const uint16_t* pSrc, int32_t* pSrcLen, uint8_t* pDst,
                                                    int32_t* pDstLen, int32_t bigEndian) {
-  return convert(pSrc, pSrcLen, pDst, pDstLen, bigEndian != 0 ? utf16ToUtf8<true> : utf16ToUtf8<false>);
+  return convert<utf16ToUtf8<false>, utf16ToUtf8<true>>(pSrc, pSrcLen, pDst, pDstLen, bigEndian);
 }
