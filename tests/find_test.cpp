@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <ctime>
 #include <functional>
 #include <ostream>
 #include <string>
@@ -216,6 +217,19 @@ TEST(Find, SearchesDistinctStatesFromTwoThreads) {
   second.join();
   EXPECT_EQ(wrong[0], 0);
   EXPECT_EQ(wrong[1], 0);
+}
+
+// A compile that looked from each repeat to the end of the expression would take minutes here.
+TEST(Find, CompilesLongExpressionsInProportionToTheirLength) {
+  for (const char* piece : {"a?", "[a-z]?", "\\w*\\d*", "(?:a)*", "(?i)a*", "a*b", "(?:a|b?)"}) {
+    std::string pattern = "(?:";
+    for (int i = 0; i < 900; ++i) pattern += piece;
+    pattern += ")*";
+    for (int i = 0; i < 20000 && piece[0] != '('; ++i) pattern += piece;
+    const std::clock_t before = std::clock();
+    Compiled compiled(pattern);
+    EXPECT_LT(std::clock() - before, 5 * CLOCKS_PER_SEC) << piece;
+  }
 }
 
 // ---- what a search reads behind the text
