@@ -12,6 +12,7 @@ int main(int argc, char** argv) {
   bench::addEdit();
   bench::addConcatSplit();
   bench::addUtf();
+  bench::addExpressions();
   benchmark::RunSpecifiedBenchmarks();
   return bench::anyWrong ? 1 : 0;
 }

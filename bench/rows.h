@@ -194,5 +194,6 @@ void addTrim();
 void addEdit();
 void addConcatSplit();
 void addUtf();
+void addExpressions();
 
 }  // namespace bench
