@@ -70,7 +70,7 @@ __attribute__((noinline)) void searchOnPaintedStack(Search* search) {
 #ifdef _WIN32
 DWORD WINAPI threadMain(void* argument) {
   auto* search = static_cast<Search*>(argument);
-  MEMORY_BASIC_INFORMATION region;
+  MEMORY_BASIC_INFORMATION region = {};
   VirtualQuery(&region, &region, sizeof region);
   search->lowest =
       reinterpret_cast<uintptr_t>(region.AllocationBase) + (size_t{64} << 10);  // guard pages stay
