@@ -218,7 +218,7 @@ void makeFollowSets(ulkRegExpState& state, SpareFrames& frames) {
     const bool disjoint = !intersect(taken, follow.set);
     state.frames[frame].bytes = follow.set;
     node.text = &state.frames[frame].bytes;
-    node.op3 = FollowNote{options, follow.steps, follow.entersGroup, disjoint, follow.atEnd}.pack();
+    node.op3 = FollowNote::pack({options, follow.steps, follow.entersGroup, disjoint, follow.atEnd});
   }
 }
 

@@ -17,18 +17,20 @@ struct Follow {
 
   // Whether a try at this place, not beyond the end of the text, has to be made.
   bool admits(const MatchContext& m, const uint8_t* at) const {
-    if (at == m.textEnd) return note.atEnd;
+    if (at == m.textEnd) return note.atEnd();
     return set->contains(*at) && (!literal || beginsWithLiteral(m, at));
   }
 
   bool excludes(const MatchContext& m) const { return set && m.at <= m.textEnd && !admits(m, m.at); }
 
   // A try that runs out of budget on its way is made, not paid for.
-  bool canPay(const MatchContext& m, int32_t tries) const { return int64_t{note.steps} * tries <= m.budget; }
+  bool canPay(const MatchContext& m, int32_t tries) const {
+    return int64_t{note.steps()} * tries <= m.budget;
+  }
 
   void payForTries(MatchContext& m, int32_t tries) const {
-    m.budget -= note.steps * tries;
-    if (note.entersGroup && tries > 0) m.surplus = 0;
+    m.budget -= note.steps() * tries;
+    if (note.entersGroup() && tries > 0) m.surplus = 0;
   }
 
  private:
@@ -42,8 +44,8 @@ struct Follow {
 // For a repeat whose items were taken with these options.
 inline Follow followOf(const MatchContext& m, int32_t quantifier, uint32_t takenWith) {
   const RxNode& node = m.nodes[quantifier];
-  const FollowNote note = FollowNote::unpack(node.op3);
-  if (!node.text || note.options != m.options || takenWith != m.options) return {nullptr, nullptr, note};
+  const FollowNote note(node.op3);
+  if (!node.text || note.options() != m.options || takenWith != m.options) return {nullptr, nullptr, note};
   const RxNode* const next = &node + 1;
   const bool isLiteral =
       quantifier + 1 < m.numNodes && next->code == RX_STRING && !(m.options & RX_OPT_CASELESS);

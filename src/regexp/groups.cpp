@@ -5,6 +5,14 @@
 // runs the body again. Each of the two steps leaves one choice that remembers the frame, the capture slot and
 // the options as the step found them: when everything the step can do has failed, all of them are put back,
 // so that the choices made before find the group as they left it.
+//
+// Most groups are plain: they match once, their body does not refer to them, and the program changes no
+// options. For them the open step remembers all there is to put back, and leaving the group changes nothing
+// that a choice within it could see.
+#include <algorithm>
+#include <cstdlib>
+
+#include "regexp/items.h"
 #include "regexp/matcher.h"
 
 namespace ulk {
@@ -58,11 +66,12 @@ Choice& remember(MatchContext& m, const Group& group, ChoiceKind kind, bool furt
   return choice;
 }
 
+void restoreSlot(MatchContext& m, const RxNode& open, int32_t at, int32_t length) {
+  if (open.code == RX_CAPTURE) m.captures[open.op3] = {length < 0 ? nullptr : m.textStart + at, length};
+}
+
 void restoreSlot(MatchContext& m, const Choice& choice) {
-  const RxNode& open = m.nodes[choice.node];
-  if (open.code != RX_CAPTURE) return;
-  const bool unset = choice.group.captureLength < 0;
-  m.captures[open.op3] = {unset ? nullptr : m.textStart + choice.group.captureAt, choice.group.captureLength};
+  restoreSlot(m, m.nodes[choice.node], choice.group.captureAt, choice.group.captureLength);
 }
 
 // The step has failed: the group is put back as it found it.
@@ -104,6 +113,67 @@ Next enterBody(MatchContext& m, const Group& group, Choice& choice) {
   return branch(m, choice, condition.op1 < m.numCaptures && m.captures[condition.op1].length != -1);
 }
 
+// Whether the repeat can make the run around it match as it stands, whatever its groups have got to.
+bool matchesAtOnce(const RxNode& item, const RxNode& quantifier) {
+  return quantifier.code == RX_REPEAT_LAZY &&
+         (item.code == RX_CODEPOINT || (item.code == RX_END && item.op1 < 0));
+}
+
+// Whether the node opens a group that matches once and that nothing looks at from within.
+bool isPlain(const ulkRegExpState& state, int32_t index) {
+  const RxNode* const nodes = state.nodes();
+  const RxNode& open = nodes[index];
+  if (open.code != RX_CAPTURE && open.code != RX_GROUP) return false;
+  const int32_t end = index + open.op2 + 1;
+  if (end + 1 < state.numNodes && isQuantifier(nodes[end + 1])) return false;
+  if (open.code == RX_GROUP) return true;
+  for (int32_t i = index + 1; i < end; ++i) {
+    if (nodes[i].code == RX_BACKREF && nodes[i].op1 == open.op3) return false;
+    if (matchesAtOnce(nodes[i], nodes[i + 1])) return false;
+  }
+  return true;
+}
+
+// Finds the first alternative, from the one after this bar or open node on, that a literal does not rule out,
+// and pays for those before it.
+const RxNode* hopefulAlternative(MatchContext& m, const RxNode* bar) {
+  while (bar && failsAtLiteral(m, m.indexOf(bar) + 1)) {
+    --m.budget;
+    bar = nextBar(*bar);
+  }
+  return bar;
+}
+
+Next openPlain(MatchContext& m) {
+  const RxNode& open = m.nodes[m.node];
+  const RxNode* const first = hopefulAlternative(m, &open);
+  if (!first) {
+    m.surplus = 0;
+    return Next::kFail;
+  }
+  GroupFrame& frame = m.frames[open.op1].group;
+  Choice& choice = m.push(ChoiceKind::kPlain);
+  choice.plain.bar = m.indexOf(first);
+  choice.plain.remainingAtIteration = frame.remainingAtIteration;
+  frame.openNode = m.node;
+  frame.remainingAtIteration = m.remaining();
+  if (open.code == RX_CAPTURE) {
+    CaptureSlot& slot = m.captures[open.op3];
+    choice.plain.captureLength = slot.length;
+    choice.plain.captureAt = slot.length < 0 ? 0 : static_cast<int32_t>(slot.start - m.textStart);
+    slot = {m.at, 0};
+  }
+  return goOn(m, m.indexOf(first) + 1);
+}
+
+Next leavePlain(MatchContext& m, const RxNode& open) {
+  if (open.code == RX_CAPTURE) {
+    const int32_t length = m.frames[open.op1].group.remainingAtIteration - m.remaining();
+    m.captures[open.op3] = {m.at - length, length};
+  }
+  return goOn(m, m.node + 1);
+}
+
 // Passes over a group that is to be matched no times.
 Next passOver(MatchContext& m, const Group& group) {
   m.push(ChoiceKind::kOptions).options = static_cast<uint8_t>(m.options);
@@ -118,7 +188,38 @@ int32_t findBar(const RxNode* nodes, int32_t from, int32_t end, int32_t serial) 
   return -1;
 }
 
+void linkGroups(ulkRegExpState& state) {
+  RxNode* const nodes = state.nodes();
+  const bool changesOptions = std::any_of(nodes, nodes + state.numNodes, [](const RxNode& node) {
+    return node.code == RX_OPTIONS || node.code == RX_OPTGROUP;
+  });
+  RxNode* topLevel = nullptr;
+  for (RxNode* node = nodes; node != nodes + state.numNodes; ++node) {
+    // The frame of a group that is still open holds the last node to link its bars to.
+    if (isGroupOpen(*node)) {
+      node->text = nullptr;
+      state.frames[std::abs(node->op1)].group.openNode = static_cast<int32_t>(node - nodes);
+    } else if (node->code == RX_ALT) {
+      node->text = nullptr;
+      if (node->op1 == kTopLevel) {
+        if (topLevel) topLevel->text = node;
+        topLevel = node;
+      } else {
+        int32_t& last = state.frames[std::abs(node->op1)].group.openNode;
+        nodes[last].text = node;
+        last = static_cast<int32_t>(node - nodes);
+      }
+    } else if (node->code == RX_END) {
+      node->text = nullptr;
+    }
+  }
+  if (changesOptions) return;
+  for (int32_t i = 0; i < state.numNodes; ++i)
+    if (isPlain(state, i)) nodes[nextItem(nodes, i) - 1].text = &nodes[i];
+}
+
 Next stepGroupOpen(MatchContext& m) {
+  if (m.nodes[m.node + m.nodes[m.node].op2 + 1].text) return openPlain(m);
   const Group group = groupAt(m, m.node);
   if (group.most == 0) return passOver(m, group);
 
@@ -163,6 +264,21 @@ Next branch(MatchContext& m, Choice& choice, bool conditionHolds) {
   return runAlternative(m, group, choice, bar + 1);
 }
 
+// An alternative of a plain group has failed.
+Next retryPlain(MatchContext& m, Choice& choice) {
+  m.moveTo(choice.at);
+  m.surplus = 0;
+  if (const RxNode* const bar = hopefulAlternative(m, nextBar(m.nodes[choice.plain.bar]))) {
+    choice.plain.bar = m.indexOf(bar);
+    return goOn(m, choice.plain.bar + 1);
+  }
+  const RxNode& open = m.nodes[choice.node];
+  m.frames[open.op1].group.remainingAtIteration = choice.plain.remainingAtIteration;
+  restoreSlot(m, open, choice.plain.captureAt, choice.plain.captureLength);
+  m.pop();
+  return Next::kFail;
+}
+
 // An alternative has failed.
 Next retryAlternative(MatchContext& m, Choice& choice) {
   const Group group = groupAt(m, choice.node);
@@ -174,10 +290,10 @@ Next retryAlternative(MatchContext& m, Choice& choice) {
   frame.remainingAtIteration = m.remaining();
 
   if (group.open.code != RX_COND) {
-    const int32_t bar = findBar(m.nodes, choice.group.alternative, group.endNode, group.open.op1);
-    if (bar >= 0) {
-      m.options = static_cast<uint32_t>(m.nodes[bar].op2);
-      return runAlternative(m, group, choice, bar + 1);
+    // The node before an alternative's first is the open node or a bar.
+    if (const RxNode* const bar = nextBar(m.nodes[choice.group.alternative - 1])) {
+      m.options = static_cast<uint32_t>(bar->op2);
+      return runAlternative(m, group, choice, m.indexOf(bar) + 1);
     }
   }
 
@@ -209,6 +325,7 @@ Next retryOptions(MatchContext& m, Choice& choice) {
 
 // The body has reached the group's end.
 Next stepGroupEnd(MatchContext& m) {
+  if (const void* open = m.nodes[m.node].text) return leavePlain(m, *static_cast<const RxNode*>(open));
   GroupFrame& frame = m.frames[m.nodes[m.node].op1].group;
   const Group group = groupAt(m, frame.openNode);
   Choice& choice = remember(m, group, ChoiceKind::kLeft, true);

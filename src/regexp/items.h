@@ -31,6 +31,13 @@ inline int32_t afterItem(const MatchContext& m, int32_t item) {
   return item + 1 + (node.code == RX_CLASS ? node.op2 : 0);
 }
 
+// Whether a step at the node would fail because a literal, not quantified, stands there that does not match.
+inline bool failsAtLiteral(const MatchContext& m, int32_t node) {
+  const RxNode& item = m.nodes[node];
+  if (item.code > RX_STRING || m.budget < 0 || m.at > m.textEnd || m.hasQuantifier(node + 1)) return false;
+  return itemLength(m, item, m.at) == kNoMatch;
+}
+
 // Whether the class accepts a character; `byte` is its first byte.
 bool classAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options);
 

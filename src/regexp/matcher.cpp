@@ -136,6 +136,8 @@ Next retry(MatchContext& m) {
       return retryLazyCodePoint(m, choice);
     case ChoiceKind::kLazyProperty:
       return retryLazyProperty(m, choice);
+    case ChoiceKind::kPlain:
+      return retryPlain(m, choice);
     case ChoiceKind::kAlternative:
       return retryAlternative(m, choice);
     case ChoiceKind::kLazyLeave:

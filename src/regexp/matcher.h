@@ -33,7 +33,8 @@ enum class ChoiceKind : uint8_t {
   kLazy,             //   take one more item
   kLazyCodePoint,    //   decide about the character at the position
   kLazyProperty,     //   take the character at the position, whatever it is
-  kAlternative,      // groups.cpp: try the group's next alternative
+  kPlain,            // groups.cpp: try the plain group's next alternative
+  kAlternative,      //   try the group's next alternative
   kLazyLeave,        //   enter the body after all
   kLeft,             //   nothing left to try: put the group back as it was
   kOptions,          //   put the options back
@@ -67,6 +68,12 @@ struct Choice {
     int32_t captureAt;
     int32_t captureLength;  // -1: unset
   };
+  struct Plain {
+    int32_t bar;  // the bar or open node before the alternative that is running
+    int32_t remainingAtIteration;
+    int32_t captureAt;
+    int32_t captureLength;  // -1: unset
+  };
   struct Run {
     int32_t alternative;
     int32_t endNode;   // of the run around this one
@@ -86,6 +93,7 @@ struct Choice {
   union {
     Greedy greedy;
     Lazy lazy;
+    Plain plain;
     Group group;
     Run run;
   };
@@ -136,6 +144,7 @@ struct MatchContext {
     return choice;
   }
 
+  int32_t indexOf(const RxNode* of) const { return static_cast<int32_t>(of - nodes); }
   bool hasQuantifier(int32_t index) const { return index < numNodes && isQuantifier(nodes[index]); }
 };
 
@@ -157,9 +166,13 @@ Next retryLazyCodePoint(MatchContext& m, Choice& choice);
 Next retryLazyProperty(MatchContext& m, Choice& choice);
 
 // groups.cpp
+// Links every bar to the next one of its group, every open node to the group's first bar, and the ends of
+// plain groups to their open nodes, all by `text`. Part of every compile.
+void linkGroups(ulkRegExpState& state);
 Next stepGroupOpen(MatchContext& m);
 Next stepGroupEnd(MatchContext& m);
 Next stepBar(MatchContext& m);
+Next retryPlain(MatchContext& m, Choice& choice);
 Next retryAlternative(MatchContext& m, Choice& choice);
 Next retryLazyLeave(MatchContext& m, Choice& choice);
 Next retryLeft(MatchContext& m, Choice& choice);
@@ -168,6 +181,9 @@ Next branch(MatchContext& m, Choice& choice, bool conditionHolds);
 
 // The next bar of the group with this serial in nodes[from, end), -1 if there is none.
 int32_t findBar(const RxNode* nodes, int32_t from, int32_t end, int32_t serial);
+
+// The bar that a bar or an open node is linked to, null if there is none.
+inline const RxNode* nextBar(const RxNode& node) { return static_cast<const RxNode*>(node.text); }
 
 // subrun.cpp
 Next stepLookahead(MatchContext& m);

@@ -21,13 +21,14 @@ template <class Accepts>
 int32_t takeCharacters(MatchContext& m, const RxNode& item, int32_t most, Accepts accepts) {
   int32_t count = 0;
   const uint8_t* at = m.at;
-  while (count < most && at < m.textEnd) {
+  for (;;) {
     const uint8_t* const run = at;
     const uint8_t* const end = at + std::min<ptrdiff_t>(most - count, m.textEnd - at);
-    while (at < end && *at < 0x80 && accepts(*at)) ++at;
+    while (end - at >= 4 && accepts(at[0]) & accepts(at[1]) & accepts(at[2]) & accepts(at[3])) at += 4;
+    while (at < end && accepts(*at)) ++at;
     count += static_cast<int32_t>(at - run);
-    if (at == end) continue;
-    const int32_t length = *at < 0x80 ? kNoMatch : itemLength(m, item, at);
+    if (at >= end || *at < 0x80) break;
+    const int32_t length = itemLength(m, item, at);
     if (length == kNoMatch) break;
     at += length;
     ++count;
@@ -40,10 +41,12 @@ int32_t takeCharacters(MatchContext& m, const RxNode& item, int32_t most, Accept
 int32_t takeItems(MatchContext& m, const RxNode& item, int32_t most) {
   const uint32_t options = m.options;
   const ByteSet256* const set = item.code == RX_CLASS ? classSet(item, options) : nullptr;
-  if (set) return takeCharacters(m, item, most, [set](uint8_t byte) { return set->contains(byte); });
+  if (set)
+    return takeCharacters(m, item, most, [set](uint8_t byte) { return byte < 0x80 && set->contains(byte); });
   if (item.code == RX_CHARTYPE) {
     const uint8_t wanted = byteSetOf(item.op1, options);
-    return takeCharacters(m, item, most, [wanted](uint8_t byte) { return inByteSet(byte, wanted); });
+    return takeCharacters(m, item, most,
+                          [wanted](uint8_t byte) { return byte < 0x80 && inByteSet(byte, wanted); });
   }
   int32_t count = 0;
   for (; count < most; ++count) {
@@ -111,7 +114,7 @@ void giveBack(const MatchContext& m, Choice& choice) {
 bool giveBackToFollow(MatchContext& m, Choice& choice, const Follow& follow) {
   const int32_t spare = choice.greedy.spare;
   bool found = false;
-  if (follow.note.disjoint) {
+  if (follow.note.disjoint()) {
     choice.greedy.spare = 0;  // wherever the repeat ends earlier, one of its items is next
   } else if (choice.kind == ChoiceKind::kGreedyBytes) {
     const uint8_t* at = m.textStart + choice.at;
@@ -180,12 +183,36 @@ bool takeOneMore(MatchContext& m, Choice& choice, const RxNode& item) {
   return true;
 }
 
+// Takes items of one byte as long as what follows cannot begin before them, and pays for the tries.
+void takeHopelessItems(MatchContext& m, Choice& choice, const RxNode& item, const Follow& follow) {
+  const int32_t affordable = m.budget / follow.note.steps();
+  const int32_t most = std::min({choice.lazy.most - choice.lazy.count, m.remaining(), affordable});
+  const uint8_t* const end = m.at + std::max(most, 0);
+  const auto take = [&](auto accepts) {
+    const uint8_t* at = m.at;
+    while (at < end && *at < 0x80 && !follow.admits(m, at) && accepts(*at)) ++at;
+    return static_cast<int32_t>(at - m.at);
+  };
+  int32_t taken = 0;
+  const ByteSet256* const set = item.code == RX_CLASS ? classSet(item, m.options) : nullptr;
+  if (set) {
+    taken = take([set](uint8_t byte) { return set->contains(byte); });
+  } else if (item.code == RX_CHARTYPE) {
+    const uint8_t wanted = byteSetOf(item.op1, m.options);
+    taken = take([wanted](uint8_t byte) { return inByteSet(byte, wanted); });
+  }
+  m.at += taken;
+  choice.lazy.count += taken;
+  follow.payForTries(m, taken);
+}
+
 // Tries what follows the repeat at the present count, or at the next one where it may be tried and can
 // succeed.
 Next continueLazy(MatchContext& m, Choice& choice) {
   const RxNode& item = m.nodes[choice.node];
   const int32_t next = afterItem(m, choice.node) + 1;
   const Follow follow = followOf(m, next - 1, choice.options);
+  if (follow.set && m.budget > 0) takeHopelessItems(m, choice, item, follow);
   for (;;) {
     if (m.budget >= 0 && mayContinue(m, item, next)) {
       if (!follow.excludes(m) || !follow.canPay(m, 1)) break;

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 
-#include "kernels/two_way.h"
+#include "kernels/find_unit.h"
+#include "regexp/caseless_search.h"
+#include "regexp/items.h"
 #include "regexp/matcher.h"
 #include "regexp/start_filter.h"
 #include "regexp/utf8.h"
@@ -17,24 +19,6 @@ enum class Anchor {
   kLineStart,  // only at the text start and after newlines
   kTextStart,  // only at the text start
 };
-
-// Bytes from the last to the first, ASCII letters as capitals.
-struct CaselessFromEnd {
-  const uint8_t* bytes;
-  size_t length;
-
-  uint8_t operator[](size_t i) const {
-    const uint8_t c = bytes[length - 1 - i];
-    return c >= 'a' && c <= 'z' ? static_cast<uint8_t>(c - 0x20) : c;
-  }
-};
-
-int32_t findRevCaseless(const uint8_t* text, int32_t length, const uint8_t* literal, int32_t literalLength) {
-  const CaselessFromEnd haystack{text, static_cast<size_t>(length)};
-  const CaselessFromEnd needle{literal, static_cast<size_t>(literalLength)};
-  const int32_t fromEnd = twoWayOffset(haystack, needle);
-  return fromEnd < 0 ? -1 : length - fromEnd - literalLength;
-}
 
 // A match ends with the pattern's trailing literal, so nothing after its last occurrence is searched; where
 // it does not occur, only the empty text is left. The cut is the end of the text also for assertions.
@@ -54,10 +38,6 @@ int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, i
     ulksFindRev_8u(text, length, bytes, literalLength, &index);
   }
   return index < 0 ? 0 : index + literalLength;
-}
-
-int32_t nextTopLevelBar(const ulkRegExpState& state, int32_t from) {
-  return findBar(state.nodes(), from, state.numNodes, kTopLevel);
 }
 
 Anchor anchorOf(const ulkRegExpState& state) {
@@ -119,11 +99,12 @@ class Search {
 // The character after the one at `at`; with a line anchor, the next line start. Beyond the end if there is
 // none.
 const uint8_t* Search::nextStart(const uint8_t* at) const {
-  do {
-    if (at >= m_.textEnd) return m_.textEnd + 1;
-    at += state_.format == kFormatUtf8 ? decodeUtf8(at).length : 1;
-  } while (anchor_ == Anchor::kLineStart && at <= m_.textEnd && at[-1] != '\n');
-  return at;
+  if (at >= m_.textEnd) return m_.textEnd + 1;
+  if (anchor_ == Anchor::kLineStart) {
+    const int32_t newline = findUnit(at, static_cast<int32_t>(m_.textEnd - at), static_cast<uint8_t>('\n'));
+    return newline < 0 ? m_.textEnd + 1 : at + newline + 1;
+  }
+  return at + (state_.format == kFormatUtf8 ? decodeUtf8(at).length : 1);
 }
 
 bool Search::matchAlternative(int32_t first) {
@@ -131,6 +112,10 @@ bool Search::matchAlternative(int32_t first) {
   m_.surplus = 0;
   m_.node = first;
   m_.run = kNoRun;
+  if (first < m_.numNodes && failsAtLiteral(m_, first)) {
+    --m_.budget;
+    return false;
+  }
   return rxMatch(m_);
 }
 
@@ -139,9 +124,11 @@ bool Search::matchAt(const uint8_t* start) {
   m_.matchStart = start;
   std::fill(state_.captures + 1, state_.captures + state_.numCaptures, CaptureSlot{nullptr, -1});
   if (matchAlternative(0)) return true;
-  for (int32_t bar = startFilterOf(state_).firstBar; bar >= 0; bar = nextTopLevelBar(state_, bar + 1)) {
-    m_.options = static_cast<uint32_t>(m_.nodes[bar].op2);
-    if (matchAlternative(bar + 1)) return true;
+  const int32_t firstBar = startFilterOf(state_).firstBar;
+  const RxNode* bar = firstBar < 0 ? nullptr : m_.nodes + firstBar;
+  for (; bar; bar = nextBar(*bar)) {
+    m_.options = static_cast<uint32_t>(bar->op2);
+    if (matchAlternative(m_.indexOf(bar) + 1)) return true;
   }
   return false;
 }

@@ -7,6 +7,7 @@
 #include "kernels/find_substring.h"
 #include "regexp/byte_sets.h"
 #include "regexp/bytes.h"
+#include "regexp/caseless_search.h"
 #include "regexp/first_bytes.h"
 #include "regexp/items.h"
 #include "regexp/utf8.h"
@@ -36,6 +37,39 @@ bool listMembers(const ByteSet256& set, uint8_t (&members)[4]) {
   return count > 0;
 }
 
+// Lists the bounds of a set of one or two ranges below 0x80; one range stands twice. False for other sets.
+bool listRanges(const ByteSet256& set, uint8_t (&bounds)[4]) {
+  int count = 0;
+  for (int32_t c = 0; c < 0x80; ++c) {
+    const bool member = set.contains(static_cast<uint8_t>(c));
+    const bool before = c > 0 && set.contains(static_cast<uint8_t>(c - 1));
+    if (member == before) continue;
+    if (count == 4) return false;
+    bounds[count++] = static_cast<uint8_t>(member ? c : c - 1);
+  }
+  if (count < 2 || count % 2 != 0 || set.words[4] | set.words[5] | set.words[6] | set.words[7]) return false;
+  if (count == 2) std::copy(bounds, bounds + 2, bounds + 2);
+  return true;
+}
+
+struct RangesProbe {
+  static constexpr bool kExact = true;
+  const uint8_t* text;
+  UnitRange<uint8_t> first, second;
+
+  template <class Block>
+  ULK_INLINE Vec16<uint8_t> hits(const Block& block) const {
+    const Vec16<uint8_t> bytes = block.load(text);
+    return first.contains(bytes) | second.contains(bytes);
+  }
+  ULK_INLINE const RangesProbe& filter() const { return *this; }
+};
+
+int32_t findInRanges(const uint8_t* text, int32_t length, const uint8_t (&bounds)[4]) {
+  RangesProbe probe{text, {bounds[0], bounds[1]}, {bounds[2], bounds[3]}};
+  return scan<Forward>(text, static_cast<size_t>(length), probe);
+}
+
 bool containsAll(const ByteSet256& set) {
   return std::all_of(set.words, set.words + 8, [](uint32_t word) { return word == ~0u; });
 }
@@ -47,16 +81,46 @@ int32_t runOf(const RxNode* nodes, int32_t numNodes, int32_t item, uint32_t opti
   const int32_t quantifier = nextItem(nodes, item);
   if (quantifier >= numNodes) return 0;
   const RxNode& node = nodes[quantifier];
-  if (node.code != RX_REPEAT || node.op1 < 1 || node.op2 != kUnbounded || !node.text) return 0;
-  return FollowNote::unpack(node.op3).options == options ? quantifier : 0;
+  if (node.code != RX_REPEAT || node.op1 < 1 || !node.text) return 0;
+  return FollowNote(node.op3).options() == options ? quantifier : 0;
 }
 
 StartKind kindOf(const FirstBytes& items, const RxNode* nodes, StartFilter& filter) {
   if (items.boundarySteps > 0) return StartKind::kBoundary;
   if (containsAll(items.set)) return StartKind::kAny;
   const bool caseless = filter.options & RX_OPT_CASELESS;
-  if (filter.item >= 0 && nodes[filter.item].code == RX_STRING && !caseless) return StartKind::kString;
-  return listMembers(items.set, filter.members) ? StartKind::kFew : StartKind::kSet;
+  if (filter.item >= 0 && nodes[filter.item].code == RX_STRING) {
+    return caseless ? StartKind::kCaselessString : StartKind::kString;
+  }
+  if (!listMembers(items.set, filter.members)) {
+    return listRanges(items.set, filter.members) ? StartKind::kRanges : StartKind::kSet;
+  }
+  return filter.members[1] == filter.members[0] ? StartKind::kByte : StartKind::kFew;
+}
+
+bool isLiteral(const ulkRegExpState& state, int32_t node) {
+  const RxNode* const nodes = state.nodes();
+  const bool quantified = node + 1 < state.numNodes && isQuantifier(nodes[node + 1]);
+  return node < state.numNodes && nodes[node].code <= RX_STRING && !quantified;
+}
+
+// The first node that is no option change.
+int32_t firstNode(const RxNode* nodes, int32_t numNodes) {
+  int32_t first = 0;
+  while (first < numNodes && nodes[first].code == RX_OPTIONS) ++first;
+  return first;
+}
+
+// Whether a match begins with a string, or every alternative with a literal.
+bool beginsWithLiterals(const ulkRegExpState& state, const StartFilter& filter) {
+  if (filter.item >= 0) return state.nodes()[filter.item].code == RX_STRING;
+  if (filter.firstBar < 0 || !isLiteral(state, firstNode(state.nodes(), state.numNodes))) return false;
+  const RxNode* bar = &state.nodes()[filter.firstBar];
+  while (bar && bar->op2 == filter.options &&
+         isLiteral(state, static_cast<int32_t>(bar - state.nodes()) + 1)) {
+    bar = nextBar(*bar);
+  }
+  return !bar;
 }
 
 // The filter for attempts that begin with these options, kAny where the options or the items do not allow
@@ -69,14 +133,14 @@ StartFilter filterFor(ulkRegExpState& state, bool hasSet) {
   if (nodes[0].code == RX_ASSERT && nodes[0].op1 == kLeadingDotStar && filter.firstBar < 0) {
     filter.kind = StartKind::kLineStart;
     filter.steps = 1;
-    filter.options = state.options;
+    filter.options = static_cast<uint8_t>(state.options);
     return filter;
   }
 
   // An option change at the start is in force from the second attempt on; the filter is for those.
   FirstBytes items(state);
   if (!hasSet || !items.ofProgram(state.options)) return filter;
-  filter.options = items.exitOptions;
+  filter.options = static_cast<uint8_t>(items.exitOptions);
   if (filter.options != state.options) {
     items = FirstBytes(state);
     if (!items.ofProgram(filter.options) || items.exitOptions != filter.options) return filter;
@@ -86,6 +150,8 @@ StartFilter filterFor(ulkRegExpState& state, bool hasSet) {
   filter.item = items.itemOptions == filter.options ? items.soleItem : -1;
   filter.run = runOf(nodes, state.numNodes, filter.item, filter.options);
   filter.kind = kindOf(items, nodes, filter);
+  const bool foundWhole = filter.kind == StartKind::kString || filter.kind == StartKind::kCaselessString;
+  filter.literals = !foundWhole && beginsWithLiterals(state, filter);
   if (filter.kind != StartKind::kAny) state.frames[kStartSetFrame].bytes = items.set;
   return filter;
 }
@@ -102,17 +168,12 @@ int32_t passCharacters(const uint8_t*& at, const uint8_t* end) {
   return count;
 }
 
-int32_t findInSet(const ByteSet256& set, const uint8_t* text, int32_t length) {
-  for (int32_t i = 0; i < length; ++i)
-    if (set.contains(text[i])) return i;
-  return -1;
-}
-
 }  // namespace
 
 void prepareSearch(ulkRegExpState& state) {
   SpareFrames frames(state);
   const bool hasSet = frames.take() == kStartSetFrame;
+  linkGroups(state);
   makeClassSets(state, frames);
   makeFollowSets(state, frames);
   state.frames[0].start = filterFor(state, hasSet);
@@ -123,6 +184,7 @@ Starts::Starts(MatchContext& m, const ulkRegExpState& state)
       state_(state),
       filter_(startFilterOf(state)),
       set_(state.frames[kStartSetFrame].bytes),
+      runEnd_(nullptr),
       attemptsEnd_(nullptr) {}
 
 void Starts::pay(int64_t steps) {
@@ -150,17 +212,23 @@ const uint8_t* Starts::payForAll(const uint8_t* at, const uint8_t* end) {
 int32_t Starts::find(const uint8_t* at, int32_t length) const {
   int32_t found = -1;
   switch (filter_.kind) {
+    case StartKind::kByte:
+      found = findUnit(at, length, filter_.members[0]);
+      break;
     case StartKind::kFew:
       found = findAny(at, length, filter_.members, 4);
       break;
-    case StartKind::kSet:
-      found = findInSet(set_, at, length);
+    case StartKind::kRanges:
+      found = findInRanges(at, length, filter_.members);
       break;
-    case StartKind::kString: {
+    case StartKind::kString:
+    case StartKind::kCaselessString: {
       const RxNode& literal = m_.nodes[filter_.item];
       const auto reach =
           static_cast<int32_t>(std::min<int64_t>(int64_t{length} + literal.op2 - 1, m_.textEnd - at));
-      found = findSubstring(at, reach, static_cast<const uint8_t*>(literal.text), literal.op2);
+      const auto* const bytes = static_cast<const uint8_t*>(literal.text);
+      found = filter_.kind == StartKind::kString ? findSubstring(at, reach, bytes, literal.op2)
+                                                 : findCaseless(at, length, reach, bytes, literal.op2);
       break;
     }
     case StartKind::kLineStart:
@@ -173,30 +241,50 @@ int32_t Starts::find(const uint8_t* at, int32_t length) const {
   return found < 0 ? length : found;
 }
 
+// The first position in [at, end) with a byte of the set, the next one from `end` on if there is none. Pays
+// for those before it.
+const uint8_t* Starts::passOutsideSet(const uint8_t* at, const uint8_t* end) {
+  int32_t starts = 0;
+  for (; at < end && !set_.contains(*at); ++starts) at = *at < 0x80 ? at + 1 : characterAfter(at);
+  pay(int64_t{starts} * filter_.steps);
+  return at;
+}
+
 // The first position in [at, end) at a word boundary with a byte of the set, the next one from `end` on if
 // there is none. Pays for those before it: without a boundary only the assertion is run.
 const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) {
   int64_t starts = 0;
   int64_t boundaries = 0;
-  bool wordBefore = at != m_.textStart && inByteSet(at[-1], kWord);
-  for (; at < end; ++starts) {
-    const bool word = inByteSet(*at, kWord);
-    if (word != wordBefore) {
-      if (set_.contains(*at)) break;
-      ++boundaries;
+  bool inWord = at != m_.textStart && inByteSet(at[-1], kWord);
+  while (at < end) {
+    if (inWord) {
+      const uint8_t* const from = at;
+      while (at < end && inByteSet(*at, kWord)) ++at;
+      starts += at - from;
+    } else {
+      for (; at < end && !inByteSet(*at, kWord); ++starts) at = *at < 0x80 ? at + 1 : characterAfter(at);
     }
-    wordBefore = word;
+    if (at >= end || set_.contains(*at)) break;
+    // The assertion holds here, but no item matches.
+    ++boundaries;
+    ++starts;
+    inWord = !inWord;
     at = *at < 0x80 ? at + 1 : characterAfter(at);
   }
   pay(starts * filter_.boundarySteps + boundaries * (filter_.steps - filter_.boundarySteps));
   return at;
 }
 
-// Whether the string that a match begins with is not at this place, where it may begin by its first byte.
+// Whether none of the literals that the alternatives begin with is at this place, where one may be by its
+// first byte.
 bool Starts::isHopelessLiteral(const uint8_t* at) const {
-  if (filter_.item < 0 || filter_.kind == StartKind::kString || m_.nodes[filter_.item].code != RX_STRING)
-    return false;
-  return itemLength(m_, m_.nodes[filter_.item], at) == kNoMatch;
+  if (!filter_.literals) return false;
+  const int32_t first = filter_.item >= 0 ? filter_.item : firstNode(m_.nodes, m_.numNodes);
+  if (itemLength(m_, m_.nodes[first], at) != kNoMatch) return false;
+  if (filter_.firstBar < 0) return true;
+  for (const RxNode* bar = m_.nodes + filter_.firstBar; bar; bar = nextBar(*bar))
+    if (itemLength(m_, bar[1], at) != kNoMatch) return false;
+  return true;
 }
 
 // An attempt that begins with an unbounded repeat runs to the first byte that is none of its items, from
@@ -206,14 +294,18 @@ bool Starts::isHopelessLiteral(const uint8_t* at) const {
 const uint8_t* Starts::passRun(const uint8_t* at) {
   constexpr int64_t kPlenty = 1 << 17;  // so many tries exhaust every budget
   const Follow follow = followOf(m_, filter_.run, m_.options);
-  const uint8_t* end = at;
-  while (end < m_.textEnd && *end < 0x80 && set_.contains(*end)) ++end;
+  if (at >= runEnd_) {
+    runEnd_ = at;
+    while (runEnd_ < m_.textEnd && *runEnd_ < 0x80 && set_.contains(*runEnd_)) ++runEnd_;
+  }
+  const uint8_t* const end = std::min(runEnd_, m_.textEnd);
   attemptsEnd_ = filter_.kind == StartKind::kBoundary ? at : end;
   if (end == at || (end < m_.textEnd && set_.contains(*end))) return at;
 
   const int32_t least = m_.nodes[filter_.run].op1;
+  if (m_.nodes[filter_.run].op2 != kUnbounded) return passBounded(at, end, follow);
   const uint8_t* last = end;
-  if (follow.note.disjoint) {
+  if (follow.note.disjoint()) {
     if (!follow.admits(m_, last)) last = at;
   } else {
     while (last - at >= least && !follow.admits(m_, last)) --last;
@@ -225,23 +317,49 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
   }
   const int64_t attempts = boundary ? 1 : end - at;
   const int64_t tries = std::clamp<int64_t>(end - at - least + 1, 0, kPlenty);
-  pay(attempts * filter_.steps + (boundary ? tries : tries * (tries + 1) / 2) * follow.note.steps);
+  pay(attempts * filter_.steps + (boundary ? tries : tries * (tries + 1) / 2) * follow.note.steps());
   return at + attempts;
 }
 
+// As passRun, one attempt after the other, for a repeat with a bound.
+const uint8_t* Starts::passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow) {
+  const RxNode& bounds = m_.nodes[filter_.run];
+  attemptsEnd_ = at;
+  for (; at < end; ++at) {
+    const int32_t most = static_cast<int32_t>(std::min<ptrdiff_t>(bounds.op2, end - at));
+    for (int32_t count = most; count >= bounds.op1; --count)
+      if (follow.admits(m_, at + count)) return at;
+    pay(filter_.steps + int64_t{std::max(most - bounds.op1 + 1, 0)} * follow.note.steps());
+    if (filter_.kind == StartKind::kBoundary) return at + 1;
+  }
+  return at;
+}
+
+// Moves `at` by vector search to the first position in [at, end) where a match may begin; false if there is
+// none.
+bool Starts::passFar(const uint8_t*& at, const uint8_t* end) {
+  if (at >= end) return false;
+  const uint8_t* const candidate = at + find(at, static_cast<int32_t>(end - at));
+  at = payForAll(at, candidate);
+  return at == candidate && at != end;
+}
+
 const uint8_t* Starts::skip(const uint8_t* at) {
+  constexpr ptrdiff_t kNear = 8;
   constexpr ptrdiff_t kStride = 4096;  // how far to look before paying, lest a small budget reads a long text
   while (at < m_.textEnd && m_.budget >= 0) {
-    const auto length = static_cast<int32_t>(std::min(m_.textEnd - at, kStride));
-    const uint8_t* const end = at + length;
+    const uint8_t* const end = at + std::min(m_.textEnd - at, kStride);
     if (filter_.kind == StartKind::kBoundary) {
       at = passNonBoundaries(at, end);
       if (at >= end) continue;
+    } else if (filter_.kind == StartKind::kSet) {
+      at = passOutsideSet(at, end);
+      if (at >= end) continue;
     } else {
-      const int32_t start = find(at, length);
-      const uint8_t* const candidate = at + start;
-      at = payForAll(at, candidate);
-      if (at != candidate || start == length) continue;
+      // In words and numbers the next start is not far.
+      const uint8_t* const near = filter_.kind == StartKind::kRanges ? std::min(at + kNear, end) : at;
+      at = passOutsideSet(at, near);
+      if (at >= near && !passFar(at, end)) continue;
     }
     if (isHopelessLiteral(at)) {
       pay(filter_.steps);

@@ -38,7 +38,10 @@ class Starts {
   int32_t find(const uint8_t* at, int32_t length) const;
   bool isHopelessLiteral(const uint8_t* at) const;
   const uint8_t* passRun(const uint8_t* at);
+  const uint8_t* passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow);
+  const uint8_t* passOutsideSet(const uint8_t* at, const uint8_t* end);
   const uint8_t* passNonBoundaries(const uint8_t* at, const uint8_t* end);
+  bool passFar(const uint8_t*& at, const uint8_t* end);
   const uint8_t* payForAll(const uint8_t* at, const uint8_t* end);
   void pay(int64_t steps);
 
@@ -46,6 +49,7 @@ class Starts {
   const ulkRegExpState& state_;
   const StartFilter& filter_;
   const ByteSet256& set_;
+  const uint8_t* runEnd_;       // of the run that was looked at last
   const uint8_t* attemptsEnd_;  // all positions before it need attempts
 };
 

@@ -50,9 +50,13 @@ struct ByteSet256 {
 
 // Where a match may begin (start_filter.h). "The set" is that in frame kStartSetFrame.
 enum class StartKind : int32_t {
-  kAny,        // nothing is known: every position is tried
-  kString,     // with the string at `item`
-  kFew,        // with one of the `members`, which are those of the set
+  kAny,             // nothing is known: every position is tried
+  kString,          // with the string at `item`
+  kCaselessString,  // the same, letters in either case
+  kByte,            // with the one byte of the set, the first of the `members`
+  kFew,             // with one of the `members`, which are those of the set
+  kRanges,     // with a byte of the set, which is that from the first to the second and from the third to the
+               // fourth of the `members`
   kSet,        // with a byte of the set
   kBoundary,   // with a byte of the set at a word boundary
   kLineStart,  // at the text start or after a newline
@@ -62,8 +66,8 @@ struct StartFilter {
   StartKind kind;
   int32_t steps;          // that an attempt elsewhere costs
   int32_t boundarySteps;  // that it costs where there is no word boundary
-  uint32_t
-      options;  // in force when an attempt begins, without which nothing is known, and when it has failed
+  uint8_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
+  bool literals;    // every way begins with a literal, whose first byte alone tells the set nothing more
   uint8_t members[4];  // the first one again where there are fewer
   int32_t item;        // the node of the one item that every match begins with, -1 if there are several
   int32_t run;         // the quantifier of that item, if runs of it can be passed over, 0 if not
