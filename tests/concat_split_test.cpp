@@ -371,7 +371,7 @@ TYPED_TEST(ConcatSplit, SplitsRandomTexts) {
   std::mt19937 random(kSeed);
   for (int round = 0; round < 2000; ++round) {
     std::vector<TypeParam> text(random() % (round % 10 == 0 ? 1000 : 100));
-    const unsigned partLength = 1 + random() % (round % 3 == 0 ? 100 : 12);
+    const auto partLength = 1 + random() % (round % 3 == 0 ? 100 : 12);
     for (auto& unit : text) {
       unit = random() % partLength == 0 ? this->kComma : static_cast<TypeParam>(random());
     }
