@@ -14,7 +14,7 @@
 /// function says otherwise.
 ///
 /// **Names** read `ulks<Operation>[<Variant>]_<type>[_<form>]`: `C` one unit, `CAny` any unit of a set, `Rev`
-/// a search from the end, `_Z` zero-terminated inputs.
+/// a search from the end, `_Z` zero-terminated inputs, `_I` in place, `_D2L` lists of strings.
 ///
 /// **Checks** come before anything is written and stop at the first failure: pointers in the order of the
 /// arguments (#ulkErrNullPtr), then lengths (#ulkErrLength), then counts, capacities and sizes (#ulkErrSize),
@@ -682,8 +682,8 @@ ULK_API ulkStatus ULK_CALL ulksRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen
 /// @param[in]  srcLen      its length in units
 /// @param[in]  pInsert     the string inserted; does not overlap the destination
 /// @param[in]  insertLen   its length in units
-/// @param[out] pDst        the result, `srcLen` + `insertLen` units unless `insertLen` is 0. May be `pSrc`, in
-///                         memory with room for the result; does not overlap it in any other way
+/// @param[out] pDst        the result, `srcLen` + `insertLen` units unless `insertLen` is 0. May be `pSrc`,
+///                         with room for the result; does not overlap it in any other way
 /// @param[in]  startIndex  the position in the source that the inserted string comes before; `srcLen` appends
 /// @retval ulkOk          the result is written
 /// @retval ulkErrNullPtr  `pSrc`, `pInsert` or `pDst` is null
@@ -726,15 +726,15 @@ ULK_API ulkStatus ULK_CALL ulksRemove_8u(const uint8_t* pSrc, int32_t srcLen, ui
 ULK_API ulkStatus ULK_CALL ulksRemove_16u(const uint16_t* pSrc, int32_t srcLen, uint16_t* pDst,
                                           int32_t startIndex, int32_t len);
 
-/// Removes a run of units from a string in place. What stands behind the shortened string is unspecified.
+/// Removes a run of units from a string in place. What stands behind the shortened string stays as it was.
 /// @param[in,out] pSrcDst     the string
 /// @param[in,out] pSrcDstLen  its length in units; out: `len` less
 /// @param[in]     startIndex  the position of the first unit removed
 /// @param[in]     len         how many units are removed; 0 changes nothing
 /// @retval ulkOk          `pSrcDst` and `*pSrcDstLen` are set
 /// @retval ulkErrNullPtr  `pSrcDst` or `pSrcDstLen` is null
-/// @retval ulkErrLength   `len`, `*pSrcDstLen` or `startIndex` is negative, or `startIndex` and `len` together
-///                        are greater than `*pSrcDstLen`
+/// @retval ulkErrLength   `len`, `*pSrcDstLen` or `startIndex` is negative, or `startIndex` + `len` is
+///                        greater than `*pSrcDstLen`
 ULK_API ulkStatus ULK_CALL ulksRemove_8u_I(uint8_t* pSrcDst, int32_t* pSrcDstLen, int32_t startIndex,
                                            int32_t len);
 /// @copydoc ulksRemove_8u_I
@@ -831,10 +831,10 @@ ULK_API ulkStatus ULK_CALL ulksConcatC_16u_D2L(const uint16_t* const* pSrcs, con
 /// @retval ulkWrnPartTruncated   as #ulkOk, but some part was cut
 /// @retval ulkWrnSlotsExhausted  all buffers are used and there are more parts; one or more may have been cut
 ///                               too
-/// @retval ulkErrNullPtr         `pSrc`, `pDsts`, `dstLens` or `pNumDst` is null, or the buffer for a part is:
+/// @retval ulkErrNullPtr         `pSrc`, `pDsts`, `dstLens` or `pNumDst` is null, or the buffer for a part:
 ///                               then those before it are written and `*pNumDst` keeps its value
-/// @retval ulkErrLength          `srcLen` is negative, or the room of the buffer for a part is: then those
-///                               before it are written and `*pNumDst` keeps its value
+/// @retval ulkErrLength          `srcLen` is negative, or the room for a part: then those before it are
+///                               written and `*pNumDst` keeps its value
 /// @retval ulkErrSize            `*pNumDst` is below 1
 ULK_API ulkStatus ULK_CALL ulksSplitC_8u_D2L(const uint8_t* pSrc, int32_t srcLen, uint8_t delim,
                                              uint8_t* const* pDsts, int32_t* dstLens, int32_t* pNumDst);

@@ -9,16 +9,15 @@ namespace {
 
 using namespace ulk;
 
-// To a place above, which may overlap.
+// To a place that begins above theirs and may overlap it: from the last unit to the first.
 template <class Unit>
 ULK_INLINE void moveUnitsUp(const Unit* source, Unit* destination, int32_t length) {
-  if (length <= 4 * Vec16<Unit>::kLanes) return copyFew(source, destination, length);
-  moveMany(source, destination, length);
-}
-
-template <class Unit>
-ULK_INLINE void copyBefore(const Unit* source, Unit* destination, int32_t start) {
-  if (destination != source) copyUnits(source, destination, start);
+  if (length > kMostHere<Unit>) return moveMany(source, destination, length);
+  constexpr int32_t kFew = 4 * Vec16<Unit>::kLanes;
+  for (; length > kFew; length -= kFew) {
+    copyFew(source + length - kFew, destination + length - kFew, kFew);
+  }
+  copyFew(source, destination, length);
 }
 
 // Checked arguments. With nothing to insert, the destination does not even get a copy of the source.
@@ -26,7 +25,7 @@ template <class Unit>
 ULK_INLINE void insertAt(const Unit* source, int32_t length, const Unit* inserted, int32_t insertedLength,
                          Unit* destination, int32_t start) {
   if (insertedLength == 0) return;
-  copyBefore(source, destination, start);
+  if (destination != source) copyUnits(source, destination, start);
   // Before anything is put into the gap: the destination may be the source.
   moveUnitsUp(source + start, destination + start + insertedLength, length - start);
   copyUnits(inserted, destination + start, insertedLength);
@@ -47,11 +46,11 @@ ULK_INLINE ulkStatus insertInPlace(const Unit* inserted, int32_t insertedLength,
   if (!inserted || !string || !length) return ulkErrNullPtr;
   if (insertedLength < 0 || *length < 0 || start < 0 || start > *length) return ulkErrLength;
   insertAt(string, *length, inserted, insertedLength, string, start);
-  *length = static_cast<int32_t>(int64_t{*length} + insertedLength);
+  *length += insertedLength;
   return ulkOk;
 }
 
-// Whether the run lies inside the string.
+// Whether a run lies inside its string, also when its end is beyond all 32-bit numbers.
 bool isInside(int32_t length, int32_t start, int32_t count) {
   return count >= 0 && start >= 0 && int64_t{start} + count <= length;
 }
