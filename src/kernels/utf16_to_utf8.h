@@ -52,14 +52,12 @@ struct Utf16ToUtf8 {
     return at;
   }
 
-  // Eight units, if they are all ASCII.
-  ULK_INLINE bool takeFewAscii() {
-    const Units block = load(in);
-    if ((block & Units::splat(0xFF80)).equal(Units::zero()).mask().bits() != 0xFFFF) return false;
-    Bytes::narrow(block, block).template split<8>(out, out);
-    in += 8;
-    out += 8;
-    return true;
+  // As many times eight units as are all ASCII.
+  ULK_INLINE static Utf16ToUtf8 takeAsciiRun(Utf16ToUtf8 at, const uint16_t* sourceEnd,
+                                             const uint8_t* targetEnd) {
+    while (sourceEnd - at.in >= 8 && targetEnd - at.out >= 8 && at.takeFewAscii()) {
+    }
+    return at;
   }
 
   // Takes the next character if it fits; `last` tells that its first unit is the last one.
@@ -103,6 +101,16 @@ struct Utf16ToUtf8 {
   ULK_INLINE static Units load(const uint16_t* at) {
     const Units units = Units::load(at);
     return bigEndian ? units << 8 | units >> 8 : units;
+  }
+
+  // Eight units, if they are all ASCII.
+  ULK_INLINE bool takeFewAscii() {
+    const Units block = load(in);
+    if ((block & Units::splat(0xFF80)).equal(Units::zero()).mask().bits() != 0xFFFF) return false;
+    Bytes::narrow(block, block).template split<8>(out, out);
+    in += 8;
+    out += 8;
+    return true;
   }
 
   // 32 units, if they are all ASCII. They need not be swapped to see that.
@@ -197,11 +205,12 @@ ULK_INLINE void utf16ToUtf8(const uint16_t* source, int32_t* sourceLength, uint8
   const int32_t useful = length >= 0 && length < capacity / 3 ? length * 3 : capacity;
   const uint16_t* const sourceEnd = source + length;
   const uint8_t* const targetEnd = target + useful;
-  if (length >= Step::kSourceMargin && useful >= Step::kTargetMargin) {
+  // A short ASCII text is done before the blocks would be set up.
+  if (length < 2 * Step::kSourceMargin) at = Step::takeAsciiRun(at, sourceEnd, targetEnd);
+  if (sourceEnd - at.in >= Step::kSourceMargin && targetEnd - at.out >= Step::kTargetMargin) {
     at = Step::takeBlocks(at, sourceEnd - Step::kSourceMargin, targetEnd - Step::kTargetMargin);
   }
-  while (sourceEnd - at.in >= 8 && targetEnd - at.out >= 8 && at.takeFewAscii()) {
-  }
+  at = Step::takeAsciiRun(at, sourceEnd, targetEnd);
   while (at.in != sourceEnd && at.takeOne(sourceEnd - at.in == 1, targetEnd - at.out)) {
   }
   *sourceLength = static_cast<int32_t>(at.in - source);
