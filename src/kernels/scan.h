@@ -17,6 +17,7 @@
 // time. So nothing outside the positions of the walk is ever loaded, and no scalar loop is needed.
 #pragma once
 
+#include <initializer_list>
 #include <type_traits>
 
 #include "kernels/vec16.h"
