@@ -21,6 +21,10 @@ target_compile_options(
             $<$<COMPILE_LANGUAGE:CXX>:-fno-rtti>
             $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden>
             $<$<COMPILE_LANGUAGE:CXX>:-fno-threadsafe-statics>)
+if(WIN32)
+  # The exports realign the stack. By default the compiler would have every inner function do it again.
+  target_compile_options(ulkch_library_flags INTERFACE $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},4>:-mno-stackrealign>)
+endif()
 
 # Sanitizers watch everything in the process, the test framework included.
 if(ULKCH_SANITIZE)

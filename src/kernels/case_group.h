@@ -30,7 +30,8 @@ class UnitGroup {
   }
 
   ULK_INLINE bool isAscii() const {
-    const Vec bits = joined([](Vec a, Vec b) ULK_LAMBDA_INLINE { return a | b; });
+    Vec bits = parts_[0];
+    for (int32_t i = 1; i < vectors; ++i) bits = bits | parts_[i];
     return !NonzeroLanes<uint16_t>{bits & Vec::splat(0xFF80)}.mask().any();
   }
   ULK_INLINE bool isDirect() const { return !inRange<kDirectEnd, 0xFFFF>().mask().any(); }
@@ -51,13 +52,6 @@ class UnitGroup {
   }
 
  private:
-  template <class Join>
-  ULK_INLINE Vec joined(Join join) const {
-    Vec result = parts_[0];
-    for (int32_t i = 1; i < vectors; ++i) result = join(result, parts_[i]);
-    return result;
-  }
-
   // Lanes of ones if any unit lies in the range. The units are moved so that the range is at the lower end of
   // the signed numbers, where the least of many tells of all.
   template <uint16_t first, uint16_t last>

@@ -24,7 +24,7 @@ int32_t takeCharacters(MatchContext& m, const RxNode& item, int32_t most, Accept
   for (;;) {
     const uint8_t* const run = at;
     const uint8_t* const end = at + std::min<ptrdiff_t>(most - count, m.textEnd - at);
-    while (end - at >= 4 && accepts(at[0]) & accepts(at[1]) & accepts(at[2]) & accepts(at[3])) at += 4;
+    while (end - at >= 4 && accepts(at[0]) && accepts(at[1]) && accepts(at[2]) && accepts(at[3])) at += 4;
     while (at < end && accepts(*at)) ++at;
     count += static_cast<int32_t>(at - run);
     if (at >= end || *at < 0x80) break;

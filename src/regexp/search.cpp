@@ -30,7 +30,7 @@ int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, i
   const uint8_t* const bytes = isByte ? &byte : static_cast<const uint8_t*>(literal.text);
   const int32_t literalLength = isByte ? 1 : literal.op2;
   int32_t index = -1;
-  if (literal.op3 & RX_OPT_CASELESS) {
+  if (static_cast<uint32_t>(literal.op3) & RX_OPT_CASELESS) {
     index = findRevCaseless(text, length, bytes, literalLength);
   } else if (isByte) {
     ulksFindRevC_8u(text, length, byte, &index);

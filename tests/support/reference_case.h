@@ -1,5 +1,5 @@
-// The letters whose case the library knows, written out as text: a reference for the table. An editor must not
-// normalise this file: some Greek letters here exist under two numbers.
+// The letters whose case the library knows, written out as text: a reference for the table. An editor must
+// not normalise this file: some Greek letters here exist under two numbers.
 #pragma once
 
 #include <cstdint>
