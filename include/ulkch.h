@@ -231,10 +231,10 @@ ULK_API ulkStatus ULK_CALL ulksFindC_Z_16u(const uint16_t* pSrc, uint16_t find, 
 /// @}
 /// @name Comparison
 ///
-/// Two strings of one length, unit by unit. Strings of different lengths are compared over the shorter length;
-/// where that finds no difference, the lengths decide, which is the caller's part. The answer of the ordering
-/// functions is the exact difference of the first two units that differ, not just its sign. Nothing outside
-/// the given strings is read.
+/// Two strings of one length, unit by unit. Strings of different lengths are compared over the shorter
+/// length; where that finds no difference, the lengths decide, which is the caller's part. The answer of the
+/// ordering functions is the exact difference of the first two units that differ, not just its sign. Nothing
+/// outside the given strings is read.
 /// @{
 
 /// Compares two strings.

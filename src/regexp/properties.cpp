@@ -32,7 +32,8 @@ bool isNameByte(uint8_t byte) {
 const Category* findCategory(const uint8_t* name, int32_t length) {
   if (length < 1 || length > 2) return nullptr;
   for (const Category& category : kCategories) {
-    if (category.name[0] == name[0] && category.name[1] == (length == 2 ? name[1] : 0)) return &category;
+    const bool same = std::memcmp(category.name, name, static_cast<size_t>(length)) == 0;
+    if (same && category.name[length] == '\0') return &category;
   }
   return nullptr;
 }
