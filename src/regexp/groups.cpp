@@ -147,10 +147,8 @@ const RxNode* hopefulAlternative(MatchContext& m, const RxNode* bar) {
 Next openPlain(MatchContext& m) {
   const RxNode& open = m.nodes[m.node];
   const RxNode* const first = hopefulAlternative(m, &open);
-  if (!first) {
-    m.surplus = 0;
-    return Next::kFail;
-  }
+  if (first != &open) m.surplus = 0;  // as behind any alternative that has failed
+  if (!first) return Next::kFail;
   GroupFrame& frame = m.frames[open.op1].group;
   Choice& choice = m.push(ChoiceKind::kPlain);
   choice.plain.bar = m.indexOf(first);
