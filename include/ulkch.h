@@ -558,6 +558,7 @@ typedef struct ulkRegExpMultiState ulkRegExpMultiState;
 ///                       32-bit process; more in a 64-bit one)
 /// @retval ulkOk          `*pSize` is set
 /// @retval ulkErrNullPtr  `pPattern` or `pSize` is null
+/// @retval ulkErrLength   the pattern is so long that the size is no 32-bit number
 ULK_API ulkStatus ULK_CALL ulksRegExpGetSize(const char* pPattern, int32_t* pSize);
 
 /// Compiles an expression into a buffer of the caller's. The match limit becomes 10000 and the format 1
@@ -569,6 +570,7 @@ ULK_API ulkStatus ULK_CALL ulksRegExpGetSize(const char* pPattern, int32_t* pSiz
 ///                         bytes from its start, the error was noticed; 0 for bad options
 /// @retval ulkOk                   the state is ready for searches
 /// @retval ulkErrNullPtr           `pPattern`, `pState` or `pErrOffset` is null; nothing was written
+/// @retval ulkErrLength            the pattern is too long for ulksRegExpGetSize()
 /// @retval ulkErrRegExpOptions     a letter other than s, m, i, x, g in the options
 /// @retval ulkErrRegExpSyntax      a bad escape or property
 /// @retval ulkErrRegExpClass       a bad character class
