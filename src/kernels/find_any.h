@@ -201,15 +201,13 @@ ULK_INLINE bool tooShortForTable(int32_t length, int32_t setLength) {
          kMostBlocks;
 }
 
+// Whoever looks for other units than members has a set that is not empty.
 template <class Direction, Stop stop, class Unit>
 int32_t scanForAny(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
   constexpr int32_t kLanes = Vec16<Unit>::kLanes;
   constexpr int32_t kMostOnce = 32;
 
-  if (length == 0) return -1;
-  if (setLength == 0)
-    return stop == Stop::kMember ? -1
-                                 : static_cast<int32_t>(Direction::place(static_cast<size_t>(length), 0, 1));
+  if (length == 0 || setLength == 0) return -1;
   if (setLength == 1) return scanForMembers<Direction, stop, 1>(text, length, set, setLength);
   if (setLength == 2) return scanForMembers<Direction, stop, 2>(text, length, set, setLength);
   if (setLength == 3) return scanForMembers<Direction, stop, 3>(text, length, set, setLength);
