@@ -548,9 +548,6 @@ ULK_API ulkStatus ULK_CALL ulksTrimEndCAny_16u(const uint16_t* pSrc, int32_t src
 /// A compiled expression. Its layout is the library's own.
 typedef struct ulkRegExpState ulkRegExpState;
 
-/// A set of compiled expressions that are searched together. Its layout is the library's own.
-typedef struct ulkRegExpMultiState ulkRegExpMultiState;
-
 /// Tells how large a buffer a pattern needs. The pattern is not parsed: one that does not compile has a size
 /// too.
 /// @param[in]  pPattern  the pattern, zero-terminated
@@ -594,11 +591,6 @@ ULK_API ulkStatus ULK_CALL ulksRegExpInitAlloc(const char* pPattern, const char*
 /// Releases a state from ulksRegExpInitAlloc(). Null is accepted.
 /// @param[in] pState  the state; no other function may be using it
 ULK_API void ULK_CALL ulksRegExpFree(ulkRegExpState* pState);
-
-/// Releases a set that the library allocated: the same operation as ulksRegExpFree(). The set's members are
-/// not released.
-/// @param[in] pState  the set; null is accepted
-ULK_API void ULK_CALL ulksRegExpMultiFree(ulkRegExpMultiState* pState);
 
 /// Sets the match limit: how many steps of its program one call of a search may take in all, before it gives
 /// up with #ulkErrMatchLimit. To be called after the compile, which sets it to 10000. The state is not
@@ -669,6 +661,228 @@ typedef struct ulkRegExpFind {
 ULK_API ulkStatus ULK_CALL ulksRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen,
                                              ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
                                              int32_t* pNumFind);
+
+/// @}
+/// @name Regular expressions: replacement
+///
+/// A text with its matches replaced. The replacement is written as a template, which is prepared once and
+/// then serves any number of expressions, texts and threads:
+///
+/// | In the template | Stands for |
+/// |---|---|
+/// | `$&` | the whole match |
+/// | `$` and decimal digits | a capture group |
+/// | a backslash | nothing: it is left out and escapes nothing; it only ends a number before it |
+/// | anything else | itself |
+///
+/// There is no way to write a literal `$` or backslash.
+///
+/// The number of a group is read with 11 in place of 10: `$1` to `$9` are the groups 1 to 9, but `$10` is
+/// group 11, `$12` group 13 and `$20` group 22; group 10 cannot be named. In `$1\0` the backslash keeps the
+/// digits apart.
+/// @{
+
+/// A prepared replacement template. Its layout is the library's own.
+typedef struct ulkRegExpReplaceState ulkRegExpReplaceState;
+
+/// Tells how large a buffer a template needs. The template is not parsed: a malformed one has a size too.
+/// @param[in]  pTemplate  the template, zero-terminated; null for an empty one
+/// @param[out] pSize      the size of the state in bytes: 12 for each byte of the template and 12 more (in a
+///                        32-bit process; more in a 64-bit one)
+/// @retval ulkOk          `*pSize` is set
+/// @retval ulkErrNullPtr  `pSize` is null
+/// @retval ulkErrLength   the template is so long that the size is no 32-bit number
+ULK_API ulkStatus ULK_CALL ulksRegExpReplaceGetSize(const char* pTemplate, int32_t* pSize);
+
+/// Prepares a template. The state keeps pointers into the template, which stays alive and unchanged as long
+/// as the state is used. A buffer may be used again for another template.
+/// @param[in]  pTemplate  the template, zero-terminated; null for an empty one, which deletes what matches
+/// @param[out] pState     the buffer, of the size that ulksRegExpReplaceGetSize() gives for the same template,
+///                        aligned for a pointer
+/// @retval ulkOk                the state is ready
+/// @retval ulkErrNullPtr        `pState` is null; nothing was written
+/// @retval ulkErrRegExpBackRef  a `$` with neither `&` nor a digit after it, or a group number of 0; the state
+///                              must not be used
+ULK_API ulkStatus ULK_CALL ulksRegExpReplaceInit(const char* pTemplate, ulkRegExpReplaceState* pState);
+
+/// Copies a text with the first match of an expression replaced or, when the expression was compiled with the
+/// option `g`, every match.
+///
+/// The text goes to the destination in pieces: the text before a match, the template's literals and groups,
+/// the text after the last match. Whatever the search finds, the status is #ulkOk: a search that fails or
+/// finds nothing gives a plain copy of as much of the text as fits. When the match limit runs out with `g`,
+/// the matches found by then are replaced.
+///
+/// **Room.** A piece is written whole, and only if it is shorter than the room that is left; the plain copy
+/// alone may fill the destination. So a destination has at least one byte more than the result. At the first
+/// piece that does not fit the work ends:
+///
+/// | | `*pSrcLen` | `*pDstLen` |
+/// |---|---|---|
+/// | nothing matches | bytes copied | bytes copied |
+/// | first match: all fits | as it went in | length of the result |
+/// | first match, empty template | as it went in | bytes before the match (the text after it is copied too) |
+/// | first match: the text before it does not fit | 0 | 0 |
+/// | first match: the template does not fit | bytes before the match | bytes before the match |
+/// | first match: the text after it does not fit | bytes up to the match's end | bytes written |
+/// | `g`: all fits | bytes after the last match | length of the result |
+/// | `g`: the text before a match does not fit | bytes up to the end of the match before | bytes written |
+/// | `g`: the template does not fit | bytes before the match | bytes written before the match's template |
+/// | `g`: the text after the last match does not fit | bytes up to the match's end | bytes written |
+///
+/// What of a template was written before the piece that did not fit is not counted.
+///
+/// Growing the destination and calling again with the whole text is always right. Going on from `*pSrcLen`
+/// with what is left is right only for expressions that do not look back (`^`, `\b`, lookbehind). With `g` the
+/// two lengths alone do not always tell an early end from a complete one. It is complete when the room left is
+/// greater than any piece can need: `*pDstLen` + `*pSrcLen` as it went in < capacity, and `*pDstLen` + the
+/// length that the template can expand to < capacity.
+///
+/// **Groups.** A group that the expression does not have stands for nothing. One that took no part in the
+/// match takes a byte back: the next piece overwrites the last byte written (a byte before the destination is
+/// never written). When all pieces of a template together come out below 0 bytes, the work ends as if the
+/// template did not fit, however large the destination. Write `(x|)` rather than `(x)?` for a group that a
+/// template names.
+///
+/// What a caller must know to be safe:
+/// - The hazards of ulksRegExpFind_8u() are those of this call too, apart from matches that are reported
+///   beyond the text: no byte from beyond it is copied, but the lengths count as reported.
+/// - Replacing the first match measures the template against the whole capacity, and not against what the text
+///   before the match has left of it. A destination that has `*pSrcLen` bytes more than the capacity given is
+///   always safe. With `g` nothing is written beyond the capacity.
+/// - With an empty template, the text after the first match is copied without any test. A destination of at
+///   least `*pSrcLen` bytes is safe.
+/// - Only valid expressions: one that ulksRegExpFind_8u() would refuse with #ulkErrInvalidState makes the call
+///   use the records and their number as they are.
+/// @param[in]     pSrc           the text
+/// @param[in,out] pSrcLen        in: its length in bytes, at least 1. Out: as the table says
+/// @param[out]    pDst           the destination; does not overlap the text or the template
+/// @param[in,out] pDstLen        in: its capacity in bytes, at least 1. Out: as the table says
+/// @param[out]    pFind          records for the search. A match needs one record and one for each group; with
+///                               `g` only as many matches are replaced as have room here, and the text
+///                               after them is copied
+/// @param[in,out] pNumFind       in: the number of records, 0 or more. Out: the number filled. With `g` this
+///                               divided by one more than the number of groups is the number of matches
+///                               found; after the match limit has run out, it is the number that went in
+/// @param[in,out] pRegExpState   the compiled expression; searching writes to it
+/// @param[in]     pReplaceState  the prepared template
+/// @retval ulkOk          the destination and the lengths are set
+/// @retval ulkErrNullPtr  `pSrc`, `pSrcLen`, `pRegExpState`, `pDst`, `pReplaceState`, `pDstLen`, `pNumFind` or
+///                        `pFind` is null
+/// @retval ulkErrSize     `*pSrcLen` or `*pDstLen` is below 1
+ULK_API ulkStatus ULK_CALL ulksRegExpReplace_8u(const uint8_t* pSrc, int32_t* pSrcLen, uint8_t* pDst,
+                                                int32_t* pDstLen, ulkRegExpFind* pFind, int32_t* pNumFind,
+                                                ulkRegExpState* pRegExpState,
+                                                const ulkRegExpReplaceState* pReplaceState);
+
+/// @}
+/// @name Regular expressions: pattern sets
+///
+/// Expressions that are searched together over one text. A set has a fixed number of slots; a slot is free or
+/// holds the address of an expression and the id that the caller gave it. The expressions stay the caller's:
+/// they are not copied, and must stay where they are as long as they are in the set.
+/// @{
+
+/// A set of compiled expressions that are searched together. Its layout is the library's own.
+typedef struct ulkRegExpMultiState ulkRegExpMultiState;
+
+/// What a search of a set found with the expression of one slot.
+typedef struct ulkRegExpMultiFind {
+  int32_t searched;      ///< out: 1 when the expression has been searched for
+  uint32_t id;           ///< out: the expression's id
+  int32_t numFind;       ///< in: the number of records in `pFind`; out: the number filled
+  ulkStatus status;      ///< out: what ulksRegExpFind_8u() returned
+  ulkRegExpFind* pFind;  ///< in: records for this slot alone
+} ulkRegExpMultiFind;
+
+/// Tells how large a buffer a set needs.
+/// @param[in]  maxPatterns  the number of slots, at least 1
+/// @param[out] pSize        the size of the set in bytes: 8 for each slot and 12 more (in a 32-bit process;
+///                          more in a 64-bit one). For more slots than that fits 32 bits for, only the low 32
+///                          bits: such a set cannot be had
+/// @retval ulkOk          `*pSize` is set
+/// @retval ulkErrNullPtr  `pSize` is null
+/// @retval ulkErrSize     `maxPatterns` is 0
+ULK_API ulkStatus ULK_CALL ulksRegExpMultiGetSize(uint32_t maxPatterns, int32_t* pSize);
+
+/// Makes an empty set in a buffer of the caller's.
+/// @param[out] pState       the buffer, of the size that ulksRegExpMultiGetSize() gives, aligned for a pointer
+/// @param[in]  maxPatterns  the number of slots, at least 1
+/// @retval ulkOk          the set is ready; all its slots are free
+/// @retval ulkErrNullPtr  `pState` is null
+/// @retval ulkErrSize     `maxPatterns` is 0
+ULK_API ulkStatus ULK_CALL ulksRegExpMultiInit(ulkRegExpMultiState* pState, uint32_t maxPatterns);
+
+/// Makes an empty set in a buffer that the library allocates; ulksRegExpMultiFree() releases it.
+/// @param[out] ppState      the new set; null when there is no memory
+/// @param[in]  maxPatterns  the number of slots, at least 1
+/// @retval ulkOk          the set is ready; all its slots are free
+/// @retval ulkErrNullPtr  `ppState` is null, or there is no memory for so many slots
+/// @retval ulkErrSize     `maxPatterns` is 0
+ULK_API ulkStatus ULK_CALL ulksRegExpMultiInitAlloc(ulkRegExpMultiState** ppState, uint32_t maxPatterns);
+
+/// Releases a set from ulksRegExpMultiInitAlloc(): the same operation as ulksRegExpFree(). The set's
+/// expressions are not released.
+/// @param[in] pState  the set; null is accepted
+ULK_API void ULK_CALL ulksRegExpMultiFree(ulkRegExpMultiState* pState);
+
+/// Puts an expression into the lowest free slot. Neither the expression nor the id is looked at further: an
+/// id may be there already, and other functions then mean the lowest slot that has it.
+/// @param[in]     pRegExpState  the compiled expression. It may be in several slots only where the set is
+///                              never searched in parallel (ulksRegExpMultiFind_8u())
+/// @param[in]     id            its id, not 0
+/// @param[in,out] pState        the set
+/// @retval ulkOk          the expression is in the set
+/// @retval ulkErrNullPtr  `pRegExpState` or `pState` is null
+/// @retval ulkErrBadId    `id` is 0
+/// @retval ulkErrSetFull  no slot is free
+ULK_API ulkStatus ULK_CALL ulksRegExpMultiAdd(ulkRegExpState* pRegExpState, uint32_t id,
+                                              ulkRegExpMultiState* pState);
+
+/// Frees the lowest slot that has an id.
+/// @param[in]     id      the id, not 0
+/// @param[in,out] pState  the set
+/// @retval ulkOk             the slot is free
+/// @retval ulkErrNullPtr     `pState` is null
+/// @retval ulkErrBadId       `id` is 0
+/// @retval ulkErrIdNotFound  no slot has this id
+ULK_API ulkStatus ULK_CALL ulksRegExpMultiDelete(uint32_t id, ulkRegExpMultiState* pState);
+
+/// Puts another expression into the lowest slot that has an id.
+/// @param[in]     pRegExpState  the expression that comes in place of the slot's
+/// @param[in]     id            the id, not 0; the slot keeps it
+/// @param[in,out] pState        the set
+/// @retval ulkOk             the expression is in the set
+/// @retval ulkErrNullPtr     `pRegExpState` or `pState` is null
+/// @retval ulkErrBadId       `id` is 0
+/// @retval ulkErrIdNotFound  no slot has this id
+ULK_API ulkStatus ULK_CALL ulksRegExpMultiModify(ulkRegExpState* pRegExpState, uint32_t id,
+                                                 ulkRegExpMultiState* pState);
+
+/// Searches a text for every expression of a set, each as ulksRegExpFind_8u() does.
+///
+/// A set with no more slots than the library may use threads (`ownGetNumThreads` of the core library, by
+/// default one for each processor of the process) is searched on the calling thread. For a larger one the
+/// slots, free ones included, are spread in equal blocks over a team of that many threads, which OpenMP keeps
+/// from call to call. A call from inside a parallel region of OpenMP stays on its thread.
+///
+/// What a caller must know to be safe:
+/// - During the call, nothing else uses the set's expressions, and none of them is in two slots of a set that
+///   has more slots than threads: a search writes to the expression.
+/// - The records of each slot are its own.
+/// - The hazards of ulksRegExpFind_8u() are those of each search here.
+/// @param[in]     pSrc      the text
+/// @param[in]     srcLen    its length in bytes, at least 1
+/// @param[in,out] pResults  one record for each slot of the set, in the order of the slots. The caller sets
+///                          `numFind` and `pFind` of those whose slots are taken; records of free slots are not
+///                          touched
+/// @param[in]     pState    the set
+/// @retval ulkOk          all expressions were searched for; what became of each is in its record
+/// @retval ulkErrNullPtr  `pSrc`, `pState` or `pResults` is null
+/// @retval ulkErrSize     `srcLen` is below 1
+ULK_API ulkStatus ULK_CALL ulksRegExpMultiFind_8u(const uint8_t* pSrc, int32_t srcLen,
+                                                  ulkRegExpMultiFind* pResults,
+                                                  const ulkRegExpMultiState* pState);
 
 /// @}
 /// @name Editing
