@@ -94,10 +94,10 @@ enum { ULK_STATUS_LIST(ULK_STATUS_CONSTANT) };
 
 /// The library's version.
 typedef struct ulkLibraryVersion {
-  int32_t major;
-  int32_t minor;
-  int32_t majorBuild;
-  int32_t build;
+  int32_t major;          ///< the 6 of version 6.1
+  int32_t minor;          ///< the 1 of version 6.1
+  int32_t majorBuild;     ///< number of the series of builds
+  int32_t build;          ///< number of the build
   char targetCpu[4];      ///< the processor variant that this build is tuned for, padded with zero bytes
   const char* Name;       ///< file name of the library
   const char* Version;    ///< the version as text
