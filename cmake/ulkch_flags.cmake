@@ -21,6 +21,13 @@ target_compile_options(
             $<$<COMPILE_LANGUAGE:CXX>:-fno-rtti>
             $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden>
             $<$<COMPILE_LANGUAGE:CXX>:-fno-threadsafe-statics>)
+
+# The compiler's own OpenMP: its driver finds the run-time library that belongs to the target.
+set(ULKCH_OPENMP_FLAGS)
+if(ULKCH_OPENMP)
+  set(ULKCH_OPENMP_FLAGS -fopenmp)
+endif()
+target_compile_options(ulkch_library_flags INTERFACE ${ULKCH_OPENMP_FLAGS})
 if(WIN32)
   # The exports realign the stack. By default the compiler would have every inner function do it again.
   target_compile_options(ulkch_library_flags INTERFACE $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},4>:-mno-stackrealign>)

@@ -18,8 +18,9 @@ void* ulkMalloc(int32_t size);
 /// Releases a block from ulkMalloc. Null is accepted and ignored.
 void ulkFree(void* pointer);
 
-/// The number of threads that the library may use for parallel work inside one call: the processors that the
-/// process may run on now.
+/// The number of threads that the library may use for parallel work inside one call: as many as OpenMP would
+/// give a parallel region of the calling thread. Without other settings (OMP_NUM_THREADS,
+/// omp_set_num_threads) those are the processors that the process may run on.
 /// @return at least 1.
 int32_t ownGetNumThreads(void);
 

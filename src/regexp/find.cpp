@@ -4,5 +4,5 @@
 ULK_EXPORT ulkStatus ULK_CALL ulksRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen,
                                                 ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
                                                 int32_t* pNumFind) {
-  return ulk::rxSearch(pSrc, srcLen, pRegExpState, pFind, pNumFind, false);
+  return ulk::rxFind(pSrc, srcLen, pRegExpState, pFind, pNumFind);
 }

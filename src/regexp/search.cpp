@@ -78,22 +78,27 @@ class Search {
     m_.frames = state.frames;
   }
 
-  ulkStatus findOne(ulkRegExpFind* records, int32_t* numRecords);
-  ulkStatus findAll(ulkRegExpFind* records, int32_t* numRecords, bool replaceMode);
+  ulkStatus find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
+
+  // The records that were written, also when the budget ran out.
+  int32_t numWritten() const { return numWritten_; }
 
  private:
+  ulkStatus findOne(ulkRegExpFind* records, int32_t* numRecords);
+  ulkStatus findAll(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
   bool findFrom(const uint8_t* start, const uint8_t* end);
   bool matchAt(const uint8_t* start);
   bool matchAlternative(int32_t first);
   const uint8_t* nextStart(const uint8_t* at) const;
   bool outOfBudget() const { return m_.budget < 0; }
-  int32_t copyCaptures(ulkRegExpFind* records, int32_t first, int32_t last) const;
+  void copyCaptures(ulkRegExpFind* records, int32_t first, int32_t last);
 
   ulkRegExpState& state_;
   MatchContext m_;
   Starts starts_;
   const Anchor anchor_;
   const uint8_t* const end_;
+  int32_t numWritten_ = 0;
 };
 
 // The character after the one at `at`; with a line anchor, the next line start. Beyond the end if there is
@@ -148,10 +153,10 @@ bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
   return false;
 }
 
-// Copies slots [first, last) and returns their number.
-int32_t Search::copyCaptures(ulkRegExpFind* records, int32_t first, int32_t last) const {
-  for (int32_t i = first; i < last; ++i) *records++ = {state_.captures[i].start, state_.captures[i].length};
-  return last - first;
+// Copies slots [first, last) behind the records that are written already.
+void Search::copyCaptures(ulkRegExpFind* records, int32_t first, int32_t last) {
+  for (int32_t i = first; i < last; ++i)
+    records[numWritten_++] = {state_.captures[i].start, state_.captures[i].length};
 }
 
 ulkStatus Search::findOne(ulkRegExpFind* records, int32_t* numRecords) {
@@ -165,44 +170,53 @@ ulkStatus Search::findOne(ulkRegExpFind* records, int32_t* numRecords) {
   return ulkOk;
 }
 
-ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords, bool replaceMode) {
-  // An expression with groups reports its groups only, unless a replacement asks for the whole match as well.
-  const int32_t skip = !replaceMode && state_.numCaptures > 1 ? 1 : 0;
-  const int32_t lastFit =
-      *numRecords - state_.numCaptures + skip;  // the last index at which a match's records fit
-  int32_t filled = 0;
+ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches) {
+  // An expression with groups reports its groups only, unless the whole matches are asked for as well.
+  const int32_t skip = !wholeMatches && state_.numCaptures > 1 ? 1 : 0;
+  // The last index at which a match's records fit.
+  const int32_t lastFit = *numRecords - state_.numCaptures + skip;
   const uint8_t* start = m_.textStart;
-  while (filled <= lastFit && start <= end_) {
+  while (numWritten_ <= lastFit && start <= end_) {
     if (!findFrom(start, end_)) break;
-    filled += copyCaptures(records + filled, skip, state_.numCaptures);
+    copyCaptures(records, skip, state_.numCaptures);
     if (outOfBudget()) return ulkErrMatchLimit;
 
     const CaptureSlot match = state_.captures[0];
     start = match.start + std::max(match.length, 1);
-    if (match.length != 0 || filled >= lastFit || match.start >= end_) continue;
+    if (match.length != 0 || numWritten_ >= lastFit || match.start >= end_) continue;
 
     // After an empty match, the next byte alone is searched for a match that is not empty.
     m_.nonEmpty = true;
-    if (findFrom(match.start, match.start + 1))
-      filled += copyCaptures(records + filled, skip, state_.numCaptures);
+    if (findFrom(match.start, match.start + 1)) copyCaptures(records, skip, state_.numCaptures);
     if (outOfBudget()) return ulkErrMatchLimit;
     m_.nonEmpty = false;
   }
-  *numRecords = filled;
+  *numRecords = numWritten_;
   return ulkOk;
+}
+
+ulkStatus Search::find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches) {
+  if (state_.options & RX_OPT_GLOBAL) return findAll(records, numRecords, wholeMatches);
+  return findOne(records, numRecords);
 }
 
 }  // namespace
 
-ulkStatus rxSearch(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
-                   int32_t* pNumFind, bool replaceMode) {
+ulkStatus rxFind(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
+                 int32_t* pNumFind) {
   if (!pSrc || !pRegExpState || !pFind) return ulkErrNullPtr;
   if (srcLen < 0) return ulkErrLength;
   if (*pNumFind < 1) return ulkErrSize;
   if (pRegExpState->magic != kStateMagic) return ulkErrInvalidState;
+  return Search(*pRegExpState, pSrc, srcLen).find(pFind, pNumFind, false);
+}
+
+int32_t rxFindForReplace(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState,
+                         ulkRegExpFind* pFind, int32_t* pNumFind) {
+  if (*pNumFind < 1 || pRegExpState->magic != kStateMagic) return *pNumFind;
   Search search(*pRegExpState, pSrc, srcLen);
-  if (pRegExpState->options & RX_OPT_GLOBAL) return search.findAll(pFind, pNumFind, replaceMode);
-  return search.findOne(pFind, pNumFind);
+  search.find(pFind, pNumFind, true);
+  return search.numWritten();
 }
 
 }  // namespace ulk

@@ -7,9 +7,15 @@
 
 namespace ulk {
 
-// Searches as ulksRegExpFind_8u does, checks included. In replacement mode a global search reports the whole
-// match before the groups.
-ulkStatus rxSearch(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
-                   int32_t* pNumFind, bool replaceMode);
+// ulksRegExpFind_8u, checks included.
+ulkStatus rxFind(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
+                 int32_t* pNumFind);
+
+// The search of a replacement, for arguments that are checked already: a global search reports the whole
+// match before the groups of each. The status is of no interest. Returns how many records are to be used:
+// those that the search has written, also when its limit ran out and `*pNumFind` does not tell them, but all
+// that the caller has if it was refused.
+int32_t rxFindForReplace(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState,
+                         ulkRegExpFind* pFind, int32_t* pNumFind);
 
 }  // namespace ulk
