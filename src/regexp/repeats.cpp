@@ -5,6 +5,7 @@
 // choice.
 #include <algorithm>
 
+#include "kernels/find_unit.h"
 #include "regexp/byte_sets.h"
 #include "regexp/bytes.h"
 #include "regexp/follow.h"
@@ -37,9 +38,34 @@ int32_t takeCharacters(MatchContext& m, const RxNode& item, int32_t most, Accept
   return count;
 }
 
+bool isOneByte(const RxNode& item, uint32_t options) {
+  return item.code == RX_BYTE ||
+         (item.code == RX_CHAR && !((options & RX_OPT_CASELESS) && isAsciiLetter(item.op1)));
+}
+
+// The same for a single byte in one case. Most runs are short.
+int32_t takeBytes(MatchContext& m, const RxNode& item, int32_t most) {
+  constexpr int32_t kLooks = 8;
+  const int32_t limit = std::max(std::min(most, m.remaining()), 0);
+  int32_t count = 0;
+  if (item.code == RX_BYTE) {
+    count = limit;
+  } else {
+    while (count < limit && count < kLooks && m.at[count] == item.op1) ++count;
+    if (count == kLooks) {
+      const int32_t other =
+          scanForOther<Forward>(m.at + count, limit - count, static_cast<uint8_t>(item.op1));
+      count = other < 0 ? limit : count + other;
+    }
+  }
+  m.at += count;
+  return count;
+}
+
 // Takes up to `most` items from m.at on, moves m.at behind them and returns how many there were.
 int32_t takeItems(MatchContext& m, const RxNode& item, int32_t most) {
   const uint32_t options = m.options;
+  if (isOneByte(item, options)) return takeBytes(m, item, most);
   const ByteSet256* const set = item.code == RX_CLASS ? classSet(item, options) : nullptr;
   if (set)
     return takeCharacters(m, item, most, [set](uint8_t byte) { return byte < 0x80 && set->contains(byte); });
@@ -156,10 +182,9 @@ Next stepGreedy(MatchContext& m, const RxNode& item, int32_t quantifier) {
 
 // A lazy repeat of one byte looks for the literal that follows it before it tries anything, and places
 // without it cost no step. Whether that literal is itself optional is not asked.
-bool mayContinue(const MatchContext& m, const RxNode& item, int32_t next) {
-  if (item.code != RX_CHAR && item.code != RX_BYTE) return true;
-  if (next >= m.numNodes || m.nodes[next].code != RX_CHAR || (m.options & RX_OPT_CASELESS)) return true;
-  return m.at < m.textEnd && *m.at == m.nodes[next].op1;
+bool looksForLiteral(const MatchContext& m, const RxNode& item, int32_t next) {
+  if (item.code != RX_CHAR && item.code != RX_BYTE) return false;
+  return next < m.numNodes && m.nodes[next].code == RX_CHAR && !(m.options & RX_OPT_CASELESS);
 }
 
 // The repeat has no choice left.
@@ -206,6 +231,31 @@ void takeHopelessItems(MatchContext& m, Choice& choice, const RxNode& item, cons
   follow.payForTries(m, taken);
 }
 
+// Takes items of one byte up to the next place of the literal. False if they do not reach one.
+bool takeToLiteral(MatchContext& m, Choice& choice, const RxNode& item, int32_t literal) {
+  const auto atLiteral = [&] { return m.at < m.textEnd && *m.at == literal; };
+  if (atLiteral()) return true;
+  const int32_t most = choice.lazy.most - choice.lazy.count;
+  int32_t taken = 0;
+  if (item.code == RX_CHAR) {
+    taken = takeItems(m, item, most);
+  } else {
+    const int32_t left = std::max(m.remaining(), 0);
+    const int32_t found =
+        literal > 255 ? -1 : findUnit(m.at, std::min(left, most + 1), static_cast<uint8_t>(literal));
+    taken = found < 0 ? std::min(left, most) : found;
+    m.at += taken;
+  }
+  choice.lazy.count += taken;
+  return atLiteral();
+}
+
+// Without budget nothing can be tried any more; the items are still counted.
+Next exhaustLazy(MatchContext& m, Choice& choice, const RxNode& item) {
+  if (item.code == RX_CHAR) choice.lazy.count += takeItems(m, item, choice.lazy.most - choice.lazy.count);
+  return failLazy(m, choice);
+}
+
 // Tries what follows the repeat at the present count, or at the next one where it may be tried and can
 // succeed.
 Next continueLazy(MatchContext& m, Choice& choice) {
@@ -213,11 +263,12 @@ Next continueLazy(MatchContext& m, Choice& choice) {
   const int32_t next = afterItem(m, choice.node) + 1;
   const Follow follow = followOf(m, next - 1, choice.options);
   if (follow.set && m.budget > 0) takeHopelessItems(m, choice, item, follow);
+  const bool looks = looksForLiteral(m, item, next);
   for (;;) {
-    if (m.budget >= 0 && mayContinue(m, item, next)) {
-      if (!follow.excludes(m) || !follow.canPay(m, 1)) break;
-      follow.payForTries(m, 1);
-    }
+    if (m.budget < 0) return exhaustLazy(m, choice, item);
+    if (looks && !takeToLiteral(m, choice, item, m.nodes[next].op1)) return failLazy(m, choice);
+    if (!follow.excludes(m) || !follow.canPay(m, 1)) break;
+    follow.payForTries(m, 1);
     if (!takeOneMore(m, choice, item)) return failLazy(m, choice);
   }
   choice.at = m.offset();
