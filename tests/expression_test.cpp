@@ -1,5 +1,6 @@
-// Runs every expression of tests/data (support/expression_cases.h tells how they are written) and compares
-// what the library answers with what stands there, both as text in the notation of the files.
+// Runs every expression of tests/data and of docs/syntax.md (support/expression_cases.h tells how they are
+// written) and compares what the library answers with what stands there, both as text in the notation of the
+// files.
 //
 // Each search runs in every setting that must not matter: a work area full of garbage before the compile or a
 // clean one, the text at the end or at the start of its guarded pages, the other format for ASCII texts.
@@ -24,15 +25,14 @@
 namespace ulk_test {
 namespace {
 
-const char* const kFiles[] = {"items",         "repeats", "classes",
-                              "properties",    "groups",  "lookaround",
-                              "atomic",        "options", "anchors_and_search",
-                              "global_search", "limits",  "errors",
-                              "conditionals",  "everyday"};
+const char* const kFiles[] = {"items",      "repeats", "classes",      "properties",         "groups",
+                              "lookaround", "atomic",  "options",      "anchors_and_search", "global_search",
+                              "limits",     "errors",  "conditionals", "everyday",           "syntax"};
 
 std::string pathOf(const std::string& name) {
-  const char* directory = std::getenv("ULKCH_TEST_DATA");
-  return std::string(directory ? directory : ULKCH_TEST_DATA_DIR) + "/" + name + ".txt";
+  const char* given = std::getenv("ULKCH_TEST_DATA");
+  const std::string directory = given ? given : ULKCH_TEST_DATA_DIR;
+  return directory + (name == "syntax" ? "/../../docs/syntax.md" : "/" + name + ".txt");
 }
 
 std::string errorName(ulkStatus status) {
@@ -180,7 +180,7 @@ TEST_P(ExpressionTest, FindsWhatTheFileSays) {
   ASSERT_EQ(file.problem, "");
   ASSERT_FALSE(file.expressions.empty());
   for (const Expression& expression : file.expressions) {
-    SCOPED_TRACE(std::string(GetParam()) + ".txt:" + std::to_string(expression.line) + ": /" +
+    SCOPED_TRACE(std::string(GetParam()) + ":" + std::to_string(expression.line) + ": /" +
                  expression.pattern + "/" + expression.options);
     checkExpression(expression);
   }

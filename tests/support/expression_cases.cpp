@@ -145,7 +145,7 @@ bool readSearch(LineReader line, Search* search) {
   return !search->expected.empty();
 }
 
-bool readLine(std::string_view text, int number, std::vector<Expression>* expressions) {
+bool readLine(const std::string& text, int number, std::vector<Expression>* expressions) {
   LineReader line(text);
   const bool indented = line.at(' ');
   line.skipBlanks();
@@ -164,16 +164,46 @@ bool readLine(std::string_view text, int number, std::vector<Expression>* expres
   return readSearch(line, &current.searches.back());
 }
 
+// An expression and its error, or a search of it, in one line.
+bool readExample(LineReader line, int number, std::vector<Expression>* expressions) {
+  Expression& expression = expressions->emplace_back();
+  expression.line = number;
+  if (!line.slashed(&expression.pattern)) return false;
+  expression.options = line.word();
+  if (line.at('e')) {
+    expression.error = remainingWords(&line);
+    return true;
+  }
+  expression.searches.push_back({.line = number});
+  return readSearch(line, &expression.searches.back());
+}
+
+// The code spans of a line that begin with a slash. A row of a table writes "|" as "\|", and must hold one.
+bool readPageLine(const std::string& line, int number, std::vector<Expression>* expressions) {
+  std::string text = line;
+  const size_t before = expressions->size();
+  const bool isRow = text.starts_with("| `");
+  for (size_t at = 0; isRow && (at = text.find("\\|", at)) != text.npos; ++at) text.erase(at, 1);
+  for (size_t end = 0, begin = text.find('`'); begin != text.npos; begin = text.find('`', end + 1)) {
+    end = text.find('`', begin + 1);
+    if (end == text.npos) return false;
+    const std::string_view span = std::string_view(text).substr(begin + 1, end - begin - 1);
+    if (span.starts_with('/') && !readExample(LineReader(span), number, expressions)) return false;
+  }
+  return !isRow || expressions->size() > before;
+}
+
 }  // namespace
 
 ExpressionFile readExpressions(const std::string& path) {
   ExpressionFile file;
   std::ifstream stream(path, std::ios::binary);
   if (!stream) file.problem = "cannot open " + path;
+  const auto read = path.ends_with(".md") ? readPageLine : readLine;
   std::string text;
   for (int number = 1; std::getline(stream, text); ++number) {
     if (text.ends_with('\r')) text.pop_back();
-    if (readLine(text, number, &file.expressions)) continue;
+    if (read(text, number, &file.expressions)) continue;
     file.problem = path + ":" + std::to_string(number) + ": not understood: " + text;
     break;
   }

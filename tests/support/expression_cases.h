@@ -21,6 +21,9 @@
 //
 // Escapes: \\ \" \n \r \t \0 \xHH, and \<N:...> for N times what stands up to the ">". Other bytes stand for
 // themselves; the files are UTF-8.
+//
+// A page of docs/ (.md) is read too: its code spans that begin with a slash are expressions, each with its
+// error or one search behind it, and every row of a table that begins with a code span has to hold one.
 #pragma once
 
 #include <cstdint>
