@@ -70,8 +70,15 @@ int32_t findInRanges(const uint8_t* text, int32_t length, const uint8_t (&bounds
   return scan<Forward>(text, static_cast<size_t>(length), probe);
 }
 
+constexpr ptrdiff_t kStride = 4096;  // how far to look before paying, lest a small budget reads a long text
+
 bool containsAll(const ByteSet256& set) {
   return std::all_of(set.words, set.words + 8, [](uint32_t word) { return word == ~0u; });
+}
+
+// An item that takes one character or a string.
+bool isItem(const RxNode& node) {
+  return node.code < RX_ASSERT ? node.code != RX_BACKREF : node.code > RX_OPTIONS;
 }
 
 // The quantifier of an item that is repeated without bound, and of which it is known what may follow; 0 for
@@ -104,18 +111,32 @@ bool isLiteral(const ulkRegExpState& state, int32_t node) {
   return node < state.numNodes && nodes[node].code <= RX_STRING && !quantified;
 }
 
-// The first node that is no option change.
+// The first node that is neither an option change nor a word boundary.
 int32_t firstNode(const RxNode* nodes, int32_t numNodes) {
   int32_t first = 0;
-  while (first < numNodes && nodes[first].code == RX_OPTIONS) ++first;
+  while (first < numNodes && (nodes[first].code == RX_OPTIONS || nodes[first].code == RX_ASSERT)) ++first;
   return first;
 }
 
-// Whether a match begins with a string, or every alternative with a literal.
+// The alternatives of the whole program or of the group that it begins with.
+Alternatives firstAlternatives(const RxNode* nodes, int32_t numNodes, int32_t firstBar) {
+  const int32_t first = firstNode(nodes, numNodes);
+  const bool isGroup = first < numNodes && (nodes[first].code == RX_GROUP || nodes[first].code == RX_CAPTURE);
+  if (firstBar < 0 && isGroup) return {first + 1, nextBar(nodes[first])};
+  return {first, firstBar < 0 ? nullptr : &nodes[firstBar]};
+}
+
+// Whether every one of several ways to begin a match begins with a literal.
 bool beginsWithLiterals(const ulkRegExpState& state, const StartFilter& filter) {
-  if (filter.item >= 0) return state.nodes()[filter.item].code == RX_STRING;
-  if (filter.firstBar < 0 || !isLiteral(state, firstNode(state.nodes(), state.numNodes))) return false;
-  const RxNode* bar = &state.nodes()[filter.firstBar];
+  const RxNode* const nodes = state.nodes();
+  const Alternatives ways = firstAlternatives(nodes, state.numNodes, filter.firstBar);
+  if (filter.item >= 0 || !ways.firstBar || !isLiteral(state, ways.first)) return false;
+  if (filter.firstBar < 0) {
+    // A group that may be left out is not the only beginning.
+    const int32_t next = nextItem(nodes, ways.first - 1);
+    if (next < state.numNodes && isQuantifier(nodes[next]) && nodes[next].op1 == 0) return false;
+  }
+  const RxNode* bar = ways.firstBar;
   while (bar && bar->op2 == filter.options &&
          isLiteral(state, static_cast<int32_t>(bar - state.nodes()) + 1)) {
     bar = nextBar(*bar);
@@ -150,22 +171,9 @@ StartFilter filterFor(ulkRegExpState& state, bool hasSet) {
   filter.item = items.itemOptions == filter.options ? items.soleItem : -1;
   filter.run = runOf(nodes, state.numNodes, filter.item, filter.options);
   filter.kind = kindOf(items, nodes, filter);
-  const bool foundWhole = filter.kind == StartKind::kString || filter.kind == StartKind::kCaselessString;
-  filter.literals = !foundWhole && beginsWithLiterals(state, filter);
+  filter.literals = beginsWithLiterals(state, filter);
   if (filter.kind != StartKind::kAny) state.frames[kStartSetFrame].bytes = items.set;
   return filter;
-}
-
-// Counts the characters that begin in [at, end) and moves `at` behind the last of them.
-int32_t passCharacters(const uint8_t*& at, const uint8_t* end) {
-  int32_t count = 0;
-  while (at < end) {
-    const auto ascii = static_cast<int32_t>(asciiPrefix(at, static_cast<size_t>(end - at)));
-    count += ascii;
-    at += ascii;
-    for (; at < end && *at >= 0x80; ++count) at += decodeMultibyte(at).length;
-  }
-  return count;
 }
 
 }  // namespace
@@ -184,6 +192,8 @@ Starts::Starts(MatchContext& m, const ulkRegExpState& state)
       state_(state),
       filter_(startFilterOf(state)),
       set_(state.frames[kStartSetFrame].bytes),
+      ways_(firstAlternatives(state.nodes(), state.numNodes, filter_.firstBar)),
+      asciiEnd_(nullptr),
       runEnd_(nullptr),
       attemptsEnd_(nullptr) {}
 
@@ -193,6 +203,25 @@ void Starts::pay(int64_t steps) {
 
 const uint8_t* Starts::characterAfter(const uint8_t* at) const {
   return at + (state_.format == kFormatUtf8 ? decodeUtf8(at).length : 1);
+}
+
+// Where the ASCII text ends that begins at this place, or how far that is known.
+const uint8_t* Starts::asciiEnd(const uint8_t* at) {
+  if (asciiEnd_ <= at)
+    asciiEnd_ = at + asciiPrefix(at, static_cast<size_t>(std::min(m_.textEnd - at, kStride)));
+  return asciiEnd_;
+}
+
+// Counts the characters that begin in [at, end) and moves `at` behind the last of them.
+int32_t Starts::passCharacters(const uint8_t*& at, const uint8_t* end) {
+  int32_t count = 0;
+  while (at < end) {
+    const uint8_t* const ascii = std::min(asciiEnd(at), end);
+    count += static_cast<int32_t>(ascii - at);
+    at = ascii;
+    for (; at < end && *at >= 0x80; ++count) at += decodeMultibyte(at).length;
+  }
+  return count;
 }
 
 // Pays for the attempts at all positions in [at, end), and returns the next one.
@@ -275,16 +304,34 @@ const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) 
   return at;
 }
 
-// Whether none of the literals that the alternatives begin with is at this place, where one may be by its
-// first byte.
-bool Starts::isHopelessLiteral(const uint8_t* at) const {
-  if (!filter_.literals) return false;
-  const int32_t first = filter_.item >= 0 ? filter_.item : firstNode(m_.nodes, m_.numNodes);
-  if (itemLength(m_, m_.nodes[first], at) != kNoMatch) return false;
-  if (filter_.firstBar < 0) return true;
-  for (const RxNode* bar = m_.nodes + filter_.firstBar; bar; bar = nextBar(*bar))
+// Whether none of the literals is at this place that a match begins with.
+bool Starts::lacksLiterals(const uint8_t* at) const {
+  if (itemLength(m_, m_.nodes[ways_.first], at) != kNoMatch) return false;
+  for (const RxNode* bar = ways_.firstBar; bar; bar = nextBar(*bar))
     if (itemLength(m_, bar[1], at) != kNoMatch) return false;
   return true;
+}
+
+// What an attempt at this place costs that fails in one of the items that come first, each once; 0 if it gets
+// further.
+int32_t Starts::stepsToMissingItem(const uint8_t* at) const {
+  int32_t steps = filter_.steps;
+  for (int32_t node = filter_.item; isItem(m_.nodes[node]); ++steps) {
+    const int32_t next = afterItem(m_, node);
+    if (m_.hasQuantifier(next) || at > m_.textEnd) return 0;
+    const int32_t length = itemLength(m_, m_.nodes[node], at);
+    if (length == kNoMatch) return steps;
+    if (next >= m_.numNodes) return 0;
+    at += length;
+    node = next;
+  }
+  return 0;
+}
+
+// The cost of the attempt at a place that passes the filter, where a closer look tells that it fails; else 0.
+int32_t Starts::hopelessSteps(const uint8_t* at) const {
+  if (filter_.literals) return lacksLiterals(at) ? filter_.steps : 0;
+  return filter_.item >= 0 && filter_.run == 0 ? stepsToMissingItem(at) : 0;
 }
 
 // An attempt that begins with an unbounded repeat runs to the first byte that is none of its items, from
@@ -346,7 +393,6 @@ bool Starts::passFar(const uint8_t*& at, const uint8_t* end) {
 
 const uint8_t* Starts::skip(const uint8_t* at) {
   constexpr ptrdiff_t kNear = 8;
-  constexpr ptrdiff_t kStride = 4096;  // how far to look before paying, lest a small budget reads a long text
   while (at < m_.textEnd && m_.budget >= 0) {
     const uint8_t* const end = at + std::min(m_.textEnd - at, kStride);
     if (filter_.kind == StartKind::kBoundary) {
@@ -361,8 +407,8 @@ const uint8_t* Starts::skip(const uint8_t* at) {
       at = passOutsideSet(at, near);
       if (at >= near && !passFar(at, end)) continue;
     }
-    if (isHopelessLiteral(at)) {
-      pay(filter_.steps);
+    if (const int32_t steps = hopelessSteps(at); steps > 0) {
+      pay(steps);
       at = characterAfter(at);
     } else if (filter_.run > 0) {
       const uint8_t* const next = passRun(at);

@@ -20,6 +20,12 @@ void prepareSearch(ulkRegExpState& state);
 
 inline const StartFilter& startFilterOf(const ulkRegExpState& state) { return state.frames[0].start; }
 
+// Ways to begin: the node that the first one begins with, and the bar before the second one.
+struct Alternatives {
+  int32_t first;
+  const RxNode* firstBar;  // null if there is no second one
+};
+
 // Goes over the start positions of one search.
 class Starts {
  public:
@@ -36,7 +42,11 @@ class Starts {
   const uint8_t* skip(const uint8_t* at);
   const uint8_t* characterAfter(const uint8_t* at) const;
   int32_t find(const uint8_t* at, int32_t length) const;
-  bool isHopelessLiteral(const uint8_t* at) const;
+  const uint8_t* asciiEnd(const uint8_t* at);
+  int32_t passCharacters(const uint8_t*& at, const uint8_t* end);
+  bool lacksLiterals(const uint8_t* at) const;
+  int32_t stepsToMissingItem(const uint8_t* at) const;
+  int32_t hopelessSteps(const uint8_t* at) const;
   const uint8_t* passRun(const uint8_t* at);
   const uint8_t* passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow);
   const uint8_t* passOutsideSet(const uint8_t* at, const uint8_t* end);
@@ -49,6 +59,8 @@ class Starts {
   const ulkRegExpState& state_;
   const StartFilter& filter_;
   const ByteSet256& set_;
+  const Alternatives ways_;
+  const uint8_t* asciiEnd_;     // of the ASCII text that was looked at last
   const uint8_t* runEnd_;       // of the run that was looked at last
   const uint8_t* attemptsEnd_;  // all positions before it need attempts
 };

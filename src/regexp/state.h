@@ -67,7 +67,7 @@ struct StartFilter {
   int32_t steps;          // that an attempt elsewhere costs
   int32_t boundarySteps;  // that it costs where there is no word boundary
   uint8_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
-  bool literals;    // every way begins with a literal, whose first byte alone tells the set nothing more
+  bool literals;    // there are several ways to begin, each with a literal
   uint8_t members[4];  // the first one again where there are fewer
   int32_t item;        // the node of the one item that every match begins with, -1 if there are several
   int32_t run;         // the quantifier of that item, if runs of it can be passed over, 0 if not
