@@ -59,30 +59,42 @@ struct PairFilter {
   ULK_INLINE const PairFilter& filter() const { return *this; }
 };
 
+// The places of the two rarest of the first units of a pattern and of its last one, by their ranks.
+struct TwoPlaces {
+  size_t first;
+  size_t second;
+};
+template <class Rank>
+ULK_INLINE TwoPlaces rarestTwo(size_t length, Rank rankAt) {
+  constexpr size_t kMostChosenFrom = 32;
+  TwoPlaces places{0, length - 1};
+  int32_t firstRank = rankAt(places.first);
+  int32_t secondRank = rankAt(places.second);
+  const size_t end = std::min(length - 1, kMostChosenFrom);
+  for (size_t i = 1; i < end; ++i) {
+    const int32_t rank = rankAt(i);
+    if (rank < firstRank && firstRank >= secondRank) {
+      places.first = i;
+      firstRank = rank;
+    } else if (rank < secondRank) {
+      places.second = i;
+      secondRank = rank;
+    }
+  }
+  return places;
+}
+
 // The filter for a pattern: its rarest two units where the text is long enough to repay the choice.
 template <class Unit>
 ULK_INLINE PairFilter<Unit> chooseFilter(const Unit* text, size_t candidates, const Unit* pattern,
                                          size_t length) {
   constexpr size_t kWorthChoosing = 256;
-  constexpr size_t kMostChosenFrom = 32;
-  size_t first = 0;
-  size_t second = length - 1;
+  TwoPlaces places{0, length - 1};
   if (candidates >= kWorthChoosing) {
-    int32_t firstRank = commonness(loadUnit(pattern + first));
-    int32_t secondRank = commonness(loadUnit(pattern + second));
-    const size_t end = std::min(length - 1, kMostChosenFrom);
-    for (size_t i = 1; i < end; ++i) {
-      const int32_t rank = commonness(loadUnit(pattern + i));
-      if (rank < firstRank && firstRank >= secondRank) {
-        first = i;
-        firstRank = rank;
-      } else if (rank < secondRank) {
-        second = i;
-        secondRank = rank;
-      }
-    }
+    places = rarestTwo(
+        length, [=](size_t i) ULK_LAMBDA_INLINE -> int32_t { return commonness(loadUnit(pattern + i)); });
   }
-  return PairFilter<Unit>(text, pattern, first, second);
+  return PairFilter<Unit>(text, pattern, places.first, places.second);
 }
 
 template <class Direction, class Unit>

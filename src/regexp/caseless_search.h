@@ -4,79 +4,122 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "kernels/find_substring.h"
 #include "kernels/two_way.h"
-#include "kernels/vec16.h"
 #include "regexp/bytes.h"
 #include "regexp/program.h"
 
 namespace ulk {
 
-// Compares one byte of the literal with 16 of the text at once.
+inline uint8_t smallLetter(uint8_t byte) {
+  return static_cast<uint8_t>(isAsciiLetter(byte) ? byte | 0x20 : byte);
+}
+
+// One byte of the literal at its distance from a candidate.
 class CaselessByte {
  public:
-  explicit CaselessByte(uint8_t byte)
-      : one_(Vec16<uint8_t>::splat(byte)),
-        other_(Vec16<uint8_t>::splat(isAsciiLetter(byte) ? static_cast<uint8_t>(byte ^ 0x20) : byte)) {}
-  ULK_INLINE Vec16<uint8_t> equal(const uint8_t* at) const {
-    const Vec16<uint8_t> bytes = Vec16<uint8_t>::load(at);
-    return bytes.equal(one_) | bytes.equal(other_);
+  CaselessByte(const uint8_t* text, const uint8_t* literal, size_t index)
+      : text_(text + index),
+        caseBit_(Vec16<uint8_t>::splat(isAsciiLetter(literal[index]) ? 0x20 : 0)),
+        wanted_(Vec16<uint8_t>::splat(smallLetter(literal[index]))) {}
+  template <class Block>
+  ULK_INLINE Vec16<uint8_t> hits(const Block& block) const {
+    return (block.load(text_) | caseBit_).equal(wanted_);
   }
 
  private:
-  Vec16<uint8_t> one_, other_;
+  const uint8_t* text_;
+  Vec16<uint8_t> caseBit_, wanted_;
 };
 
-// Bytes from the last to the first, ASCII letters as capitals.
-struct CaselessFromEnd {
+struct CaselessFilter {
+  CaselessByte first, second;
+
+  template <class Block>
+  ULK_INLINE Vec16<uint8_t> hits(const Block& block) const {
+    return first.hits(block) & second.hits(block);
+  }
+};
+
+// Candidates are found by the two rarest bytes of the literal and then compared. What is compared for nothing
+// is kept account of: where it outgrows what has been searched, the probe is exhausted and accepts anything.
+template <class Direction>
+class CaselessProbe {
+ public:
+  static constexpr bool kExact = false;
+
+  CaselessProbe(const uint8_t* text, size_t starts, const uint8_t* literal, size_t size)
+      : CaselessProbe(text, starts, literal, size, rarestTwo(size, [=](size_t i) {
+                        return std::max(commonness(literal[i]), commonness(smallLetter(literal[i])));
+                      })) {}
+
+  ULK_INLINE const CaselessFilter& filter() const { return filter_; }
+  bool accept(int32_t position) {
+    const uint8_t* const candidate = text_ + position;
+    size_t same = 0;
+    while (same < size_ && sameByte(literal_[same], candidate[same], RX_OPT_CASELESS)) ++same;
+    if (same == size_) return true;
+    effort_ += same + 1;
+    exhausted_ = effort_ > kFreeEffort + 2 * Direction::place(starts_, static_cast<size_t>(position), 1);
+    return exhausted_;
+  }
+  bool exhausted() const { return exhausted_; }
+
+ private:
+  static constexpr size_t kFreeEffort = 1024;
+
+  CaselessProbe(const uint8_t* text, size_t starts, const uint8_t* literal, size_t size, TwoPlaces places)
+      : filter_{{text, literal, places.first}, {text, literal, places.second}},
+        text_(text),
+        literal_(literal),
+        starts_(starts),
+        size_(size) {}
+
+  CaselessFilter filter_;
+  const uint8_t* text_;
+  const uint8_t* literal_;
+  size_t starts_;
+  size_t size_;
+  size_t effort_ = 0;
+  bool exhausted_ = false;
+};
+
+// Bytes in the direction of the search, ASCII letters as small ones.
+template <class Direction>
+struct CaselessSequence {
   const uint8_t* bytes;
   size_t length;
 
-  uint8_t operator[](size_t i) const {
-    const uint8_t c = bytes[length - 1 - i];
-    return c >= 'a' && c <= 'z' ? static_cast<uint8_t>(c - 0x20) : c;
-  }
+  uint8_t operator[](size_t i) const { return smallLetter(bytes[Direction::place(length, i, 1)]); }
 };
 
-// -1 if there is none that begins in the first `length` bytes. It may reach beyond them, up to `reach`.
-// Candidates are found by their first and their last byte.
-inline int32_t findCaseless(const uint8_t* text, int32_t length, int32_t reach, const uint8_t* literal,
-                            int32_t size) {
-  const int32_t starts = std::min(length, reach - size + 1);
-  const auto matches = [&](int32_t i) { return sameBytes(literal, text + i, size, RX_OPT_CASELESS); };
-  const CaselessByte first(literal[0]);
-  const CaselessByte last(literal[size - 1]);
-  int32_t i = 0;
-  for (; i <= starts - 16; i += 16) {
-    LaneMask<uint8_t> found = (first.equal(text + i) & last.equal(text + i + size - 1)).mask();
-    for (; found.any(); found = found.without(found.first()))
-      if (matches(i + found.first())) return i + found.first();
-  }
-  for (; i < starts; ++i)
-    if (matches(i)) return i;
-  return -1;
+// The first place in the direction of the search, -1 if there is none.
+template <class Direction>
+int32_t scanForCaseless(const uint8_t* text, int32_t length, const uint8_t* literal, int32_t literalLength) {
+  if (literalLength > length) return -1;
+  const auto size = static_cast<size_t>(literalLength);
+  const size_t starts = static_cast<size_t>(length) - size + 1;
+  CaselessProbe<Direction> probe(text, starts, literal, size);
+  const int32_t found = scan<Direction>(text, starts, probe);
+  if (!probe.exhausted()) return found;
+
+  // The walk stopped at a place that it had rejected; it and all that lies beyond is searched again.
+  const size_t passed = Direction::place(starts, static_cast<size_t>(found), 1);
+  const size_t rest = static_cast<size_t>(length) - passed;
+  const size_t begin = Direction::place(static_cast<size_t>(length), passed, rest);
+  const int32_t offset = twoWayOffset(CaselessSequence<Direction>{text + begin, rest},
+                                      CaselessSequence<Direction>{literal, size});
+  if (offset < 0) return -1;
+  return static_cast<int32_t>(begin + Direction::place(rest, static_cast<size_t>(offset), size));
+}
+
+inline int32_t findCaseless(const uint8_t* text, int32_t length, const uint8_t* literal, int32_t size) {
+  return scanForCaseless<Forward>(text, length, literal, size);
 }
 
 // The last place, -1 if there is none.
 inline int32_t findRevCaseless(const uint8_t* text, int32_t length, const uint8_t* literal, int32_t size) {
-  constexpr int kPatience =
-      64;  // so many candidates are compared before the search in linear time takes over
-  const CaselessByte first(literal[0]);
-  const CaselessByte last(literal[size - 1]);
-  int patience = kPatience;
-  int32_t starts = length - size + 1;
-  while (starts >= 16 && patience > 0) {
-    const uint8_t* const block = text + starts - 16;
-    LaneMask<uint8_t> found = (first.equal(block) & last.equal(block + size - 1)).mask();
-    for (; found.any(); found = found.without(found.last()), --patience) {
-      const uint8_t* const candidate = block + found.last();
-      if (sameBytes(literal, candidate, size, RX_OPT_CASELESS)) return static_cast<int32_t>(candidate - text);
-    }
-    starts -= 16;
-  }
-  const CaselessFromEnd haystack{text, static_cast<size_t>(std::max(starts + size - 1, 0))};
-  const CaselessFromEnd needle{literal, static_cast<size_t>(size)};
-  const int32_t fromEnd = twoWayOffset(haystack, needle);
-  return fromEnd < 0 ? -1 : starts - 1 - fromEnd;
+  return scanForCaseless<Backward>(text, length, literal, size);
 }
 
 }  // namespace ulk

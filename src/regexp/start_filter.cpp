@@ -65,6 +65,12 @@ struct RangesProbe {
   ULK_INLINE const RangesProbe& filter() const { return *this; }
 };
 
+Vec16<uint8_t> wordBytes(Vec16<uint8_t> bytes) {
+  const Vec16<uint8_t> small = bytes | Vec16<uint8_t>::splat(0x20);
+  return UnitRange<uint8_t>{'a', 'z'}.contains(small) | UnitRange<uint8_t>{'0', '9'}.contains(bytes) |
+         bytes.equal(Vec16<uint8_t>::splat('_'));
+}
+
 int32_t findInRanges(const uint8_t* text, int32_t length, const uint8_t (&bounds)[4]) {
   RangesProbe probe{text, {bounds[0], bounds[1]}, {bounds[2], bounds[3]}};
   return scan<Forward>(text, static_cast<size_t>(length), probe);
@@ -257,7 +263,7 @@ int32_t Starts::find(const uint8_t* at, int32_t length) const {
           static_cast<int32_t>(std::min<int64_t>(int64_t{length} + literal.op2 - 1, m_.textEnd - at));
       const auto* const bytes = static_cast<const uint8_t*>(literal.text);
       found = filter_.kind == StartKind::kString ? findSubstring(at, reach, bytes, literal.op2)
-                                                 : findCaseless(at, length, reach, bytes, literal.op2);
+                                                 : findCaseless(at, reach, bytes, literal.op2);
       break;
     }
     case StartKind::kLineStart:
@@ -285,20 +291,35 @@ const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) 
   int64_t starts = 0;
   int64_t boundaries = 0;
   bool inWord = at != m_.textStart && inByteSet(at[-1], kWord);
-  while (at < end) {
-    if (inWord) {
-      const uint8_t* const from = at;
-      while (at < end && inByteSet(*at, kWord)) ++at;
-      starts += at - from;
+  bool found = false;
+  while (at < end && !found) {
+    if (end - at >= 16 && *at < 0x80) {
+      const Vec16<uint8_t> bytes = Vec16<uint8_t>::load(at);
+      const int32_t ascii = std::min(LaneMask<uint8_t>(bytes.mask().bits() | 1u << 16).first(), 16);
+      const uint32_t words = wordBytes(bytes).mask().bits();
+      uint32_t edges = (words ^ (words << 1 | (inWord ? 1 : 0))) & ((1u << ascii) - 1);
+      int32_t passed = ascii;
+      for (; edges != 0 && !found; edges &= edges - 1) {
+        const int32_t edge = std::countr_zero(edges);
+        found = set_.contains(at[edge]);
+        if (found) passed = edge;
+        boundaries += found ? 0 : 1;
+      }
+      starts += passed;
+      at += passed;
+      inWord = words >> (ascii - 1) & 1;
     } else {
-      for (; at < end && !inByteSet(*at, kWord); ++starts) at = *at < 0x80 ? at + 1 : characterAfter(at);
+      const bool isWord = inByteSet(*at, kWord);
+      if (isWord != inWord) {
+        found = set_.contains(*at);
+        boundaries += found ? 0 : 1;
+      }
+      if (!found) {
+        at = *at < 0x80 ? at + 1 : characterAfter(at);
+        ++starts;
+      }
+      inWord = isWord;
     }
-    if (at >= end || set_.contains(*at)) break;
-    // The assertion holds here, but no item matches.
-    ++boundaries;
-    ++starts;
-    inWord = !inWord;
-    at = *at < 0x80 ? at + 1 : characterAfter(at);
   }
   pay(starts * filter_.boundarySteps + boundaries * (filter_.steps - filter_.boundarySteps));
   return at;
@@ -371,14 +392,26 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
 // As passRun, one attempt after the other, for a repeat with a bound.
 const uint8_t* Starts::passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow) {
   const RxNode& bounds = m_.nodes[filter_.run];
-  attemptsEnd_ = at;
-  for (; at < end; ++at) {
-    const int32_t most = static_cast<int32_t>(std::min<ptrdiff_t>(bounds.op2, end - at));
-    for (int32_t count = most; count >= bounds.op1; --count)
-      if (follow.admits(m_, at + count)) return at;
-    pay(filter_.steps + int64_t{std::max(most - bounds.op1 + 1, 0)} * follow.note.steps());
-    if (filter_.kind == StartKind::kBoundary) return at + 1;
+  // Where none of the items may follow the repeat, only the run's end is a place to go on from.
+  const bool onlyAtEnd = follow.note.disjoint();
+  const bool admitsEnd = follow.admits(m_, end);
+  int64_t steps = 0;
+  bool hopeless = true;
+  while (at < end && hopeless) {
+    const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(bounds.op2, end - at));
+    if (onlyAtEnd) {
+      hopeless = !admitsEnd || most < end - at || most < bounds.op1;
+    } else {
+      for (int32_t count = most; count >= bounds.op1 && hopeless; --count)
+        hopeless = !follow.admits(m_, at + count);
+    }
+    if (!hopeless) break;
+    steps += filter_.steps + int64_t{std::max(most - bounds.op1 + 1, 0)} * follow.note.steps();
+    ++at;
+    if (filter_.kind == StartKind::kBoundary) break;
   }
+  pay(steps);
+  attemptsEnd_ = at;
   return at;
 }
 
