@@ -120,4 +120,36 @@ std::string noise(size_t units, char without) {
   return text;
 }
 
+std::string englishLines(size_t units) {
+  std::string text = english(units);
+  for (size_t at = 60; at < text.size(); at = text.find(' ', at + 60)) {
+    if (text[at] == ' ') text[at] = '\n';
+  }
+  return text;
+}
+
+std::string logLines(size_t units) {
+  static const char* const kLevels[] = {"INFO", "INFO", "DEBUG", "WARN", "INFO", "ERROR"};
+  uint32_t seed = 1;
+  const auto random = [&seed](uint32_t below) {
+    seed = seed * 1664525 + 1013904223;
+    return (seed >> 8) % below;
+  };
+  const auto digits = [&random](const char* pattern) {
+    std::string text;
+    for (; *pattern; ++pattern) text += *pattern == '9' ? static_cast<char>('0' + random(10)) : *pattern;
+    return text;
+  };
+  std::string text;
+  while (text.size() < units) {
+    text += digits("2019-0") + digits("9-19 19:49:19 ") + kLevels[random(6)] + digits(" [worker-9] ");
+    text += random(3) ? "GET " : "POST ";
+    text +=
+        digits("http://www.example.com/item/99999?user=u9999&page=99 status=") + (random(4) ? "200" : "404");
+    text += digits(" time=99ms \"client 9.9\" from 10.99.1.99\n");
+  }
+  text.resize(units);
+  return text;
+}
+
 }  // namespace bench

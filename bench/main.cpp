@@ -13,6 +13,8 @@ int main(int argc, char** argv) {
   bench::addConcatSplit();
   bench::addUtf();
   bench::addExpressions();
+  bench::addReplacement();
+  bench::addSets();
   benchmark::RunSpecifiedBenchmarks();
   return bench::anyWrong ? 1 : 0;
 }

@@ -5,13 +5,9 @@
 #include <functional>
 #include <memory>
 
+#include "pcre2_code.h"
 #include "rows.h"
 #include "ulkch.h"
-
-#ifdef ULKCH_BENCH_PCRE2
-#define PCRE2_CODE_UNIT_WIDTH 8
-#include <pcre2.h>
-#endif
 
 namespace bench {
 namespace {
@@ -57,38 +53,8 @@ const Expression kExpressions[] = {
     {"status", Text::kLog, "status=(?!200)\\d+"},
 };
 
-std::string logLines(size_t units) {
-  static const char* const kLevels[] = {"INFO", "INFO", "DEBUG", "WARN", "INFO", "ERROR"};
-  uint32_t seed = 1;
-  const auto random = [&seed](uint32_t below) {
-    seed = seed * 1664525 + 1013904223;
-    return (seed >> 8) % below;
-  };
-  const auto digits = [&random](const char* pattern) {
-    std::string text;
-    for (; *pattern; ++pattern) text += *pattern == '9' ? static_cast<char>('0' + random(10)) : *pattern;
-    return text;
-  };
-  std::string text;
-  while (text.size() < units) {
-    text += digits("2019-0") + digits("9-19 19:49:19 ") + kLevels[random(6)] + digits(" [worker-9] ");
-    text += random(3) ? "GET " : "POST ";
-    text +=
-        digits("http://www.example.com/item/99999?user=u9999&page=99 status=") + (random(4) ? "200" : "404");
-    text += digits(" time=99ms \"client 9.9\" from 10.99.1.99\n");
-  }
-  text.resize(units);
-  return text;
-}
-
 std::string textOf(Text kind, size_t units) {
-  if (kind == Text::kLog) return logLines(units);
-  std::string text = english(units);
-  // Lines of some 60 units.
-  for (size_t at = 60; at < text.size(); at = text.find(' ', at + 60)) {
-    if (text[at] == ' ') text[at] = '\n';
-  }
-  return text;
+  return kind == Text::kLog ? logLines(units) : englishLines(units);
 }
 
 // What a search has found, in one number: how often, where and how much.
@@ -157,47 +123,20 @@ class Ours : public Engine {
 #ifdef ULKCH_BENCH_PCRE2
 class Pcre2 : public Engine {
  public:
-  Pcre2(const char* pattern, bool jit) : jit_(jit) {
-    int error = 0;
-    PCRE2_SIZE offset = 0;
-    code_ = pcre2_compile(units(pattern), PCRE2_ZERO_TERMINATED, PCRE2_UTF | PCRE2_MULTILINE, &error, &offset,
-                          nullptr);
-    if (!code_ || (jit && pcre2_jit_compile(code_, PCRE2_JIT_COMPLETE) != 0)) std::abort();
-    match_ = pcre2_match_data_create_from_pattern(code_, nullptr);
-    pcre2_pattern_info(code_, PCRE2_INFO_CAPTURECOUNT, &groups_);
-  }
-  Pcre2(const Pcre2&) = delete;
-  ~Pcre2() override {
-    pcre2_match_data_free(match_);
-    pcre2_code_free(code_);
-  }
+  Pcre2(const char* pattern, bool jit) : code_(pattern, jit) {}
 
   Answer all(const std::string& text) override {
     Answer answer;
-    const PCRE2_SIZE* const span = pcre2_get_ovector_pointer(match_);
-    const PCRE2_SIZE* const wanted = groups_ > 0 ? span + 2 : span;
-    for (size_t at = 0; at <= text.size() && find(text.data(), text.size(), at);) {
+    const PCRE2_SIZE* const wanted = code_.spans() + (code_.groups() > 0 ? 2 : 0);
+    for (size_t at = 0; at <= text.size() && code_.find(text.data(), text.size(), at); code_.pass(at))
       answer.add(wanted[0], wanted[1] - wanted[0]);
-      at = span[1] > span[0] ? span[1] : span[1] + 1;
-    }
     return answer;
   }
 
-  bool matches(const char* text, size_t length) override { return find(text, length, 0); }
+  bool matches(const char* text, size_t length) override { return code_.find(text, length, 0); }
 
  private:
-  static PCRE2_SPTR units(const char* text) { return reinterpret_cast<PCRE2_SPTR>(text); }
-
-  bool find(const char* text, size_t length, size_t at) {
-    const auto run = jit_ ? pcre2_jit_match : pcre2_match;
-    const uint32_t options = PCRE2_NO_UTF_CHECK | (jit_ ? 0 : PCRE2_NO_JIT);
-    return run(code_, units(text), length, at, options, match_, nullptr) >= 0;
-  }
-
-  bool jit_;
-  pcre2_code* code_;
-  pcre2_match_data* match_;
-  uint32_t groups_ = 0;
+  Pcre2Code code_;
 };
 #endif
 

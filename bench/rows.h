@@ -168,6 +168,12 @@ void addEdits(const std::vector<EditRow<Unit>>& rows, const std::vector<Editor<U
 // English-like text: words drawn with a fixed seed, the common ones often, as one line of `units` units.
 std::string english(size_t units);
 
+// The same in lines of some 60 units.
+std::string englishLines(size_t units);
+
+// Lines as a web server would log them, of some 170 units.
+std::string logLines(size_t units);
+
 // Bytes drawn evenly from 1 .. 255 with a fixed seed; `without` never occurs.
 std::string noise(size_t units, char without);
 
@@ -195,5 +201,7 @@ void addEdit();
 void addConcatSplit();
 void addUtf();
 void addExpressions();
+void addReplacement();
+void addSets();
 
 }  // namespace bench
