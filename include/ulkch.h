@@ -809,7 +809,7 @@ ULK_API ulkStatus ULK_CALL ulksRegExpMultiGetSize(uint32_t maxPatterns, int32_t*
 /// @param[out] pState       the buffer, of the size that ulksRegExpMultiGetSize() gives, aligned for a pointer
 /// @param[in]  maxPatterns  the number of slots, at least 1
 /// @retval ulkOk          the set is ready; all its slots are free
-/// @retval ulkErrNullPtr  `pState` is null
+/// @retval ulkErrNullPtr  `pState` is null, or no buffer can have so many slots
 /// @retval ulkErrSize     `maxPatterns` is 0
 ULK_API ulkStatus ULK_CALL ulksRegExpMultiInit(ulkRegExpMultiState* pState, uint32_t maxPatterns);
 
