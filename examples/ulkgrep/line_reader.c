@@ -3,35 +3,29 @@
 // it. Plain read() rather than fread() hands on a line as soon as a pipe delivers it.
 #include "line_reader.h"
 
-#include <errno.h>
 #include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
 
+#include "memory.h"
+
 enum { kFirstCapacity = 1 << 16 };
 
 // Makes room for at least one byte to read and one NUL behind it.
-static int makeRoom(LineReader* reader) {
+static void makeRoom(LineReader* reader) {
   if (reader->next > 0) {
     reader->end -= reader->next;
     memmove(reader->buffer, reader->buffer + reader->next, reader->end);
     reader->next = 0;
   }
-  if (reader->capacity - reader->end >= 2) return 1;
-
-  size_t capacity = reader->capacity ? reader->capacity * 2 : kFirstCapacity;
-  uint8_t* buffer = capacity > reader->capacity ? realloc(reader->buffer, capacity) : NULL;
-  if (!buffer) {
-    errno = ENOMEM;
-    return 0;
-  }
-  reader->buffer = buffer;
-  reader->capacity = capacity;
-  return 1;
+  if (reader->capacity - reader->end >= 2) return;
+  reader->capacity = reader->capacity ? reader->capacity : kFirstCapacity;
+  reader->buffer = reallocate(reader->buffer, reader->capacity, 2);
+  reader->capacity *= 2;
 }
 
 static ReadResult fill(LineReader* reader) {
-  if (!makeRoom(reader)) return READ_ERROR;
+  makeRoom(reader);
   size_t room = reader->capacity - reader->end - 1;
   if (room > (1 << 30)) room = 1 << 30;
   int count = (int)read(reader->file, reader->buffer + reader->end, (unsigned)room);

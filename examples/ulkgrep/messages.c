@@ -4,27 +4,15 @@
 #include <stdio.h>
 #include <string.h>
 
-const char* statusName(ulkStatus status) {
+const char* describe(ulkStatus status) {
   switch (status) {
-#define ULK_CASE(name, value, meaning) \
-  case value:                          \
-    return #name;
-    ULK_STATUS_LIST(ULK_CASE)
-#undef ULK_CASE
+#define STATUS_CASE(name, value, meaning) \
+  case name:                              \
+    return #name " (" meaning ")";
+    ULK_STATUS_LIST(STATUS_CASE)
+#undef STATUS_CASE
     default:
       return "unknown status";
-  }
-}
-
-const char* statusMeaning(ulkStatus status) {
-  switch (status) {
-#define ULK_CASE(name, value, meaning) \
-  case value:                          \
-    return meaning;
-    ULK_STATUS_LIST(ULK_CASE)
-#undef ULK_CASE
-    default:
-      return "";
   }
 }
 

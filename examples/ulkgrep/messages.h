@@ -4,9 +4,8 @@
 
 #include <ulkch.h>
 
-// Name and meaning of a status of the library.
-const char* statusName(ulkStatus status);
-const char* statusMeaning(ulkStatus status);
+// The name of a status of the library, and its meaning.
+const char* describe(ulkStatus status);
 
 // One line, as printf.
 void complain(const char* format, ...);

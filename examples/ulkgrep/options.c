@@ -5,9 +5,9 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <ulkch.h>
 #include <unistd.h>
 
+#include "memory.h"
 #include "messages.h"
 
 // A search that fails takes a step at every position at least: the library's own limit of 10000 is spent on a
@@ -15,7 +15,8 @@
 enum { kDefaultLimit = 10000000 };
 
 static const char kUsage[] =
-    "usage: ulkgrep [-imsx] [-o] [-c] [-n] [-e PATTERN]... [--limit N] [--color[=WHEN]] PATTERN [FILE...]\n";
+    "usage: ulkgrep [-imsx] [-o] [-c] [-n] [-r TEMPLATE [-g]] [-e PATTERN]... [--limit N] [--color[=WHEN]]\n"
+    "               PATTERN [FILE...]\n";
 
 static const char kHelp[] =
     "Print the lines that match PATTERN. Without FILE, or where FILE is -, read standard input.\n"
@@ -23,34 +24,27 @@ static const char kHelp[] =
     "  -i -m -s -x   options of the expression: ignore case; ^ and $ match beside every newline; . matches "
     "a\n"
     "                newline too; white space and #comments in PATTERN are ignored\n"
-    "  -e PATTERN    look for PATTERN; may be repeated, and a line matches when one of them does\n"
-    "  -o            print the matches only, each on a line of its own; of matches that overlap the\n"
-    "                leftmost, of those that begin together the longest\n"
+    "  -e PATTERN    look for PATTERN; may be repeated. Each line of output then names the pattern that "
+    "matches,\n"
+    "                as in 'PATTERN:line': the one that matches first in the line; with -o every one in "
+    "turn\n"
+    "  -o            print the matches only, each on a line of its own\n"
+    "  -r TEMPLATE   print the lines with the first match replaced; with -g every match. In TEMPLATE $& "
+    "stands\n"
+    "                for the match and $1 to $9 for its groups. Empty lines stay empty\n"
     "  -c            print the number of matching lines only\n"
     "  -n            print line numbers\n"
     "  --limit N     steps that the search of one line may take (default 10000000)\n"
     "  --color=WHEN  mark matches: always, never, or auto (the default), on a terminal; --color is always\n"
     "  --help        print this help\n"
-    "  --version     print the version of the library\n"
     "\n"
     "The exit status is 0 when a line matched, 1 when none did, 2 when there was trouble. A line on which "
     "the\n"
     "steps ran out is reported as trouble: nobody knows whether it matches.\n";
 
 static int usageError(void) {
-  fputs(kUsage, stderr);
-  fputs("Try --help.\n", stderr);
+  fprintf(stderr, "%sTry --help.\n", kUsage);
   return 0;
-}
-
-static void printHelp(void) {
-  fputs(kUsage, stdout);
-  fputs(kHelp, stdout);
-}
-
-static void printVersion(void) {
-  const ulkLibraryVersion* version = ulkchGetLibVersion();
-  printf("ulkgrep, an example of %s %s (%s)\n", version->Name, version->Version, version->BuildDate);
 }
 
 static int parseLimit(const char* text, int32_t* limit) {
@@ -88,13 +82,13 @@ static void addLetter(Options* options, int letter) {
 
 // Everything before the operands. Leaves optind at the first of them.
 static int parseSwitches(int argc, char** argv, Options* options) {
-  enum { LIMIT = 256, COLOUR, HELP, VERSION };
-  static const struct option kLong[] = {
-      {"limit", required_argument, NULL, LIMIT},   {"color", optional_argument, NULL, COLOUR},
-      {"colour", optional_argument, NULL, COLOUR}, {"help", no_argument, NULL, HELP},
-      {"version", no_argument, NULL, VERSION},     {0}};
+  enum { LIMIT = 256, COLOUR, HELP };
+  static const struct option kLong[] = {{"limit", required_argument, NULL, LIMIT},
+                                        {"color", optional_argument, NULL, COLOUR},
+                                        {"help", no_argument, NULL, HELP},
+                                        {0}};
   int letter;
-  while ((letter = getopt_long(argc, argv, "imsxocne:", kLong, NULL)) != -1) {
+  while ((letter = getopt_long(argc, argv, "imsxocngr:e:", kLong, NULL)) != -1) {
     int good = 1;
     switch (letter) {
       case 'i':
@@ -112,6 +106,12 @@ static int parseSwitches(int argc, char** argv, Options* options) {
       case 'n':
         options->lineNumbers = 1;
         break;
+      case 'g':
+        options->everyMatch = 1;
+        break;
+      case 'r':
+        options->template = optarg;
+        break;
       case 'e':
         options->patterns[options->numPatterns++] = optarg;
         break;
@@ -122,10 +122,7 @@ static int parseSwitches(int argc, char** argv, Options* options) {
         good = parseColour(optarg, &options->colour);
         break;
       case HELP:
-        printHelp();
-        exit(EXIT_FOUND);
-      case VERSION:
-        printVersion();
+        printf("%s%s", kUsage, kHelp);
         exit(EXIT_FOUND);
       default:
         good = usageError();
@@ -138,8 +135,12 @@ static int parseSwitches(int argc, char** argv, Options* options) {
 int parseOptions(int argc, char** argv, Options* options) {
   static char* standardInput[] = {"-"};
   *options = (Options){.limit = kDefaultLimit, .colour = isatty(STDOUT_FILENO)};
-  options->patterns = calloc((size_t)argc, sizeof *options->patterns);
-  if (!options->patterns || !parseSwitches(argc, argv, options)) return 0;
+  options->patterns = reallocate(NULL, (size_t)argc, sizeof *options->patterns);
+  if (!parseSwitches(argc, argv, options)) return 0;
+  if (options->template && options->onlyMatches) {
+    complain("-o and -r do not go together");
+    return 0;
+  }
   if (options->numPatterns == 0) {
     if (optind == argc) return usageError();
     options->patterns[options->numPatterns++] = argv[optind++];

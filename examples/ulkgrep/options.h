@@ -8,10 +8,12 @@
 enum { EXIT_FOUND = 0, EXIT_NONE = 1, EXIT_TROUBLE = 2 };
 
 typedef struct Options {
-  char letters[5];  // those of "imsx" that were given
-  int onlyMatches;  // -o
-  int countLines;   // -c
-  int lineNumbers;  // -n
+  char letters[5];       // those of "imsx" that were given
+  int onlyMatches;       // -o
+  int countLines;        // -c
+  int lineNumbers;       // -n
+  int everyMatch;        // -g
+  const char* template;  // of -r; NULL without it
   int colour;
   int32_t limit;
   const char** patterns;  // to be freed
@@ -20,7 +22,7 @@ typedef struct Options {
   int numFiles;
 } Options;
 
-// Returns 0, after a message, when the command line is wrong. Ends the program for --help and --version.
+// Returns 0, after a message, when the command line is wrong. Ends the program for --help.
 int parseOptions(int argc, char** argv, Options* options);
 
 #endif

@@ -1,7 +1,7 @@
 // ulkgrep: prints the lines of files that match an expression, after the manner of grep.
 //
 // Whether a line matches is one search for the first match. Only when matches are to be shown one by one, in
-// colour or with -o, all of them are looked for.
+// colour or with -o, or to be replaced with -g, all of them are looked for.
 #include <errno.h>
 #include <fcntl.h>
 #include <inttypes.h>
@@ -11,10 +11,12 @@
 #include <ulkch.h>
 #include <unistd.h>
 
-#include "expression.h"
 #include "line_reader.h"
 #include "messages.h"
 #include "options.h"
+#include "output.h"
+#include "pattern_set.h"
+#include "replacement.h"
 
 #ifdef _WIN32
 #include <io.h>
@@ -24,152 +26,102 @@
 
 typedef struct Grep {
   Options options;
-  Expression* expressions;
-  size_t numExpressions;
-  SpanList matches;  // of the line at hand
+  PatternSet patterns;
+  Replacement replacement;  // with the template of -r, or an empty one
   int trouble;
 } Grep;
 
-typedef struct Line {
-  const char* file;
-  uint64_t number;
-  const uint8_t* bytes;
-  int32_t length;
-} Line;
+// --- one line
 
-// --- compiling
-
-// The library takes a backslash at the very end for a NUL byte; here it is a slip of the keyboard.
-static int endsInLoneBackslash(const char* pattern) {
-  const char* end = pattern + strlen(pattern);
-  size_t backslashes = 0;
-  while (end - backslashes > pattern && end[-1 - (ptrdiff_t)backslashes] == '\\') ++backslashes;
-  return backslashes % 2 == 1;
-}
-
-static int compilePattern(Expression* expression, const char* pattern, const Options* options) {
-  if (endsInLoneBackslash(pattern)) {
-    complain("the pattern ends in a lone backslash");
-    showCaret(pattern, (int32_t)strlen(pattern) - 1);
-    return 0;
-  }
-  int32_t offset = 0;
-  const ulkStatus status = compileExpression(expression, pattern, options->letters, options->limit, &offset);
-  if (status == ulkOk) return 1;
-  complain("%s (byte %d of the pattern): %s", statusName(status), (int)offset, statusMeaning(status));
-  showCaret(pattern, offset);
-  return 0;
-}
-
-static int compilePatterns(Grep* grep) {
-  grep->expressions = calloc(grep->options.numPatterns, sizeof *grep->expressions);
-  if (!grep->expressions) {
-    complain("out of memory");
-    return 0;
-  }
-  for (size_t i = 0; i < grep->options.numPatterns; ++i, ++grep->numExpressions)
-    if (!compilePattern(&grep->expressions[i], grep->options.patterns[i], &grep->options)) return 0;
-  return 1;
-}
-
-// --- printing
-
-static const char* const kMatchColour = "\033[01;31m";
-static const char* const kFileColour = "\033[35m";
-static const char* const kNumberColour = "\033[32m";
-static const char* const kSeparatorColour = "\033[36m";
-
-static void setColour(const Grep* grep, const char* colour) {
-  if (grep->options.colour) fputs(colour, stdout);
-}
-
-static void endColour(const Grep* grep) { setColour(grep, "\033[m"); }
-
-static void printSeparator(const Grep* grep) {
-  setColour(grep, kSeparatorColour);
-  putchar(':');
-  endColour(grep);
-}
-
-static void printFileName(const Grep* grep, const char* file) {
-  if (grep->options.numFiles < 2) return;
-  setColour(grep, kFileColour);
-  fputs(file, stdout);
-  endColour(grep);
-  printSeparator(grep);
-}
-
-static void printPrefix(const Grep* grep, const Line* line) {
-  printFileName(grep, line->file);
-  if (!grep->options.lineNumbers) return;
-  setColour(grep, kNumberColour);
-  printf("%" PRIu64, line->number);
-  endColour(grep);
-  printSeparator(grep);
-}
-
-static void printBytes(const Line* line, int32_t start, int32_t end) {
-  fwrite(line->bytes + start, 1, (size_t)(end - start), stdout);
-}
-
-static void printMatch(const Grep* grep, const Line* line, Span match) {
-  setColour(grep, kMatchColour);
-  printBytes(line, match.start, match.end);
-  endColour(grep);
-}
-
-static void printMatchesOnly(const Grep* grep, const Line* line) {
-  for (size_t i = 0; i < grep->matches.count; ++i) {
-    printPrefix(grep, line);
-    printMatch(grep, line, grep->matches.spans[i]);
-    putchar('\n');
-  }
-}
-
-static void printLine(const Grep* grep, const Line* line) {
-  printPrefix(grep, line);
-  int32_t printed = 0;
-  for (size_t i = 0; i < grep->matches.count; ++i) {
-    const Span match = grep->matches.spans[i];
-    printBytes(line, printed, match.start);
-    printMatch(grep, line, match);
-    printed = match.end;
-  }
-  printBytes(line, printed, line->length);
-  putchar('\n');
-}
-
-// --- searching
-
-static void undecided(Grep* grep, const Line* line, const char* what, ulkStatus status) {
-  complain("%s:%" PRIu64 ": %s: %s (%s)", line->file, line->number, what, statusName(status),
-           statusMeaning(status));
+static void reportLine(Grep* grep, const Line* line, const char* what, const char* why) {
+  complain("%s:%" PRIu64 ": %s: %s", line->file, line->number, what, why);
   grep->trouble = 1;
 }
 
-static void collectMatches(Grep* grep, Expression* expression, const Line* line, Span first) {
-  appendSpan(&grep->matches, first);
-  const ulkStatus status = findEvery(expression, line->bytes, line->length, &grep->matches);
-  if (status != ulkOk) undecided(grep, line, "only the first match is shown", status);
+// The index of the pattern that matches, -1 for none.
+static int32_t searchLine(Grep* grep, const Line* line) {
+  PatternSet* patterns = &grep->patterns;
+  searchPatterns(patterns, line->bytes, line->length);
+  for (int32_t i = 0; i < patterns->count; ++i)
+    if (patterns->results[i].status != ulkOk)
+      reportLine(grep, line, "the line may match", describe(patterns->results[i].status));
+  return leftmostPattern(patterns);
 }
 
-// Whether one of the expressions matches; collects the matches if they are to be shown.
-static int searchLine(Grep* grep, const Line* line) {
-  const int showMatches = !grep->options.countLines && (grep->options.onlyMatches || grep->options.colour);
-  int matched = 0;
-  grep->matches.count = 0;
-  for (size_t i = 0; i < grep->numExpressions && (!matched || showMatches); ++i) {
-    Span first;
-    int found;
-    const ulkStatus status = findFirst(&grep->expressions[i], line->bytes, line->length, &first, &found);
-    if (status != ulkOk) undecided(grep, line, "the line may match", status);
-    if (!found) continue;
-    matched = 1;
-    if (showMatches) collectMatches(grep, &grep->expressions[i], line, first);
+// Makes the records of matches one for each match, cut at the end of the line, and returns their number.
+// Drops the empty ones, which have nothing to show, and what g finds in the byte behind an empty one: it
+// looks there as if the text ended behind that byte.
+static int32_t keepVisible(const Line* line, ulkRegExpFind* records, int32_t numRecords,
+                           int32_t recordsPerMatch) {
+  const uint8_t* end = line->bytes + line->length;
+  const uint8_t* last = NULL;
+  int32_t kept = 0;
+  for (int32_t i = 0; i < numRecords; i += recordsPerMatch) {
+    ulkRegExpFind match = records[i];
+    if (match.pFound + match.lenFound > end) match.lenFound = (int32_t)(end - match.pFound);
+    if (match.lenFound > 0 && match.pFound != last) records[kept++] = match;
+    last = match.pFound;
   }
-  keepLeftmost(&grep->matches);
-  return matched;
+  return kept;
 }
+
+static void showMatches(Grep* grep, const Line* line, int32_t pattern) {
+  const ulkRegExpMultiFind* first = &grep->patterns.results[pattern];
+  Expression* expression = &grep->patterns.expressions[pattern];
+  ulkRegExpFind* records = first->pFind;
+  int32_t numRecords = first->numFind;
+  if (line->length > 0 && (grep->options.colour || grep->options.onlyMatches)) {
+    const ulkStatus status =
+        replaceEvery(expression, &grep->replacement, first->numFind, line->bytes, line->length);
+    if (status == ulkOk) {
+      records = grep->replacement.records;
+      numRecords = grep->replacement.numRecords;
+    } else {
+      reportLine(grep, line, "only the first match is shown", describe(status));
+    }
+  }
+  (grep->options.onlyMatches ? printMatches : printLine)(
+      &grep->options, line, expression->pattern, records,
+      keepVisible(line, records, numRecords, first->numFind));
+}
+
+static ulkStatus replaceIn(Grep* grep, const Line* line, int32_t pattern) {
+  Expression* expression = &grep->patterns.expressions[pattern];
+  const int32_t recordsPerMatch = grep->patterns.results[pattern].numFind;
+  if (grep->options.everyMatch)
+    return replaceEvery(expression, &grep->replacement, recordsPerMatch, line->bytes, line->length);
+  return replaceMatches(&grep->replacement, expression->first, REPLACE_FIRST, recordsPerMatch, line->bytes,
+                        line->length);
+}
+
+static void showReplaced(Grep* grep, const Line* line, int32_t pattern) {
+  Line shown = *line;
+  if (line->length > 0) {  // the library replaces nothing in an empty text
+    const ulkStatus status = replaceIn(grep, line, pattern);
+    if (status == ulkOk) {
+      shown.bytes = grep->replacement.text;
+      shown.length = grep->replacement.length;
+    } else {
+      const int isUnset = status == ulkErrRegExpBackRef;
+      reportLine(grep, line, "the line is left as it is",
+                 isUnset ? "the template names a group that took no part in a match" : describe(status));
+    }
+  }
+  printLine(&grep->options, &shown, grep->options.patterns[pattern], NULL, 0);
+}
+
+static void showLine(Grep* grep, const Line* line, int32_t leftmost) {
+  if (grep->options.template) {
+    showReplaced(grep, line, leftmost);
+  } else if (grep->options.onlyMatches) {
+    for (int32_t i = 0; i < grep->patterns.count; ++i)
+      if (grep->patterns.results[i].numFind > 0) showMatches(grep, line, i);
+  } else {
+    showMatches(grep, line, leftmost);
+  }
+}
+
+// --- files
 
 // Returns the number of matching lines.
 static uint64_t searchFile(Grep* grep, const char* file, int descriptor) {
@@ -181,10 +133,10 @@ static uint64_t searchFile(Grep* grep, const char* file, int descriptor) {
   while ((result = readLine(&reader, &line.bytes, &length)) == READ_LINE && length <= INT32_MAX) {
     ++line.number;
     line.length = (int32_t)length;
-    if (!searchLine(grep, &line)) continue;
+    const int32_t pattern = searchLine(grep, &line);
+    if (pattern < 0) continue;
     ++matchingLines;
-    if (grep->options.countLines) continue;
-    (grep->options.onlyMatches ? printMatchesOnly : printLine)(grep, &line);
+    if (!grep->options.countLines) showLine(grep, &line, pattern);
   }
   if (result != READ_END) {
     complain("%s: %s", file,
@@ -206,17 +158,23 @@ static uint64_t searchNamed(Grep* grep, const char* name) {
   }
   const uint64_t matchingLines = searchFile(grep, file, descriptor);
   if (!isStandardInput) close(descriptor);
-  if (grep->options.countLines) {
-    printFileName(grep, file);
-    printf("%" PRIu64 "\n", matchingLines);
-  }
+  if (grep->options.countLines) printCount(&grep->options, file, matchingLines);
   return matchingLines;
 }
 
 // --- the whole program
 
+static int prepareTemplate(Grep* grep) {
+  const char* template = grep->options.template ? grep->options.template : "";
+  const ulkStatus status = prepareReplacement(&grep->replacement, template);
+  if (status != ulkOk) complain("the template '%s': %s", template, describe(status));
+  return status == ulkOk;
+}
+
 static int run(Grep* grep, int argc, char** argv) {
-  if (!parseOptions(argc, argv, &grep->options) || !compilePatterns(grep)) return EXIT_TROUBLE;
+  if (!parseOptions(argc, argv, &grep->options) || !prepareTemplate(grep) ||
+      !compilePatterns(&grep->patterns, &grep->options))
+    return EXIT_TROUBLE;
   uint64_t matchingLines = 0;
   for (int i = 0; i < grep->options.numFiles; ++i) matchingLines += searchNamed(grep, grep->options.files[i]);
   if (fflush(stdout) != 0 || ferror(stdout)) {
@@ -228,9 +186,8 @@ static int run(Grep* grep, int argc, char** argv) {
 }
 
 static void freeGrep(Grep* grep) {
-  for (size_t i = 0; i < grep->numExpressions; ++i) freeExpression(&grep->expressions[i]);
-  free(grep->expressions);
-  free(grep->matches.spans);
+  freePatterns(&grep->patterns);
+  freeReplacement(&grep->replacement);
   free(grep->options.patterns);
 }
 
