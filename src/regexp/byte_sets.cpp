@@ -68,12 +68,6 @@ bool isSubset(const ByteSet256& a, const ByteSet256& b) {
   return others == 0;
 }
 
-void addByte(int32_t byte, uint32_t options, ByteSet256& set) {
-  if (byte > 255) return;
-  add(static_cast<uint8_t>(byte), set);
-  if ((options & RX_OPT_CASELESS) && isAsciiLetter(byte)) add(static_cast<uint8_t>(byte ^ 0x20), set);
-}
-
 bool isByteRange(const RxNode& member) { return member.op1 < 256 && member.op2 < 256; }
 
 // Tests every byte, each as a character by itself.
@@ -168,6 +162,12 @@ bool acceptsSingleBytesOnly(const RxNode& header, uint32_t options) {
 
 void addAll(const ByteSet256& other, ByteSet256& set) {
   for (int i = 0; i < 8; ++i) set.words[i] |= other.words[i];
+}
+
+void addByte(int32_t byte, uint32_t options, ByteSet256& set) {
+  if (byte > 255) return;
+  add(static_cast<uint8_t>(byte), set);
+  if ((options & RX_OPT_CASELESS) && isAsciiLetter(byte)) add(static_cast<uint8_t>(byte ^ 0x20), set);
 }
 
 void addShorthand(int32_t letter, uint32_t options, ByteSet256& set) {

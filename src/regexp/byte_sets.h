@@ -61,6 +61,7 @@ class FollowNote {
 inline constexpr int32_t kMaxFollowSteps = 1 << 20;
 
 void addAll(const ByteSet256& other, ByteSet256& set);
+void addByte(int32_t byte, uint32_t options, ByteSet256& set);  // in both cases where letters match in either
 void addShorthand(int32_t letter, uint32_t options, ByteSet256& set);
 
 // The bytes that can begin what an item matches, as far as one byte can tell: from 0x80 on it usually cannot.

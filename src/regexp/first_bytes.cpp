@@ -1,6 +1,7 @@
 #include "regexp/first_bytes.h"
 
 #include "regexp/byte_sets.h"
+#include "regexp/items.h"
 #include "regexp/matcher.h"
 
 namespace ulk {
@@ -14,11 +15,6 @@ constexpr int32_t kMaxRestNodes = 256;
 
 bool isRepeatableGroup(const RxNode& node) {
   return node.code == RX_CAPTURE || node.code == RX_GROUP || node.code == RX_OPTGROUP;
-}
-
-// An item other than a back reference.
-bool isByteItem(const RxNode& node) {
-  return node.code < RX_ASSERT ? node.code != RX_BACKREF : node.code > RX_OPTIONS;
 }
 
 // The node after an item or a group, where its quantifier stands if it has one.
@@ -122,7 +118,7 @@ FirstBytes::Way FirstBytes::sequence(int32_t& node, int32_t end, uint32_t& optio
     const bool isGroup = isRepeatableGroup(item);
     const bool isRun = item.code == RX_ATOMIC || (item.code == RX_LOOKAHEAD && !quantifier);
     way = Way::kUndecided;
-    if (isByteItem(item)) {
+    if (isItem(item)) {
       addFirstBytes(item, options, set);
       noteItem(node, options);
     } else if ((!isGroup && !isRun) || !group(node, options)) {
@@ -136,7 +132,7 @@ FirstBytes::Way FirstBytes::sequence(int32_t& node, int32_t end, uint32_t& optio
       options = static_cast<uint32_t>(nodes_[next - 1].op2);
       ++depth_;
       way = Way::kOpen;
-    } else if (isByteItem(item) && quantifier->code == RX_REPEAT) {
+    } else if (isItem(item) && quantifier->code == RX_REPEAT) {
       way = Way::kOpen;
     }
     if (way == Way::kOpen) node = next + 1;

@@ -12,6 +12,11 @@ namespace ulk {
 
 inline constexpr int32_t kNoMatch = -1;
 
+// An item that takes one character or a string.
+inline bool isItem(const RxNode& node) {
+  return node.code < RX_ASSERT ? node.code != RX_BACKREF : node.code > RX_OPTIONS;
+}
+
 // How many bytes the item matches at `at`, kNoMatch if it does not. Never matches at the end of the text; may
 // read on inside a UTF-8 sequence that the text's end cuts.
 int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at);

@@ -7,7 +7,7 @@
 #include "regexp/caseless_search.h"
 #include "regexp/items.h"
 #include "regexp/matcher.h"
-#include "regexp/start_filter.h"
+#include "regexp/starts.h"
 #include "regexp/utf8.h"
 
 namespace ulk {

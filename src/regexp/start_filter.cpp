@@ -1,29 +1,15 @@
 #include "regexp/start_filter.h"
 
 #include <algorithm>
-#include <bit>
 
-#include "kernels/find_any.h"
-#include "kernels/find_substring.h"
 #include "regexp/byte_sets.h"
-#include "regexp/bytes.h"
-#include "regexp/caseless_search.h"
 #include "regexp/first_bytes.h"
+#include "regexp/follow.h"
 #include "regexp/items.h"
-#include "regexp/utf8.h"
 
 namespace ulk {
 
 namespace {
-
-// How many bytes at the start are below 0x80.
-size_t asciiPrefix(const uint8_t* text, size_t length) {
-  size_t i = 0;
-  for (; i + 16 <= length && !Vec16<uint8_t>::load(text + i).mask().any(); i += 16) {
-  }
-  while (i < length && text[i] < 0x80) ++i;
-  return i;
-}
 
 // Lists the members of a set of up to four; false for a larger one, or an empty one.
 bool listMembers(const ByteSet256& set, uint8_t (&members)[4]) {
@@ -52,39 +38,14 @@ bool listRanges(const ByteSet256& set, uint8_t (&bounds)[4]) {
   return true;
 }
 
-struct RangesProbe {
-  static constexpr bool kExact = true;
-  const uint8_t* text;
-  UnitRange<uint8_t> first, second;
-
-  template <class Block>
-  ULK_INLINE Vec16<uint8_t> hits(const Block& block) const {
-    const Vec16<uint8_t> bytes = block.load(text);
-    return first.contains(bytes) | second.contains(bytes);
-  }
-  ULK_INLINE const RangesProbe& filter() const { return *this; }
-};
-
-Vec16<uint8_t> wordBytes(Vec16<uint8_t> bytes) {
-  const Vec16<uint8_t> small = bytes | Vec16<uint8_t>::splat(0x20);
-  return UnitRange<uint8_t>{'a', 'z'}.contains(small) | UnitRange<uint8_t>{'0', '9'}.contains(bytes) |
-         bytes.equal(Vec16<uint8_t>::splat('_'));
+// Describes a small set of bytes; false for others.
+bool describe(const ByteSet256& set, SmallSet& small) {
+  small.ranges = !listMembers(set, small.bytes);
+  return !small.ranges || listRanges(set, small.bytes);
 }
-
-int32_t findInRanges(const uint8_t* text, int32_t length, const uint8_t (&bounds)[4]) {
-  RangesProbe probe{text, {bounds[0], bounds[1]}, {bounds[2], bounds[3]}};
-  return scan<Forward>(text, static_cast<size_t>(length), probe);
-}
-
-constexpr ptrdiff_t kStride = 4096;  // how far to look before paying, lest a small budget reads a long text
 
 bool containsAll(const ByteSet256& set) {
   return std::all_of(set.words, set.words + 8, [](uint32_t word) { return word == ~0u; });
-}
-
-// An item that takes one character or a string.
-bool isItem(const RxNode& node) {
-  return node.code < RX_ASSERT ? node.code != RX_BACKREF : node.code > RX_OPTIONS;
 }
 
 // The quantifier of an item that is repeated without bound, and of which it is known what may follow; 0 for
@@ -105,10 +66,11 @@ StartKind kindOf(const FirstBytes& items, const RxNode* nodes, StartFilter& filt
   if (filter.item >= 0 && nodes[filter.item].code == RX_STRING) {
     return caseless ? StartKind::kCaselessString : StartKind::kString;
   }
-  if (!listMembers(items.set, filter.members)) {
-    return listRanges(items.set, filter.members) ? StartKind::kRanges : StartKind::kSet;
-  }
-  return filter.members[1] == filter.members[0] ? StartKind::kByte : StartKind::kFew;
+  if (!describe(items.set, filter.small)) return StartKind::kSet;
+  const SmallSet& small = filter.small;
+  return !small.ranges && std::count(small.bytes, small.bytes + 4, small.bytes[0]) == 4
+             ? StartKind::kByte
+             : StartKind::kSmallSet;
 }
 
 bool isLiteral(const ulkRegExpState& state, int32_t node) {
@@ -122,14 +84,6 @@ int32_t firstNode(const RxNode* nodes, int32_t numNodes) {
   int32_t first = 0;
   while (first < numNodes && (nodes[first].code == RX_OPTIONS || nodes[first].code == RX_ASSERT)) ++first;
   return first;
-}
-
-// The alternatives of the whole program or of the group that it begins with.
-Alternatives firstAlternatives(const RxNode* nodes, int32_t numNodes, int32_t firstBar) {
-  const int32_t first = firstNode(nodes, numNodes);
-  const bool isGroup = first < numNodes && (nodes[first].code == RX_GROUP || nodes[first].code == RX_CAPTURE);
-  if (firstBar < 0 && isGroup) return {first + 1, nextBar(nodes[first])};
-  return {first, firstBar < 0 ? nullptr : &nodes[firstBar]};
 }
 
 // Whether every one of several ways to begin a match begins with a literal.
@@ -150,9 +104,48 @@ bool beginsWithLiterals(const ulkRegExpState& state, const StartFilter& filter) 
   return !bar;
 }
 
+// Adds the second bytes of literals; false if one has none.
+bool addSecondByte(const RxNode& literal, uint32_t options, ByteSet256& set) {
+  if (literal.code != RX_STRING) return false;
+  addByte(static_cast<const uint8_t*>(literal.text)[1], options, set);
+  return true;
+}
+
+// Finds out what comes right behind the first byte of every match, where attempts without it all cost the
+// same.
+bool describePair(const ulkRegExpState& state, const StartFilter& filter, StartPair& pair) {
+  const RxNode* const nodes = state.nodes();
+  const bool ascii =
+      std::all_of(filter.small.bytes, filter.small.bytes + 4, [](uint8_t c) { return c < 0x80; });
+  if ((filter.kind != StartKind::kByte && filter.kind != StartKind::kSmallSet) || !ascii) return false;
+  pair = {};
+  ByteSet256 seconds{};
+  if (filter.literals) {
+    const Alternatives ways = firstAlternatives(nodes, state.numNodes, filter.firstBar);
+    if (!addSecondByte(nodes[ways.first], filter.options, seconds)) return false;
+    for (const RxNode* bar = ways.firstBar; bar; bar = nextBar(*bar))
+      if (!addSecondByte(bar[1], filter.options, seconds)) return false;
+    return describe(seconds, pair.second);
+  }
+  if (filter.item < 0) return false;
+  const int32_t next = nextItem(nodes, filter.item);
+  if (next >= state.numNodes) return false;
+  if (isQuantifier(nodes[next])) {
+    pair.run = std::min(nodes[next].op1 - 1, 15);
+    return pair.run > 0;
+  }
+  const int32_t afterNext = isGroupOpen(nodes[next]) ? state.numNodes : nextItem(nodes, next);
+  const bool optional =
+      afterNext < state.numNodes && isQuantifier(nodes[afterNext]) && nodes[afterNext].op1 == 0;
+  if (!isItem(nodes[next]) || optional) return false;
+  addFirstBytes(nodes[next], filter.options, seconds);
+  pair.extraSteps = 1;
+  return describe(seconds, pair.second);
+}
+
 // The filter for attempts that begin with these options, kAny where the options or the items do not allow
 // one.
-StartFilter filterFor(ulkRegExpState& state, bool hasSet) {
+StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   const RxNode* const nodes = state.nodes();
   StartFilter filter{};
   filter.firstBar = findBar(nodes, 0, state.numNodes, kTopLevel);
@@ -166,7 +159,7 @@ StartFilter filterFor(ulkRegExpState& state, bool hasSet) {
 
   // An option change at the start is in force from the second attempt on; the filter is for those.
   FirstBytes items(state);
-  if (!hasSet || !items.ofProgram(state.options)) return filter;
+  if (!hasFrames || !items.ofProgram(state.options)) return filter;
   filter.options = static_cast<uint8_t>(items.exitOptions);
   if (filter.options != state.options) {
     items = FirstBytes(state);
@@ -179,279 +172,26 @@ StartFilter filterFor(ulkRegExpState& state, bool hasSet) {
   filter.kind = kindOf(items, nodes, filter);
   filter.literals = beginsWithLiterals(state, filter);
   if (filter.kind != StartKind::kAny) state.frames[kStartSetFrame].bytes = items.set;
+  filter.hasPair = describePair(state, filter, state.frames[kStartPairFrame].pair);
   return filter;
 }
 
 }  // namespace
 
+Alternatives firstAlternatives(const RxNode* nodes, int32_t numNodes, int32_t firstBar) {
+  const int32_t first = firstNode(nodes, numNodes);
+  const bool isGroup = first < numNodes && (nodes[first].code == RX_GROUP || nodes[first].code == RX_CAPTURE);
+  if (firstBar < 0 && isGroup) return {first + 1, nextBar(nodes[first])};
+  return {first, firstBar < 0 ? nullptr : &nodes[firstBar]};
+}
+
 void prepareSearch(ulkRegExpState& state) {
   SpareFrames frames(state);
-  const bool hasSet = frames.take() == kStartSetFrame;
+  const bool hasFrames = frames.take() == kStartSetFrame && frames.take() == kStartPairFrame;
   linkGroups(state);
   makeClassSets(state, frames);
   makeFollowSets(state, frames);
-  state.frames[0].start = filterFor(state, hasSet);
-}
-
-Starts::Starts(MatchContext& m, const ulkRegExpState& state)
-    : m_(m),
-      state_(state),
-      filter_(startFilterOf(state)),
-      set_(state.frames[kStartSetFrame].bytes),
-      ways_(firstAlternatives(state.nodes(), state.numNodes, filter_.firstBar)),
-      asciiEnd_(nullptr),
-      runEnd_(nullptr),
-      attemptsEnd_(nullptr) {}
-
-void Starts::pay(int64_t steps) {
-  m_.budget = static_cast<int32_t>(std::max<int64_t>(m_.budget - steps, -1));
-}
-
-const uint8_t* Starts::characterAfter(const uint8_t* at) const {
-  return at + (state_.format == kFormatUtf8 ? decodeUtf8(at).length : 1);
-}
-
-// Where the ASCII text ends that begins at this place, or how far that is known.
-const uint8_t* Starts::asciiEnd(const uint8_t* at) {
-  if (asciiEnd_ <= at)
-    asciiEnd_ = at + asciiPrefix(at, static_cast<size_t>(std::min(m_.textEnd - at, kStride)));
-  return asciiEnd_;
-}
-
-// Counts the characters that begin in [at, end) and moves `at` behind the last of them.
-int32_t Starts::passCharacters(const uint8_t*& at, const uint8_t* end) {
-  int32_t count = 0;
-  while (at < end) {
-    const uint8_t* const ascii = std::min(asciiEnd(at), end);
-    count += static_cast<int32_t>(ascii - at);
-    at = ascii;
-    for (; at < end && *at >= 0x80; ++count) at += decodeMultibyte(at).length;
-  }
-  return count;
-}
-
-// Pays for the attempts at all positions in [at, end), and returns the next one.
-const uint8_t* Starts::payForAll(const uint8_t* at, const uint8_t* end) {
-  int64_t starts = end - at;
-  if (state_.format == kFormatUtf8) {
-    starts = passCharacters(at, end);
-  } else {
-    at = end;
-  }
-  pay(starts * filter_.steps);
-  return at;
-}
-
-// The first place in the first `length` bytes where a match may begin, or `length`. A string may reach beyond
-// them.
-int32_t Starts::find(const uint8_t* at, int32_t length) const {
-  int32_t found = -1;
-  switch (filter_.kind) {
-    case StartKind::kByte:
-      found = findUnit(at, length, filter_.members[0]);
-      break;
-    case StartKind::kFew:
-      found = findAny(at, length, filter_.members, 4);
-      break;
-    case StartKind::kRanges:
-      found = findInRanges(at, length, filter_.members);
-      break;
-    case StartKind::kString:
-    case StartKind::kCaselessString: {
-      const RxNode& literal = m_.nodes[filter_.item];
-      const auto reach =
-          static_cast<int32_t>(std::min<int64_t>(int64_t{length} + literal.op2 - 1, m_.textEnd - at));
-      const auto* const bytes = static_cast<const uint8_t*>(literal.text);
-      found = filter_.kind == StartKind::kString ? findSubstring(at, reach, bytes, literal.op2)
-                                                 : findCaseless(at, reach, bytes, literal.op2);
-      break;
-    }
-    case StartKind::kLineStart:
-      if (at == m_.textStart || at[-1] == '\n') return 0;
-      found = findUnit(at, length, static_cast<uint8_t>('\n'));
-      return found < 0 ? length : found + 1;
-    default:
-      return 0;
-  }
-  return found < 0 ? length : found;
-}
-
-// The first position in [at, end) with a byte of the set, the next one from `end` on if there is none. Pays
-// for those before it.
-const uint8_t* Starts::passOutsideSet(const uint8_t* at, const uint8_t* end) {
-  int32_t starts = 0;
-  for (; at < end && !set_.contains(*at); ++starts) at = *at < 0x80 ? at + 1 : characterAfter(at);
-  pay(int64_t{starts} * filter_.steps);
-  return at;
-}
-
-// The first position in [at, end) at a word boundary with a byte of the set, the next one from `end` on if
-// there is none. Pays for those before it: without a boundary only the assertion is run.
-const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) {
-  int64_t starts = 0;
-  int64_t boundaries = 0;
-  bool inWord = at != m_.textStart && inByteSet(at[-1], kWord);
-  bool found = false;
-  while (at < end && !found) {
-    if (end - at >= 16 && *at < 0x80) {
-      const Vec16<uint8_t> bytes = Vec16<uint8_t>::load(at);
-      const int32_t ascii = std::min(LaneMask<uint8_t>(bytes.mask().bits() | 1u << 16).first(), 16);
-      const uint32_t words = wordBytes(bytes).mask().bits();
-      uint32_t edges = (words ^ (words << 1 | (inWord ? 1 : 0))) & ((1u << ascii) - 1);
-      int32_t passed = ascii;
-      for (; edges != 0 && !found; edges &= edges - 1) {
-        const int32_t edge = std::countr_zero(edges);
-        found = set_.contains(at[edge]);
-        if (found) passed = edge;
-        boundaries += found ? 0 : 1;
-      }
-      starts += passed;
-      at += passed;
-      inWord = words >> (ascii - 1) & 1;
-    } else {
-      const bool isWord = inByteSet(*at, kWord);
-      if (isWord != inWord) {
-        found = set_.contains(*at);
-        boundaries += found ? 0 : 1;
-      }
-      if (!found) {
-        at = *at < 0x80 ? at + 1 : characterAfter(at);
-        ++starts;
-      }
-      inWord = isWord;
-    }
-  }
-  pay(starts * filter_.boundarySteps + boundaries * (filter_.steps - filter_.boundarySteps));
-  return at;
-}
-
-// Whether none of the literals is at this place that a match begins with.
-bool Starts::lacksLiterals(const uint8_t* at) const {
-  if (itemLength(m_, m_.nodes[ways_.first], at) != kNoMatch) return false;
-  for (const RxNode* bar = ways_.firstBar; bar; bar = nextBar(*bar))
-    if (itemLength(m_, bar[1], at) != kNoMatch) return false;
-  return true;
-}
-
-// What an attempt at this place costs that fails in one of the items that come first, each once; 0 if it gets
-// further.
-int32_t Starts::stepsToMissingItem(const uint8_t* at) const {
-  int32_t steps = filter_.steps;
-  for (int32_t node = filter_.item; isItem(m_.nodes[node]); ++steps) {
-    const int32_t next = afterItem(m_, node);
-    if (m_.hasQuantifier(next) || at > m_.textEnd) return 0;
-    const int32_t length = itemLength(m_, m_.nodes[node], at);
-    if (length == kNoMatch) return steps;
-    if (next >= m_.numNodes) return 0;
-    at += length;
-    node = next;
-  }
-  return 0;
-}
-
-// The cost of the attempt at a place that passes the filter, where a closer look tells that it fails; else 0.
-int32_t Starts::hopelessSteps(const uint8_t* at) const {
-  if (filter_.literals) return lacksLiterals(at) ? filter_.steps : 0;
-  return filter_.item >= 0 && filter_.run == 0 ? stepsToMissingItem(at) : 0;
-}
-
-// An attempt that begins with an unbounded repeat runs to the first byte that is none of its items, from
-// wherever in the same run of items it begins. So the attempts at all positions behind the last place in the
-// run where the program may go on fail, each after trying to go on from every place between. Passes over them
-// when `at` is one of them; otherwise notes up to where there is something to try.
-const uint8_t* Starts::passRun(const uint8_t* at) {
-  constexpr int64_t kPlenty = 1 << 17;  // so many tries exhaust every budget
-  const Follow follow = followOf(m_, filter_.run, m_.options);
-  if (at >= runEnd_) {
-    runEnd_ = at;
-    while (runEnd_ < m_.textEnd && *runEnd_ < 0x80 && set_.contains(*runEnd_)) ++runEnd_;
-  }
-  const uint8_t* const end = std::min(runEnd_, m_.textEnd);
-  attemptsEnd_ = filter_.kind == StartKind::kBoundary ? at : end;
-  if (end == at || (end < m_.textEnd && set_.contains(*end))) return at;
-
-  const int32_t least = m_.nodes[filter_.run].op1;
-  if (m_.nodes[filter_.run].op2 != kUnbounded) return passBounded(at, end, follow);
-  const uint8_t* last = end;
-  if (follow.note.disjoint()) {
-    if (!follow.admits(m_, last)) last = at;
-  } else {
-    while (last - at >= least && !follow.admits(m_, last)) --last;
-  }
-  const bool boundary = filter_.kind == StartKind::kBoundary;  // then all starts are looked at by themselves
-  if (last - at >= least) {
-    attemptsEnd_ = boundary ? at : last - least + 1;
-    return at;
-  }
-  const int64_t attempts = boundary ? 1 : end - at;
-  const int64_t tries = std::clamp<int64_t>(end - at - least + 1, 0, kPlenty);
-  pay(attempts * filter_.steps + (boundary ? tries : tries * (tries + 1) / 2) * follow.note.steps());
-  return at + attempts;
-}
-
-// As passRun, one attempt after the other, for a repeat with a bound.
-const uint8_t* Starts::passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow) {
-  const RxNode& bounds = m_.nodes[filter_.run];
-  // Where none of the items may follow the repeat, only the run's end is a place to go on from.
-  const bool onlyAtEnd = follow.note.disjoint();
-  const bool admitsEnd = follow.admits(m_, end);
-  int64_t steps = 0;
-  bool hopeless = true;
-  while (at < end && hopeless) {
-    const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(bounds.op2, end - at));
-    if (onlyAtEnd) {
-      hopeless = !admitsEnd || most < end - at || most < bounds.op1;
-    } else {
-      for (int32_t count = most; count >= bounds.op1 && hopeless; --count)
-        hopeless = !follow.admits(m_, at + count);
-    }
-    if (!hopeless) break;
-    steps += filter_.steps + int64_t{std::max(most - bounds.op1 + 1, 0)} * follow.note.steps();
-    ++at;
-    if (filter_.kind == StartKind::kBoundary) break;
-  }
-  pay(steps);
-  attemptsEnd_ = at;
-  return at;
-}
-
-// Moves `at` by vector search to the first position in [at, end) where a match may begin; false if there is
-// none.
-bool Starts::passFar(const uint8_t*& at, const uint8_t* end) {
-  if (at >= end) return false;
-  const uint8_t* const candidate = at + find(at, static_cast<int32_t>(end - at));
-  at = payForAll(at, candidate);
-  return at == candidate && at != end;
-}
-
-const uint8_t* Starts::skip(const uint8_t* at) {
-  constexpr ptrdiff_t kNear = 8;
-  while (at < m_.textEnd && m_.budget >= 0) {
-    const uint8_t* const end = at + std::min(m_.textEnd - at, kStride);
-    if (filter_.kind == StartKind::kBoundary) {
-      at = passNonBoundaries(at, end);
-      if (at >= end) continue;
-    } else if (filter_.kind == StartKind::kSet) {
-      at = passOutsideSet(at, end);
-      if (at >= end) continue;
-    } else {
-      // In words and numbers the next start is not far.
-      const uint8_t* const near = filter_.kind == StartKind::kRanges ? std::min(at + kNear, end) : at;
-      at = passOutsideSet(at, near);
-      if (at >= near && !passFar(at, end)) continue;
-    }
-    if (const int32_t steps = hopelessSteps(at); steps > 0) {
-      pay(steps);
-      at = characterAfter(at);
-    } else if (filter_.run > 0) {
-      const uint8_t* const next = passRun(at);
-      if (next == at) break;
-      at = next;
-    } else {
-      break;
-    }
-  }
-  return at;
+  state.frames[0].start = filterFor(state, hasFrames);
 }
 
 }  // namespace ulk

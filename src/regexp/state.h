@@ -48,18 +48,30 @@ struct ByteSet256 {
   bool contains(uint8_t byte) const { return (words[byte >> 5] >> (byte & 31)) & 1; }
 };
 
+// A small set of bytes: up to four members, some repeated if there are fewer, or up to two ranges of ASCII,
+// from the first byte to the second and from the third to the fourth.
+struct SmallSet {
+  bool ranges;
+  uint8_t bytes[4];
+};
+
+// What must come right behind the first byte of a match.
+struct StartPair {
+  SmallSet second;     // one of these bytes,
+  int32_t run;         // or so many more of the same set, if this is not 0
+  int32_t extraSteps;  // what an attempt costs more that finds the first byte alone
+};
+
 // Where a match may begin (start_filter.h). "The set" is that in frame kStartSetFrame.
 enum class StartKind : int32_t {
   kAny,             // nothing is known: every position is tried
   kString,          // with the string at `item`
   kCaselessString,  // the same, letters in either case
-  kByte,            // with the one byte of the set, the first of the `members`
-  kFew,             // with one of the `members`, which are those of the set
-  kRanges,     // with a byte of the set, which is that from the first to the second and from the third to the
-               // fourth of the `members`
-  kSet,        // with a byte of the set
-  kBoundary,   // with a byte of the set at a word boundary
-  kLineStart,  // at the text start or after a newline
+  kByte,            // with the one byte of the set, the first of `small`
+  kSmallSet,        // with a byte of the set, which is `small`
+  kSet,             // with a byte of the set
+  kBoundary,        // with a byte of the set at a word boundary
+  kLineStart,       // at the text start or after a newline
 };
 
 struct StartFilter {
@@ -68,12 +80,14 @@ struct StartFilter {
   int32_t boundarySteps;  // that it costs where there is no word boundary
   uint8_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
   bool literals;    // there are several ways to begin, each with a literal
-  uint8_t members[4];  // the first one again where there are fewer
-  int32_t item;        // the node of the one item that every match begins with, -1 if there are several
-  int32_t run;         // the quantifier of that item, if runs of it can be passed over, 0 if not
-  int32_t firstBar;    // the first top-level bar, -1 without one
+  bool hasPair;     // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
+  SmallSet small;
+  int32_t item;      // the node of the one item that every match begins with, -1 if there are several
+  int32_t run;       // the quantifier of that item, if runs of it can be passed over, 0 if not
+  int32_t firstBar;  // the first top-level bar, -1 without one
 };
 inline constexpr int32_t kStartSetFrame = kNumFrames - 1;
+inline constexpr int32_t kStartPairFrame = kNumFrames - 2;
 
 // One frame of the work area. Frame 0 and those above the highest serial belong to no group; what the
 // compiler finds out to make searching fast is kept there: the start filter in frame 0, byte sets from the
@@ -82,6 +96,7 @@ union WorkFrame {
   GroupFrame group;
   ByteSet256 bytes;
   StartFilter start;
+  StartPair pair;
 };
 static_assert(sizeof(WorkFrame) == 32);
 

@@ -1,0 +1,102 @@
+// Small sets of bytes that a few comparisons test, and searches for bytes of such sets side by side.
+#pragma once
+
+#include <algorithm>
+#include <bit>
+
+#include "kernels/scan.h"
+
+namespace ulk {
+
+// Up to four members; a smaller set repeats some.
+class FourBytes {
+ public:
+  ULK_INLINE explicit FourBytes(const uint8_t* members) { Vec16<uint8_t>::splatFour(members, members_); }
+  ULK_INLINE Vec16<uint8_t> contains(Vec16<uint8_t> bytes) const {
+    return (bytes.equal(members_[0]) | bytes.equal(members_[1])) |
+           (bytes.equal(members_[2]) | bytes.equal(members_[3]));
+  }
+
+ private:
+  Vec16<uint8_t> members_[4];
+};
+
+// The bytes from the first bound to the second, and those from the third to the fourth.
+class TwoRanges {
+ public:
+  ULK_INLINE explicit TwoRanges(const uint8_t* bounds)
+      : first_(bounds[0], bounds[1]), second_(bounds[2], bounds[3]) {}
+  ULK_INLINE Vec16<uint8_t> contains(Vec16<uint8_t> bytes) const {
+    return first_.contains(bytes) | second_.contains(bytes);
+  }
+
+ private:
+  UnitRange<uint8_t> first_, second_;
+};
+
+template <class Set>
+struct SetProbe {
+  static constexpr bool kExact = true;
+  const uint8_t* text;
+  Set set;
+
+  template <class Block>
+  ULK_INLINE Vec16<uint8_t> hits(const Block& block) const {
+    return set.contains(block.load(text));
+  }
+  ULK_INLINE const SetProbe& filter() const { return *this; }
+};
+
+// Where a search came to: the place found, or the first one that it has not decided about.
+struct Place {
+  int32_t at;
+  bool found;
+  int32_t singles;  // places before it with a byte of the first set alone
+};
+
+// The first place with a byte of one set before a byte of another, in the first `length` bytes. The last few
+// places, up to 16, are left undecided.
+template <class First, class Second>
+Place findPair(const uint8_t* text, int32_t length, First first, Second second) {
+  constexpr int32_t kLanes = Vec16<uint8_t>::kLanes;
+  int32_t singles = 0;
+  int32_t at = 0;
+  for (; at < length - kLanes; at += kLanes) {
+    const LaneMask<uint8_t> firsts = first.contains(Vec16<uint8_t>::load(text + at)).mask();
+    if (!firsts.any()) continue;
+    const LaneMask<uint8_t> seconds = second.contains(Vec16<uint8_t>::load(text + at + 1)).mask();
+    const LaneMask<uint8_t> pairs(firsts.bits() & seconds.bits());
+    if (pairs.any()) {
+      const int32_t lane = pairs.first();
+      return {at + lane, true, singles + std::popcount(firsts.below(lane).bits())};
+    }
+    singles += std::popcount(firsts.bits());
+  }
+  return {at, false, singles};
+}
+
+// The first place with `count` bytes of one set side by side, 2 to 16 of them. The last few places, up to 32,
+// are left undecided.
+template <class Set>
+Place findRun(const uint8_t* text, int32_t length, Set set, int32_t count) {
+  constexpr int32_t kLanes = Vec16<uint8_t>::kLanes;
+  int32_t at = 0;
+  if (length < 2 * kLanes) return {at, false, 0};
+  LaneMask<uint8_t> next = set.contains(Vec16<uint8_t>::load(text)).mask();
+  for (; at <= length - 2 * kLanes; at += kLanes) {
+    const LaneMask<uint8_t> these = next;
+    next = set.contains(Vec16<uint8_t>::load(text + at + kLanes)).mask();
+    uint32_t runs = LaneMask<uint8_t>::pair(these, next).bits();
+    // Each round joins runs that overlap or touch; they begin in the lower half.
+    for (int32_t have = 1; have < count && runs != 0;) {
+      const int32_t more = std::min(have, count - have);
+      runs &= runs >> more;
+      have += more;
+    }
+    runs &= (1u << kLanes) - 1;
+    if (runs != 0) return {at + std::countr_zero(runs), true, 0};
+  }
+  return {at, false, 0};
+}
+
+}  // namespace ulk
