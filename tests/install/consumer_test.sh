@@ -1,0 +1,9 @@
+#!/bin/sh
+# consumer_test.sh CMAKE CTEST PROJECT DIRECTORY OPTION...: configures the project in a new directory, builds and tests it.
+set -eu
+cmake=$1 ctest=$2 project=$3 directory=$4
+shift 4
+rm -rf "$directory"
+"$cmake" -G Ninja -S "$project" -B "$directory" "$@"
+"$cmake" --build "$directory"
+"$ctest" --test-dir "$directory" --output-on-failure --no-tests=error

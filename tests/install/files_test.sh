@@ -1,0 +1,36 @@
+#!/bin/sh
+# files_test.sh CMAKE CPACK BUILD LIBDIR MANIFEST DIRECTORY: installs the build and makes its packages in a new directory, and
+# compares the files of each with the manifest. Leaves the archive unpacked as DIRECTORY/package.
+set -eu
+cmake=$1 cpack=$2 build=$3 libdir=$4 directory=$6
+export LC_ALL=C
+rm -rf "$directory"
+mkdir -p "$directory/tree" "$directory/package"
+sed "s|^lib/|$libdir/|" "$5" | sort >"$directory/expected"
+failures=0
+
+# files_of NAME: what stands in the directory NAME is what should.
+files_of() {
+  echo "$1 (- missing, + not in the manifest):"
+  (cd "$directory/$1" && find . ! -type d) | sed 's|^\./||' | sort >"$directory/found"
+  diff -U0 "$directory/expected" "$directory/found" || failures=$((failures + 1))
+}
+
+"$cmake" --install "$build" --prefix "$directory/tree"
+files_of tree
+
+(cd "$directory" && "$cpack" --config "$build/CPackConfig.cmake" -B "$directory/packages")
+cd "$directory/package"
+"$cmake" -E tar xf "$directory"/packages/ulkch-6.1-*-*.[tz]*
+mv ulkch-6.1-*/* .
+rmdir ulkch-6.1-*
+files_of package
+
+for deb in "$directory"/packages/*.deb; do
+  [ -e "$deb" ] || break
+  dpkg-deb --extract "$deb" "$directory/deb"
+  mv "$directory/deb/usr" "$directory/deb.usr"
+  rmdir "$directory/deb"
+  files_of deb.usr
+done
+exit $failures
