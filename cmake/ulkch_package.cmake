@@ -22,8 +22,12 @@ set(CPACK_STRIP_FILES ON)
 # dpkg-shlibdeps would take what a 64-bit machine builds 32-bit programs with for what they need, so the dependency is
 # spelt out. ulkgrep needs this version of the C library, the library itself an older one.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6 (>= 2.34)")
+if(ULKCH_OPENMP)
+  string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS ", libgomp1 (>= 4.9)")
+endif()
 set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 # Programs that are packaged against the library learn from this what to depend on, and ldconfig that it came.
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 include(CPack)

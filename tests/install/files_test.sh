@@ -1,6 +1,6 @@
 #!/bin/sh
-# files_test.sh CMAKE CPACK BUILD LIBDIR MANIFEST DIRECTORY: installs the build and makes its packages in a new directory, and
-# compares the files of each with the manifest. Leaves the archive unpacked as DIRECTORY/package.
+# files_test.sh CMAKE CPACK BUILD LIBDIR MANIFEST DIRECTORY: installs the build and makes its packages in a new directory,
+# and compares the files of each with the manifest. Leaves the archive unpacked as DIRECTORY/package.
 set -eu
 cmake=$1 cpack=$2 build=$3 libdir=$4 directory=$6
 export LC_ALL=C

@@ -1,6 +1,6 @@
 #!/bin/sh
-# pkg_config_test.sh PACKAGE LIBDIR SOURCE DIRECTORY COMPILER...: builds the program with the flags that pkg-config gives for the
-# unpacked package, with the shared library and with the static one, and runs both. RUN is what starts a program.
+# pkg_config_test.sh PACKAGE LIBDIR SOURCE DIRECTORY COMPILER...: builds the program with the flags that pkg-config gives
+# for the unpacked package, with the shared library and with the static one, and runs both, started by the words of $RUN.
 set -eu
 package=$1 source=$3 directory=$4
 export PKG_CONFIG_LIBDIR="$1/$2"/pkgconfig LD_LIBRARY_PATH="$1/$2"

@@ -1,5 +1,6 @@
 #!/bin/sh
-# consumer_test.sh CMAKE CTEST PROJECT DIRECTORY OPTION...: configures the project in a new directory, builds and tests it.
+# project_test.sh CMAKE CTEST PROJECT DIRECTORY OPTION...: configures the project in a new directory, builds it and runs
+# its tests.
 set -eu
 cmake=$1 ctest=$2 project=$3 directory=$4
 shift 4

@@ -1,0 +1,42 @@
+#!/bin/sh
+# deb_test.sh DEB ARCHITECTURE READELF: the Debian package is for that architecture, names the shared library to others,
+# and depends on the packages of all libraries that its files need, in versions that have the symbols which they use.
+set -eu
+export LC_ALL=C
+deb=$1 readelf=$3
+directory=$(mktemp -d)
+trap 'rm -rf "$directory"' EXIT
+failures=0
+dpkg-deb --raw-extract "$deb" "$directory"
+
+# expect WHAT WANTED FOUND
+expect() {
+  [ "$2" = "$3" ] && return
+  echo "$1: '$3', not '$2'"
+  failures=$((failures + 1))
+}
+
+expect architecture "$2" "$(dpkg-deb --field "$deb" Architecture)"
+expect shlibs 'libulkch 6 ulkch (>= 6.1)' "$(cat "$directory/DEBIAN/shlibs")"
+
+# The oldest packages that will do. Those of the C library are numbered like its symbols.
+for file in "$directory"/usr/bin/* "$directory"/usr/lib/lib*.so.6; do
+  "$readelf" --dynamic --version-info --wide "$file"
+done >"$directory/elf"
+newest() {
+  sed -n "s/.*Name: $1_\([0-9.]*\).*/\1/p" "$directory/elf" | sort -V | tail -n 1
+}
+wanted=
+for library in $(sed -n 's/.*Shared library: \[\(.*\)\]/\1/p' "$directory/elf" | sort -u); do
+  case $library in
+    libulkch.so.6) ;;
+    libc.so.6) wanted="$wanted, libc6 (>= $(newest GLIBC))" ;;
+    libgomp.so.1)
+      expect 'newest symbol of libgomp' 4.0 "$(newest GOMP)"
+      wanted="$wanted, libgomp1 (>= 4.9)"
+      ;;
+    *) expect library none "$library" ;;
+  esac
+done
+expect depends "${wanted#, }" "$(dpkg-deb --field "$deb" Depends)"
+exit $failures
