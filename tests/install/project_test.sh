@@ -7,4 +7,4 @@ shift 4
 rm -rf "$directory"
 "$cmake" -G Ninja -S "$project" -B "$directory" "$@"
 "$cmake" --build "$directory"
-"$ctest" --test-dir "$directory" --output-on-failure --no-tests=error
+"$ctest" --test-dir "$directory" --output-on-failure --no-tests=error --parallel 3
