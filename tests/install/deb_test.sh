@@ -1,9 +1,9 @@
 #!/bin/sh
-# deb_test.sh DEB ARCHITECTURE READELF: the Debian package is for that architecture, names the shared library to others,
-# and depends on the packages of all libraries that its files need, in versions that have the symbols which they use.
+# deb_test.sh DIRECTORY READELF: the Debian package there is for the architecture of its files, names the shared library to
+# others, and depends on the packages of all libraries that its files need, in versions with the symbols which they use.
 set -eu
 export LC_ALL=C
-deb=$1 readelf=$3
+deb=$(echo "$1"/ulkch_6.1_*.deb) readelf=$2
 directory=$(mktemp -d)
 trap 'rm -rf "$directory"' EXIT
 failures=0
@@ -16,11 +16,15 @@ expect() {
   failures=$((failures + 1))
 }
 
-expect architecture "$2" "$(dpkg-deb --field "$deb" Architecture)"
+case $("$readelf" --file-header "$directory/usr/lib/libulkch.so.6") in
+  *X86-64*) architecture=amd64 ;;
+  *80386*) architecture=i386 ;;
+esac
+expect architecture $architecture "$(dpkg-deb --field "$deb" Architecture)"
 expect shlibs 'libulkch 6 ulkch (>= 6.1)' "$(cat "$directory/DEBIAN/shlibs")"
 
 # The oldest packages that will do. Those of the C library are numbered like its symbols.
-for file in "$directory"/usr/bin/* "$directory"/usr/lib/lib*.so.6; do
+for file in "$directory"/usr/bin/* "$directory"/usr/lib/libulkch.so.6; do
   "$readelf" --dynamic --version-info --wide "$file"
 done >"$directory/elf"
 newest() {
