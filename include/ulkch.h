@@ -697,12 +697,12 @@ ULK_API ulkStatus ULK_CALL ulksRegExpReplaceGetSize(const char* pTemplate, int32
 /// Prepares a template. The state keeps pointers into the template, which stays alive and unchanged as long
 /// as the state is used. A buffer may be used again for another template.
 /// @param[in]  pTemplate  the template, zero-terminated; null for an empty one, which deletes what matches
-/// @param[out] pState     the buffer, of the size that ulksRegExpReplaceGetSize() gives for the same template,
-///                        aligned for a pointer
+/// @param[out] pState     the buffer, of the size that ulksRegExpReplaceGetSize() gives for the same
+///                        template, aligned for a pointer
 /// @retval ulkOk                the state is ready
 /// @retval ulkErrNullPtr        `pState` is null; nothing was written
-/// @retval ulkErrRegExpBackRef  a `$` with neither `&` nor a digit after it, or a group number of 0; the state
-///                              must not be used
+/// @retval ulkErrRegExpBackRef  a `$` with neither `&` nor a digit after it, or a group number of 0; the
+///                              state must not be used
 ULK_API ulkStatus ULK_CALL ulksRegExpReplaceInit(const char* pTemplate, ulkRegExpReplaceState* pState);
 
 /// Copies a text with the first match of an expression replaced or, when the expression was compiled with the
@@ -733,10 +733,10 @@ ULK_API ulkStatus ULK_CALL ulksRegExpReplaceInit(const char* pTemplate, ulkRegEx
 /// What of a template was written before the piece that did not fit is not counted.
 ///
 /// Growing the destination and calling again with the whole text is always right. Going on from `*pSrcLen`
-/// with what is left is right only for expressions that do not look back (`^`, `\b`, lookbehind). With `g` the
-/// two lengths alone do not always tell an early end from a complete one. It is complete when the room left is
-/// greater than any piece can need: `*pDstLen` + `*pSrcLen` as it went in < capacity, and `*pDstLen` + the
-/// length that the template can expand to < capacity.
+/// with what is left is right only for expressions that do not look back (`^`, `\b`, lookbehind). With `g`
+/// the two lengths alone do not always tell an early end from a complete one. It is complete when the room
+/// left is greater than any piece can need: `*pDstLen` + `*pSrcLen` as it went in < capacity, and
+/// `*pDstLen` + the length that the template can expand to < capacity.
 ///
 /// **Groups.** A group that the expression does not have stands for nothing. One that took no part in the
 /// match takes a byte back: the next piece overwrites the last byte written (a byte before the destination is
@@ -747,28 +747,28 @@ ULK_API ulkStatus ULK_CALL ulksRegExpReplaceInit(const char* pTemplate, ulkRegEx
 /// What a caller must know to be safe:
 /// - The hazards of ulksRegExpFind_8u() are those of this call too, apart from matches that are reported
 ///   beyond the text: no byte from beyond it is copied, but the lengths count as reported.
-/// - Replacing the first match measures the template against the whole capacity, and not against what the text
-///   before the match has left of it. A destination that has `*pSrcLen` bytes more than the capacity given is
-///   always safe. With `g` nothing is written beyond the capacity.
+/// - Replacing the first match measures the template against the whole capacity, and not against what the
+///   text before the match has left of it. A destination that has `*pSrcLen` bytes more than the capacity
+///   given is always safe. With `g` nothing is written beyond the capacity.
 /// - With an empty template, the text after the first match is copied without any test. A destination of at
 ///   least `*pSrcLen` bytes is safe.
-/// - Only valid expressions: one that ulksRegExpFind_8u() would refuse with #ulkErrInvalidState makes the call
-///   use the records and their number as they are.
+/// - Only valid expressions: one that ulksRegExpFind_8u() would refuse with #ulkErrInvalidState makes the
+///   call use the records and their number as they are.
 /// @param[in]     pSrc           the text
 /// @param[in,out] pSrcLen        in: its length in bytes, at least 1. Out: as the table says
 /// @param[out]    pDst           the destination; does not overlap the text or the template
 /// @param[in,out] pDstLen        in: its capacity in bytes, at least 1. Out: as the table says
-/// @param[out]    pFind          records for the search. A match needs one record and one for each group; with
-///                               `g` only as many matches are replaced as have room here, and the text
-///                               after them is copied
+/// @param[out]    pFind          records for the search. A match needs one record and one for each group;
+///                               with `g` only as many matches are replaced as have room here, and the
+///                               text after them is copied
 /// @param[in,out] pNumFind       in: the number of records, 0 or more. Out: the number filled. With `g` this
 ///                               divided by one more than the number of groups is the number of matches
 ///                               found; after the match limit has run out, it is the number that went in
 /// @param[in,out] pRegExpState   the compiled expression; searching writes to it
 /// @param[in]     pReplaceState  the prepared template
 /// @retval ulkOk          the destination and the lengths are set
-/// @retval ulkErrNullPtr  `pSrc`, `pSrcLen`, `pRegExpState`, `pDst`, `pReplaceState`, `pDstLen`, `pNumFind` or
-///                        `pFind` is null
+/// @retval ulkErrNullPtr  `pSrc`, `pSrcLen`, `pRegExpState`, `pDst`, `pReplaceState`, `pDstLen`, `pNumFind`
+///                        or `pFind` is null
 /// @retval ulkErrSize     `*pSrcLen` or `*pDstLen` is below 1
 ULK_API ulkStatus ULK_CALL ulksRegExpReplace_8u(const uint8_t* pSrc, int32_t* pSrcLen, uint8_t* pDst,
                                                 int32_t* pDstLen, ulkRegExpFind* pFind, int32_t* pNumFind,
@@ -806,7 +806,8 @@ typedef struct ulkRegExpMultiFind {
 ULK_API ulkStatus ULK_CALL ulksRegExpMultiGetSize(uint32_t maxPatterns, int32_t* pSize);
 
 /// Makes an empty set in a buffer of the caller's.
-/// @param[out] pState       the buffer, of the size that ulksRegExpMultiGetSize() gives, aligned for a pointer
+/// @param[out] pState       the buffer, of the size that ulksRegExpMultiGetSize() gives, aligned for a
+///                          pointer
 /// @param[in]  maxPatterns  the number of slots, at least 1
 /// @retval ulkOk          the set is ready; all its slots are free
 /// @retval ulkErrNullPtr  `pState` is null, or no buffer can have so many slots
@@ -874,8 +875,8 @@ ULK_API ulkStatus ULK_CALL ulksRegExpMultiModify(ulkRegExpState* pRegExpState, u
 /// @param[in]     pSrc      the text
 /// @param[in]     srcLen    its length in bytes, at least 1
 /// @param[in,out] pResults  one record for each slot of the set, in the order of the slots. The caller sets
-///                          `numFind` and `pFind` of those whose slots are taken; records of free slots are not
-///                          touched
+///                          `numFind` and `pFind` of those whose slots are taken; records of free slots are
+///                          not touched
 /// @param[in]     pState    the set
 /// @retval ulkOk          all expressions were searched for; what became of each is in its record
 /// @retval ulkErrNullPtr  `pSrc`, `pState` or `pResults` is null
