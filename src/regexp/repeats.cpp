@@ -20,20 +20,19 @@ namespace {
 // Takes up to `most` characters; `accepts` tells for those below 0x80, which are single bytes.
 template <class Accepts>
 int32_t takeCharacters(MatchContext& m, const RxNode& item, int32_t most, Accepts accepts) {
-  int32_t count = 0;
   const uint8_t* at = m.at;
+  const uint8_t* end = at + std::min<ptrdiff_t>(most, m.textEnd - at);
+  ptrdiff_t further = 0;  // bytes of characters beyond the first
   for (;;) {
-    const uint8_t* const run = at;
-    const uint8_t* const end = at + std::min<ptrdiff_t>(most - count, m.textEnd - at);
-    while (end - at >= 4 && accepts(at[0]) && accepts(at[1]) && accepts(at[2]) && accepts(at[3])) at += 4;
-    while (at < end && accepts(*at)) ++at;
-    count += static_cast<int32_t>(at - run);
+    while (at < end && *at < 0x80 && accepts(*at)) ++at;
     if (at >= end || *at < 0x80) break;
     const int32_t length = itemLength(m, item, at);
     if (length == kNoMatch) break;
     at += length;
-    ++count;
+    further += length - 1;
+    end += std::min<ptrdiff_t>(length - 1, m.textEnd - end);
   }
+  const auto count = static_cast<int32_t>(at - m.at - further);
   m.at = at;
   return count;
 }
@@ -67,12 +66,10 @@ int32_t takeItems(MatchContext& m, const RxNode& item, int32_t most) {
   const uint32_t options = m.options;
   if (isOneByte(item, options)) return takeBytes(m, item, most);
   const ByteSet256* const set = item.code == RX_CLASS ? classSet(item, options) : nullptr;
-  if (set)
-    return takeCharacters(m, item, most, [set](uint8_t byte) { return byte < 0x80 && set->contains(byte); });
+  if (set) return takeCharacters(m, item, most, [set](uint8_t byte) { return set->contains(byte); });
   if (item.code == RX_CHARTYPE) {
     const uint8_t wanted = byteSetOf(item.op1, options);
-    return takeCharacters(m, item, most,
-                          [wanted](uint8_t byte) { return byte < 0x80 && inByteSet(byte, wanted); });
+    return takeCharacters(m, item, most, [wanted](uint8_t byte) { return inByteSet(byte, wanted); });
   }
   int32_t count = 0;
   for (; count < most; ++count) {
@@ -169,6 +166,8 @@ Next stepGreedy(MatchContext& m, const RxNode& item, int32_t quantifier) {
   m.node = quantifier + 1;
   const int32_t spare = count - least;
   if (spare == 0) return Next::kGoOn;
+  // At the program's end nothing can make the repeat give back.
+  if (m.node == m.endNode && m.run == kNoRun && !m.nonEmpty && m.budget >= 0) return Next::kMatched;
   Choice& choice = m.push(ChoiceKind::kGreedyBytes);
   const int32_t length = choice.at - start;
   choice.kind = greedyKind(item, length == count);

@@ -31,6 +31,11 @@ Vec16<uint8_t> wordBytes(Vec16<uint8_t> bytes) {
 
 constexpr ptrdiff_t kStride = 4096;  // how far to look before paying, lest a small budget reads a long text
 
+bool isQuantified(const ulkRegExpState& state, int32_t item) {
+  const int32_t next = nextItem(state.nodes(), item);
+  return next < state.numNodes && isQuantifier(state.nodes()[next]);
+}
+
 // Calls `run` with the set in the form for vectors.
 template <class Run>
 auto withSet(const SmallSet& set, Run run) {
@@ -45,6 +50,7 @@ Starts::Starts(MatchContext& m, const ulkRegExpState& state)
       filter_(startFilterOf(state)),
       set_(state.frames[kStartSetFrame].bytes),
       pair_(state.frames[kStartPairFrame].pair),
+      beginsWithItem_(filter_.item >= 0 && !isQuantified(state, filter_.item)),
       ways_(firstAlternatives(state.nodes(), state.numNodes, filter_.firstBar)),
       asciiEnd_(nullptr),
       runEnd_(nullptr),
@@ -199,7 +205,7 @@ int32_t Starts::stepsToMissingItem(const uint8_t* at) const {
 // The cost of the attempt at a place that passes the filter, where a closer look tells that it fails; else 0.
 int32_t Starts::hopelessSteps(const uint8_t* at) const {
   if (filter_.literals) return lacksLiterals(at) ? filter_.steps : 0;
-  return filter_.item >= 0 && filter_.run == 0 ? stepsToMissingItem(at) : 0;
+  return beginsWithItem_ ? stepsToMissingItem(at) : 0;
 }
 
 // An attempt that begins with an unbounded repeat runs to the first byte that is none of its items, from
