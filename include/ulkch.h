@@ -629,7 +629,8 @@ typedef struct ulkRegExpFind {
 /// Without the option `g` the first match is reported: record 0 is the whole match, record k is capture group
 /// k. With `g`, successive matches that do not overlap are reported one after the other, as long as the
 /// records of a whole further match fit: for an expression without groups one record a match, the whole
-/// match; for one with groups only the groups of each match. Records that were not filled stay as they were.
+/// match; for one with groups only the groups of each match. The match that may follow an empty one at the
+/// same place is looked for only where two more fit. Records that were not filled stay as they were.
 ///
 /// When the pattern ends in a literal, the text counts as ending after the last occurrence of that literal,
 /// for "$" and lookahead too; a text in which it does not occur counts as empty.
@@ -733,10 +734,10 @@ ULK_API ulkStatus ULK_CALL ulksRegExpReplaceInit(const char* pTemplate, ulkRegEx
 /// What of a template was written before the piece that did not fit is not counted.
 ///
 /// Growing the destination and calling again with the whole text is always right. Going on from `*pSrcLen`
-/// with what is left is right only for expressions that do not look back (`^`, `\b`, lookbehind). With `g`
-/// the two lengths alone do not always tell an early end from a complete one. It is complete when the room
-/// left is greater than any piece can need: `*pDstLen` + `*pSrcLen` as it went in < capacity, and
-/// `*pDstLen` + the length that the template can expand to < capacity.
+/// with what is left is right only for expressions that do not look back (`^`, `\b`, lookbehind). The two
+/// lengths alone do not always tell an early end from a complete one; the records do. The result is complete
+/// when the capacity is greater than the text's length plus, for each match, the length of the template and
+/// of the groups that it names, and none of those is unset.
 ///
 /// **Groups.** A group that the expression does not have stands for nothing. One that took no part in the
 /// match takes a byte back: the next piece overwrites the last byte written (a byte before the destination is
@@ -746,7 +747,8 @@ ULK_API ulkStatus ULK_CALL ulksRegExpReplaceInit(const char* pTemplate, ulkRegEx
 ///
 /// What a caller must know to be safe:
 /// - The hazards of ulksRegExpFind_8u() are those of this call too, apart from matches that are reported
-///   beyond the text: no byte from beyond it is copied, but the lengths count as reported.
+///   beyond the text: no byte from beyond it is copied, though the text after the match is counted as if it
+///   had been, and may count less than nothing.
 /// - Replacing the first match measures the template against the whole capacity, and not against what the
 ///   text before the match has left of it. A destination that has `*pSrcLen` bytes more than the capacity
 ///   given is always safe. With `g` nothing is written beyond the capacity.
