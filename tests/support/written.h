@@ -43,6 +43,8 @@ constexpr Place kPlaces[] = {{Place::kAtEnd, 0}, {Place::kAtStart, 0},  {Place::
 template <class Unit>
 class WrittenUnits {
  public:
+  static constexpr char kUnwritten = '\x5A';
+
   explicit WrittenUnits(size_t mostUnits) : pages_(mostUnits * sizeof(Unit) + 128) {}
 
   // Makes room for `count` units.
@@ -75,7 +77,6 @@ class WrittenUnits {
   }
 
  private:
-  static constexpr char kUnwritten = '\x5A';
   size_t size() const { return static_cast<size_t>(pages_.end() - pages_.begin()); }
 
   GuardedPages pages_;
