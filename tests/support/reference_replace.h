@@ -1,7 +1,7 @@
-// Replacement written down as its rules read: piece by piece, byte by byte, from matches that the caller
-// knows.
+// Replacement as its rules read: piece by piece, byte by byte, from matches that the caller knows.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -47,32 +47,28 @@ class ReferenceReplace {
 
  private:
   struct Item {
-    bool isGroup;
+    std::string literal;  // empty for a group
     int32_t group;
-    std::string literal;
   };
 
   static int64_t lengthOf(const std::string& text) { return static_cast<int64_t>(text.size()); }
 
   void readTemplate() {
     const std::string& text = job_.pattern;
-    bool inLiteral = false;
-    for (size_t i = 0; i < text.size(); ++i) {
-      if (text[i] != '$' && text[i] != '\\') {
-        if (!inLiteral) items_.push_back({false, 0, ""});
-        items_.back().literal += text[i];
-        inLiteral = true;
-        continue;
-      }
-      inLiteral = false;
-      if (text[i] == '\\') continue;
-      uint32_t group = 0;
-      if (text[i + 1] == '&')
+    for (size_t i = 0; i < text.size();) {
+      if (text[i] == '\\') {
         ++i;
-      else
-        while (i + 1 < text.size() && text[i + 1] >= '0' && text[i + 1] <= '9')
-          group = 11 * group + static_cast<uint32_t>(text[++i] - '0');
-      items_.push_back({true, static_cast<int32_t>(group), ""});
+      } else if (text[i] != '$') {
+        const size_t end = std::min(text.find_first_of("$\\", i), text.size());
+        items_.push_back({text.substr(i, end - i), 0});
+        i = end;
+      } else {
+        uint32_t group = 0;
+        const bool whole = text[++i] == '&';
+        for (i += whole; !whole && text[i] >= '0' && text[i] <= '9'; ++i)
+          group = 11 * group + static_cast<uint32_t>(text[i] - '0');
+        items_.push_back({"", static_cast<int32_t>(group)});
+      }
     }
   }
 
@@ -96,7 +92,7 @@ class ReferenceReplace {
     for (const Item& item : items_) {
       std::string piece = item.literal;
       int64_t length = lengthOf(piece);
-      if (item.isGroup) {
+      if (piece.empty()) {
         if (item.group < 0 || item.group >= numGroups) continue;
         const Span group = job_.records[static_cast<size_t>(first + item.group)];
         piece = sourceText(group.start, group.length);

@@ -11,6 +11,7 @@ std::atomic<bool> failNext = false;
 std::atomic<int32_t> numLive = 0;
 std::atomic<int32_t> lastRequest = 0;
 std::atomic<int32_t> numThreads = 1;
+std::atomic<int32_t> numThreadsAfter = 1;
 
 }  // namespace
 
@@ -19,7 +20,11 @@ namespace ulk::testcore {
 void failNextAllocation() { failNext = true; }
 int32_t liveBlocks() { return numLive; }
 int32_t lastSize() { return lastRequest; }
-void setNumThreads(int32_t count) { numThreads = count; }
+void setNumThreads(int32_t count) { setNumThreads(count, count); }
+void setNumThreads(int32_t next, int32_t after) {
+  numThreads = next;
+  numThreadsAfter = after;
+}
 
 }  // namespace ulk::testcore
 
@@ -36,4 +41,4 @@ void ulkFree(void* pointer) {
   std::free(pointer);
 }
 
-int32_t ownGetNumThreads() { return numThreads; }
+int32_t ownGetNumThreads() { return numThreads.exchange(numThreadsAfter); }

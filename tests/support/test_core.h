@@ -18,4 +18,7 @@ int32_t lastSize();
 // What ownGetNumThreads reports from now on.
 void setNumThreads(int32_t count);
 
+// What it reports when it is asked next, and after that.
+void setNumThreads(int32_t next, int32_t after);
+
 }  // namespace ulk::testcore
