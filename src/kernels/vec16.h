@@ -215,10 +215,14 @@ class Vec16 {
     static_assert(sizeof(Unit) != 1, "there is no such instruction for bytes");
     return Vec16(sizeof(Unit) == 2 ? _mm_srli_epi16(v_, bits) : _mm_srli_epi32(v_, bits));
   }
-  // All bytes to lower places; in the second form those of each half of the vector by themselves.
+  // All bytes to lower or to higher places; in the last form those of each half of the vector by themselves.
   template <int count>
   ULK_INLINE Vec16 bytesDown() const {
     return Vec16(_mm_srli_si128(v_, count));
+  }
+  template <int count>
+  ULK_INLINE Vec16 bytesUp() const {
+    return Vec16(_mm_slli_si128(v_, count));
   }
   template <int count>
   ULK_INLINE Vec16 bytesDownInHalves() const {
@@ -255,6 +259,12 @@ class Vec16 {
     } else {
       return NumberPair(joinLanes32<base * base>(joinLanes16<base>(v_)));
     }
+  }
+
+  ULK_INLINE uint32_t sumOfBytes() const {
+    const __m128i halves = _mm_sad_epu8(v_, _mm_setzero_si128());
+    return static_cast<uint32_t>(
+        _mm_cvtsi128_si32(_mm_add_epi32(halves, _mm_unpackhi_epi64(halves, halves))));
   }
 
   // Of a comparison's result: the lanes that hold ones.

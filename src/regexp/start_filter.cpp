@@ -40,8 +40,12 @@ bool listRanges(const ByteSet256& set, uint8_t (&bounds)[4]) {
 
 // Describes a small set of bytes; false for others.
 bool describe(const ByteSet256& set, SmallSet& small) {
-  small.ranges = !listMembers(set, small.bytes);
-  return !small.ranges || listRanges(set, small.bytes);
+  if (listMembers(set, small.bytes)) {
+    small.form = SmallSetForm::kMembers;
+  } else {
+    small.form = listRanges(set, small.bytes) ? SmallSetForm::kRanges : SmallSetForm::kNone;
+  }
+  return small.form != SmallSetForm::kNone;
 }
 
 bool containsAll(const ByteSet256& set) {
@@ -60,7 +64,10 @@ int32_t runOf(const RxNode* nodes, int32_t numNodes, int32_t item, uint32_t opti
 }
 
 StartKind kindOf(const FirstBytes& items, const RxNode* nodes, StartFilter& filter) {
-  if (items.boundarySteps > 0) return StartKind::kBoundary;
+  if (items.boundarySteps > 0) {
+    describe(items.set, filter.small);
+    return StartKind::kBoundary;
+  }
   if (containsAll(items.set)) return StartKind::kAny;
   const bool caseless = filter.options & RX_OPT_CASELESS;
   if (filter.item >= 0 && nodes[filter.item].code == RX_STRING) {
@@ -68,9 +75,9 @@ StartKind kindOf(const FirstBytes& items, const RxNode* nodes, StartFilter& filt
   }
   if (!describe(items.set, filter.small)) return StartKind::kSet;
   const SmallSet& small = filter.small;
-  return !small.ranges && std::count(small.bytes, small.bytes + 4, small.bytes[0]) == 4
-             ? StartKind::kByte
-             : StartKind::kSmallSet;
+  const bool one =
+      small.form == SmallSetForm::kMembers && std::count(small.bytes, small.bytes + 4, small.bytes[0]) == 4;
+  return one ? StartKind::kByte : StartKind::kSmallSet;
 }
 
 bool isLiteral(const ulkRegExpState& state, int32_t node) {
@@ -117,7 +124,7 @@ bool describePair(const ulkRegExpState& state, const StartFilter& filter, StartP
   const RxNode* const nodes = state.nodes();
   const bool ascii =
       std::all_of(filter.small.bytes, filter.small.bytes + 4, [](uint8_t c) { return c < 0x80; });
-  if ((filter.kind != StartKind::kByte && filter.kind != StartKind::kSmallSet) || !ascii) return false;
+  if (filter.small.form == SmallSetForm::kNone || !ascii) return false;
   pair = {};
   ByteSet256 seconds{};
   if (filter.literals) {
@@ -128,6 +135,9 @@ bool describePair(const ulkRegExpState& state, const StartFilter& filter, StartP
     return describe(seconds, pair.second);
   }
   if (filter.item < 0) return false;
+  if (addSecondByte(nodes[filter.item], filter.options, seconds)) return describe(seconds, pair.second);
+  if (filter.kind == StartKind::kBoundary)
+    return false;  // where that byte is missing costs another number of steps
   const int32_t next = nextItem(nodes, filter.item);
   if (next >= state.numNodes) return false;
   if (isQuantifier(nodes[next])) {

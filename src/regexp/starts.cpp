@@ -23,12 +23,6 @@ size_t asciiPrefix(const uint8_t* text, size_t length) {
   return i;
 }
 
-Vec16<uint8_t> wordBytes(Vec16<uint8_t> bytes) {
-  const Vec16<uint8_t> small = bytes | Vec16<uint8_t>::splat(0x20);
-  return UnitRange<uint8_t>{'a', 'z'}.contains(small) | UnitRange<uint8_t>{'0', '9'}.contains(bytes) |
-         bytes.equal(Vec16<uint8_t>::splat('_'));
-}
-
 constexpr ptrdiff_t kStride = 4096;  // how far to look before paying, lest a small budget reads a long text
 
 bool isQuantified(const ulkRegExpState& state, int32_t item) {
@@ -39,7 +33,7 @@ bool isQuantified(const ulkRegExpState& state, int32_t item) {
 // Calls `run` with the set in the form for vectors.
 template <class Run>
 auto withSet(const SmallSet& set, Run run) {
-  return set.ranges ? run(TwoRanges(set.bytes)) : run(FourBytes(set.bytes));
+  return set.form == SmallSetForm::kRanges ? run(TwoRanges(set.bytes)) : run(FourBytes(set.bytes));
 }
 
 }  // namespace
@@ -138,41 +132,45 @@ const uint8_t* Starts::passOutsideSet(const uint8_t* at, const uint8_t* end) {
   return at;
 }
 
+// Where the text has a word boundary with a byte of the small set, and a pair where the filter has one.
+Place Starts::findBoundary(const uint8_t* text, int32_t length) const {
+  return withSet(filter_.small, [&](auto first) {
+    if (!filter_.hasPair) return findPairAtBoundary(text, length, first, AnyByte());
+    return withSet(pair_.second,
+                   [&](auto second) { return findPairAtBoundary(text, length, first, second); });
+  });
+}
+
 // The first position in [at, end) at a word boundary with a byte of the set, the next one from `end` on if
 // there is none. Pays for those before it: without a boundary only the assertion is run.
 const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) {
+  constexpr int32_t kNear = 2;  // words and gaps that are looked at before the vector search
+  int32_t passed = 0;
   int64_t starts = 0;
   int64_t boundaries = 0;
   bool inWord = at != m_.textStart && inByteSet(at[-1], kWord);
-  bool found = false;
-  while (at < end && !found) {
-    if (end - at >= 16 && *at < 0x80) {
-      const Vec16<uint8_t> bytes = Vec16<uint8_t>::load(at);
-      const int32_t ascii = std::min(LaneMask<uint8_t>(bytes.mask().bits() | 1u << 16).first(), 16);
-      const uint32_t words = wordBytes(bytes).mask().bits();
-      uint32_t edges = (words ^ (words << 1 | (inWord ? 1 : 0))) & ((1u << ascii) - 1);
-      int32_t passed = ascii;
-      for (; edges != 0 && !found; edges &= edges - 1) {
-        const int32_t edge = std::countr_zero(edges);
-        found = set_.contains(at[edge]);
-        if (found) passed = edge;
-        boundaries += found ? 0 : 1;
-      }
-      starts += passed;
-      at += passed;
-      inWord = words >> (ascii - 1) & 1;
-    } else {
-      const bool isWord = inByteSet(*at, kWord);
-      if (isWord != inWord) {
-        found = set_.contains(*at);
-        boundaries += found ? 0 : 1;
-      }
-      if (!found) {
-        at = *at < 0x80 ? at + 1 : characterAfter(at);
-        ++starts;
-      }
-      inWord = isWord;
+  while (at < end) {
+    if (++passed > kNear && filter_.small.form != SmallSetForm::kNone && end - at > 16 && *at < 0x80) {
+      const Place place = findBoundary(at, static_cast<int32_t>(end - at));
+      starts += place.at;
+      boundaries += place.singles;
+      at += place.at;
+      if (place.found) break;
+      inWord = inByteSet(at[-1], kWord);
     }
+    const uint8_t* const from = at;
+    if (inWord) {
+      while (at < end && inByteSet(*at, kWord)) ++at;
+      starts += at - from;
+    } else {
+      for (; at < end && !inByteSet(*at, kWord); ++starts) at = *at < 0x80 ? at + 1 : characterAfter(at);
+    }
+    if (at >= end || set_.contains(*at)) break;
+    // The assertion holds here, but no item matches.
+    ++boundaries;
+    ++starts;
+    inWord = !inWord;
+    at = *at < 0x80 ? at + 1 : characterAfter(at);
   }
   pay(starts * filter_.boundarySteps + boundaries * (filter_.steps - filter_.boundarySteps));
   return at;
@@ -308,7 +306,7 @@ const uint8_t* Starts::skip(const uint8_t* at) {
       if (!passPairless(at, end)) continue;
     } else {
       // In words and numbers the next start is not far.
-      const bool isWide = filter_.kind == StartKind::kSmallSet && filter_.small.ranges;
+      const bool isWide = filter_.kind == StartKind::kSmallSet && filter_.small.form == SmallSetForm::kRanges;
       const uint8_t* const near = isWide ? std::min(at + kNear, end) : at;
       at = passOutsideSet(at, near);
       if (at >= near && !passFar(at, end)) continue;

@@ -37,6 +37,7 @@ class Starts {
   const uint8_t* passNonBoundaries(const uint8_t* at, const uint8_t* end);
   bool passFar(const uint8_t*& at, const uint8_t* end);
   bool passPairless(const uint8_t*& at, const uint8_t* end);
+  Place findBoundary(const uint8_t* text, int32_t length) const;
   Place findPlace(const uint8_t* text, int32_t length) const;
   const uint8_t* payForAll(const uint8_t* at, const uint8_t* end);
   void pay(int64_t steps);

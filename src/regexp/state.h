@@ -50,8 +50,9 @@ struct ByteSet256 {
 
 // A small set of bytes: up to four members, some repeated if there are fewer, or up to two ranges of ASCII,
 // from the first byte to the second and from the third to the fourth.
+enum class SmallSetForm : uint8_t { kNone, kMembers, kRanges };
 struct SmallSet {
-  bool ranges;
+  SmallSetForm form;
   uint8_t bytes[4];
 };
 
@@ -68,7 +69,7 @@ enum class StartKind : int32_t {
   kString,          // with the string at `item`
   kCaselessString,  // the same, letters in either case
   kByte,            // with the one byte of the set, the first of `small`
-  kSmallSet,        // with a byte of the set, which is `small`
+  kSmallSet,        // with a byte of the set, which is a small one
   kSet,             // with a byte of the set
   kBoundary,        // with a byte of the set at a word boundary
   kLineStart,       // at the text start or after a newline
@@ -81,9 +82,9 @@ struct StartFilter {
   uint8_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
   bool literals;    // there are several ways to begin, each with a literal
   bool hasPair;     // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
-  SmallSet small;
-  int32_t item;      // the node of the one item that every match begins with, -1 if there are several
-  int32_t run;       // the quantifier of that item, if runs of it can be passed over, 0 if not
+  SmallSet small;   // the set, where it is one
+  int32_t item;     // the node of the one item that every match begins with, -1 if there are several
+  int32_t run;      // the quantifier of that item, if runs of it can be passed over, 0 if not
   int32_t firstBar;  // the first top-level bar, -1 without one
 };
 inline constexpr int32_t kStartSetFrame = kNumFrames - 1;
