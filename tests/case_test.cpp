@@ -33,14 +33,6 @@ struct Conversion {
   }
 };
 
-template <class Unit>
-Unit latinLower(Unit unit) {
-  return static_cast<Unit>(unit >= 'A' && unit <= 'Z' ? unit + 32 : unit);
-}
-template <class Unit>
-Unit latinUpper(Unit unit) {
-  return static_cast<Unit>(unit >= 'a' && unit <= 'z' ? unit - 32 : unit);
-}
 uint16_t fullLower(uint16_t unit) { return referenceCase().lower[unit]; }
 uint16_t fullUpper(uint16_t unit) { return referenceCase().upper[unit]; }
 

@@ -28,10 +28,6 @@ template <class Unit>
 Unit itself(Unit unit) {
   return unit;
 }
-template <class Unit>
-Unit latinLower(Unit unit) {
-  return static_cast<Unit>(unit >= 'A' && unit <= 'Z' ? unit + 32 : unit);
-}
 uint16_t fullLower(uint16_t unit) {
   static const ReferenceCase kReference;
   return kReference.lower[unit];

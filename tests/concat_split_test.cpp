@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/guarded.h"
+#include "support/reference_split.h"
 #include "support/written.h"
 #include "ulkch.h"
 
@@ -35,27 +36,13 @@ struct Api<uint16_t> {
   static constexpr auto splitC = ulksSplitC_16u_D2L;
 };
 
-constexpr int32_t kNull = INT32_MIN;  // as the room of a buffer: there is none
 constexpr int32_t kUnused = -77;
-
-template <class Unit>
-using Strings = std::vector<std::vector<Unit>>;
 
 template <class Unit>
 Strings<Unit> stringsOf(const std::vector<std::string>& letters) {
   Strings<Unit> strings;
   for (const std::string& each : letters) strings.push_back(unitsOf<Unit>(each));
   return strings;
-}
-
-template <class Unit>
-std::vector<Unit> joined(const Strings<Unit>& strings, const std::vector<Unit>& between) {
-  std::vector<Unit> all;
-  for (size_t i = 0; i < strings.size(); ++i) {
-    if (i > 0) all.insert(all.end(), between.begin(), between.end());
-    all.insert(all.end(), strings[i].begin(), strings[i].end());
-  }
-  return all;
 }
 
 // A list of strings to read.
@@ -102,50 +89,6 @@ struct BufferList {
   std::vector<Unit*> pointers;
   std::vector<int32_t> lengths;
 };
-
-// What a split leaves behind.
-template <class Unit>
-struct Split {
-  ulkStatus status;
-  int32_t count;
-  std::vector<int32_t> lengths;
-  Strings<Unit> written;
-};
-
-// First all parts, then one after the other into its buffer.
-template <class Unit>
-Split<Unit> referenceSplit(const std::vector<Unit>& text, Unit delimiter, const std::vector<int32_t>& rooms) {
-  Strings<Unit> parts(1);
-  for (const Unit unit : text) {
-    if (unit == delimiter) {
-      parts.emplace_back();
-    } else {
-      parts.back().push_back(unit);
-    }
-  }
-  if (parts.back().empty()) parts.pop_back();  // nothing follows the last delimiter, or the text is empty
-
-  Split<Unit> split = {ulkOk, 0, rooms, Strings<Unit>(rooms.size())};
-  for (size_t i = 0; i < parts.size(); ++i) {
-    if (i == rooms.size()) {
-      split.status = ulkWrnSlotsExhausted;
-      break;
-    }
-    if (rooms[i] < 0) {
-      split.status = rooms[i] == kNull ? ulkErrNullPtr : ulkErrLength;
-      split.count = static_cast<int32_t>(rooms.size());
-      return split;
-    }
-    if (lengthOf(parts[i]) > rooms[i]) {
-      split.status = ulkWrnPartTruncated;
-      parts[i].resize(static_cast<size_t>(rooms[i]));
-    }
-    split.written[i] = parts[i];
-    split.lengths[i] = lengthOf(parts[i]);
-    ++split.count;
-  }
-  return split;
-}
 
 template <class Unit>
 class ConcatSplit : public testing::Test {

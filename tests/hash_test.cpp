@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "support/guarded.h"
+#include "support/reference_hash.h"
 #include "ulkch.h"
 
 namespace ulk_test {
@@ -32,30 +33,6 @@ struct Api<uint16_t> {
   static constexpr auto hashMSCS = ulksHashMSCS_16u32u;
   static constexpr auto hashSJ2 = ulksHashSJ2_16u32u;
 };
-
-struct Hashes {
-  uint32_t hash = 0;
-  uint32_t hashMSCS = 5381;
-  uint32_t hashSJ2 = 0;
-
-  bool operator==(const Hashes&) const = default;
-  friend void PrintTo(const Hashes& hashes, std::ostream* out) {
-    *out << hashes.hash << ' ' << hashes.hashMSCS << ' ' << hashes.hashSJ2;
-  }
-};
-
-template <class Unit>
-Hashes referenceHashes(const std::vector<Unit>& units) {
-  Hashes hashes;
-  bool ended = false;
-  for (const uint32_t unit : units) {
-    hashes.hash = (hashes.hash << 1) ^ unit;
-    hashes.hashSJ2 = hashes.hashSJ2 * 31 + unit;
-    ended = ended || unit == 0;
-    if (!ended) hashes.hashMSCS = (hashes.hashMSCS * 33) ^ unit;
-  }
-  return hashes;
-}
 
 // Calls that must succeed.
 template <class Unit>

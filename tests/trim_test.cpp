@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/guarded.h"
+#include "support/reference_trim.h"
 #include "support/written.h"
 #include "ulkch.h"
 
@@ -34,14 +35,6 @@ struct Api<uint16_t> {
   static constexpr auto trimStartCAny = ulksTrimStartCAny_16u;
   static constexpr auto trimEndCAny = ulksTrimEndCAny_16u;
 };
-
-template <class Unit>
-std::vector<Unit> referenceTrim(std::vector<Unit> text, const std::vector<Unit>& set, bool start, bool end) {
-  const auto removed = [&](Unit unit) { return std::find(set.begin(), set.end(), unit) != set.end(); };
-  while (end && !text.empty() && removed(text.back())) text.pop_back();
-  while (start && !text.empty() && removed(text.front())) text.erase(text.begin());
-  return text;
-}
 
 constexpr int32_t kUntouched = -77;
 

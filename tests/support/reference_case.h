@@ -56,7 +56,17 @@ constexpr LetterRow kToUpperOnly[] = {
     {u"ϐϑϕϖϰϱ", u"ΒΘΦΠΚΡ"},
 };
 
-// What every 16-bit unit becomes.
+// What the Latin functions make of a unit.
+template <class Unit>
+Unit latinLower(Unit unit) {
+  return static_cast<Unit>(unit >= 'A' && unit <= 'Z' ? unit + 32 : unit);
+}
+template <class Unit>
+Unit latinUpper(Unit unit) {
+  return static_cast<Unit>(unit >= 'a' && unit <= 'z' ? unit - 32 : unit);
+}
+
+// What every 16-bit unit becomes in the others.
 struct ReferenceCase {
   std::vector<uint16_t> lower;
   std::vector<uint16_t> upper;
