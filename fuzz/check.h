@@ -46,6 +46,12 @@ class Block {
 
   Unit* get() const { return static_cast<Unit*>(static_cast<void*>(block_ + shift_)); }
 
+  std::vector<Unit> units() const {
+    std::vector<Unit> units(size_ / sizeof(Unit));
+    if (!units.empty()) std::memcpy(units.data(), block_ + shift_, size_);
+    return units;
+  }
+
   // Whether the units of the block are these and all behind them is as it was.
   bool holds(const std::vector<Unit>& units, const std::vector<Unit>& before = {}) const {
     std::vector<Unit> expected(size_ / sizeof(Unit));
@@ -53,7 +59,7 @@ class Block {
     if (units.size() > expected.size() || before.size() > expected.size()) return false;
     std::copy(before.begin(), before.end(), expected.begin());
     std::copy(units.begin(), units.end(), expected.begin());
-    return expected.empty() || std::memcmp(expected.data(), block_ + shift_, size_) == 0;
+    return this->units() == expected;
   }
 
  private:

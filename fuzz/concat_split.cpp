@@ -1,7 +1,7 @@
 // Concatenation and splitting against slow ones.
-// Numbers: the alignments of sources and results, the delimiter, the number of buffers to split into, the room
-// of each; -1 is refused, and less means that there is no buffer.
-// Field: the text, whose parts between the delimiters are the list of strings to join.
+// Numbers: the alignments of sources and results, the delimiter, the number of buffers to split into, the
+// room of each; -1 is refused, and less means that there is no buffer. Field: the text, whose parts between
+// the delimiters are the list of strings to join.
 #include "check.h"
 #include "input.h"
 #include "support/reference_split.h"

@@ -30,7 +30,8 @@ struct Found {
 // A zero-terminated string in a block of its own.
 class CString {
  public:
-  explicit CString(const std::string& string) : block_({string.c_str(), string.c_str() + string.size() + 1}, 0) {}
+  explicit CString(const std::string& string)
+      : block_({string.c_str(), string.c_str() + string.size() + 1}, 0) {}
   const char* get() const { return block_.get(); }
 
  private:
@@ -105,6 +106,28 @@ class CompiledExpression {
   int32_t errorOffset_ = kUntouched;
 };
 
+class PreparedTemplate {
+ public:
+  explicit PreparedTemplate(const std::string& text) : template_(text) {
+    int32_t size = 0;
+    ULK_CHECK(ulksRegExpReplaceGetSize(template_.get(), &size) == ulkOk);
+    buffer_ = std::malloc(static_cast<size_t>(size));
+    std::memset(buffer_, 0x5A, static_cast<size_t>(size));
+    status_ = ulksRegExpReplaceInit(template_.get(), static_cast<ulkRegExpReplaceState*>(buffer_));
+  }
+  PreparedTemplate(const PreparedTemplate&) = delete;
+  PreparedTemplate& operator=(const PreparedTemplate&) = delete;
+  ~PreparedTemplate() { std::free(buffer_); }
+
+  ulkStatus status() const { return status_; }
+  const ulkRegExpReplaceState* state() const { return static_cast<ulkRegExpReplaceState*>(buffer_); }
+
+ private:
+  CString template_;
+  void* buffer_;
+  ulkStatus status_;
+};
+
 // Find records that a call fills.
 class FindRecords {
  public:
@@ -120,7 +143,8 @@ class FindRecords {
     const ulkRegExpFind* each = block_.get();
     for (int32_t i = 0; i < count_ && each[i].pFound != unwritten.pFound; ++i) {
       const bool null = each[i].pFound == nullptr;
-      records.push_back({null ? Record::kNull : static_cast<int32_t>(each[i].pFound - text), each[i].lenFound});
+      records.push_back(
+          {null ? Record::kNull : static_cast<int32_t>(each[i].pFound - text), each[i].lenFound});
     }
     return records;
   }
@@ -130,11 +154,20 @@ class FindRecords {
   int32_t count_;
 };
 
+// What a replacement returns in its arguments.
+struct ReplaceCall {
+  ulkStatus status;
+  int32_t sourceLength;
+  int32_t length;
+  int32_t count;
+};
+
 // A text with a zero byte behind it, which is what makes a search safe.
 class SearchedText {
  public:
   SearchedText(const std::string& text, size_t shift)
-      : block_({text.c_str(), text.c_str() + text.size() + 1}, shift), length_(static_cast<int32_t>(text.size())) {}
+      : block_({text.c_str(), text.c_str() + text.size() + 1}, shift),
+        length_(static_cast<int32_t>(text.size())) {}
 
   const uint8_t* get() const { return block_.get(); }
   int32_t length() const { return length_; }
@@ -145,6 +178,13 @@ class SearchedText {
     found.status = ulksRegExpFind_8u(get(), length_, state, records.get(), &found.count);
     found.records = records.written(get());
     return found;
+  }
+  ReplaceCall replace(ulkRegExpState* state, const PreparedTemplate& prepared, const Block<uint8_t>& room,
+                      int32_t capacity, const FindRecords& records, int32_t numRecords) const {
+    ReplaceCall call = {ulkOk, length_, capacity, numRecords};
+    call.status = ulksRegExpReplace_8u(get(), &call.sourceLength, room.get(), &call.length, records.get(),
+                                       &call.count, state, prepared.state());
+    return call;
   }
 
  private:

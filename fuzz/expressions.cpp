@@ -5,6 +5,7 @@
 #include "check.h"
 #include "expression.h"
 #include "input.h"
+#include "replacement.h"
 #include "ulkch.h"
 
 using namespace ulk_fuzz;
@@ -34,7 +35,7 @@ struct Case {
         shift(input.numberTo(31)),
         numRecords(static_cast<int32_t>(input.numberTo(50))),
         numMatches(static_cast<int32_t>(input.numberTo(50))),
-        capacity(1 + static_cast<int32_t>(input.numberTo(3000))),
+        capacity(1 + static_cast<int32_t>(input.numberTo(2000))),
         options(input.field()),
         pattern(input.field().c_str()),
         replacement(input.field().c_str()),
@@ -79,6 +80,7 @@ class Checks {
     expectMoreByLargerLimit();
     expectFewerRecords();
     expectSameInBothFormats();
+    expectReplaced();
   }
 
  private:
@@ -138,8 +140,8 @@ class Checks {
   static void expectNoOverlap(const std::vector<Record>& matches) {
     for (size_t i = 1; i < matches.size(); ++i) {
       const Record& before = matches[i - 1];
-      // The one after an empty match at its place is searched for in a single byte, and what follows begins at
-      // the next byte, even if that match takes in a whole sequence.
+      // The one after an empty match at its place is searched for in a single byte, and what follows begins
+      // at the next byte, even if that match takes in a whole sequence.
       const bool beside = i > 1 && matches[i - 2] == Record{before.start, 0};
       ULK_CHECK(matches[i].start >= before.start + (beside ? 1 : before.length));
     }
@@ -193,6 +195,61 @@ class Checks {
       ULK_CHECK(find(*expression) == found);
       ULK_CHECK(ulksRegExpSetFormat(case_.format, expression->state()) == ulkOk);
     }
+  }
+
+  void expectReplaced() {
+    const PreparedTemplate prepared(case_.replacement);
+    const auto items = referenceTemplate(case_.replacement);
+    ULK_CHECK(prepared.status() == (items ? ulkOk : ulkErrRegExpBackRef));
+    if (!items || case_.text.empty()) return;
+    expectReplacedFirst(prepared, *items);
+    expectReplacedAll(prepared, *items);
+  }
+
+  void expectReplacedFirst(const PreparedTemplate& prepared, const TemplateItems& items) {
+    // What a template that is measured against the whole capacity needs, and a tail that is not measured.
+    const Block<uint8_t> room(static_cast<size_t>(case_.capacity + length()), case_.shift);
+    const FindRecords records(case_.numRecords);
+    const ReplaceCall call =
+        text_.replace(first_.state(), prepared, room, case_.capacity, records, case_.numRecords);
+    const Found found = find(first_, case_.numRecords);
+    ULK_CHECK(call.count == found.count);
+    ULK_CHECK(records.written(text_.get()) == found.records);
+    ReferenceReplacement reference(case_.text, case_.capacity, room.units(), items);
+    expectSame(call, room, found.records.empty() ? reference.copy() : reference.replaceFirst(found.records));
+  }
+
+  void expectReplacedAll(const PreparedTemplate& prepared, const TemplateItems& items) {
+    const Found first = find(first_);
+    const int32_t perMatch = first.status == ulkOk ? std::max(first.count, 1) : 1;
+    const int32_t numRecords = case_.numMatches * perMatch;
+    const Block<uint8_t> room(static_cast<size_t>(case_.capacity), case_.shift);
+    const FindRecords records(numRecords);
+    const ReplaceCall call = text_.replace(all_.state(), prepared, room, case_.capacity, records, numRecords);
+
+    // A search leaves out the whole match where there are groups.
+    const int32_t groups = std::max(perMatch - 1, 1);
+    const Found found = find(all_, case_.numMatches * groups);
+    const auto matches = records.written(text_.get());
+    const size_t numMatches = matches.size() / static_cast<size_t>(perMatch);
+    ULK_CHECK(matches.size() % static_cast<size_t>(perMatch) == 0);
+    ULK_CHECK(found.records.size() == numMatches * static_cast<size_t>(groups));
+    for (size_t i = 0; i < found.records.size(); ++i) {
+      const size_t skipped = perMatch == 1 ? 0 : i / static_cast<size_t>(groups) + 1;
+      ULK_CHECK(found.records[i] == matches[i + skipped]);
+    }
+    if (found.status == ulkOk) ULK_CHECK(call.count == static_cast<int32_t>(matches.size()));
+    if (found.status == ulkErrMatchLimit) ULK_CHECK(call.count == numRecords);
+
+    ReferenceReplacement reference(case_.text, case_.capacity, room.units(), items);
+    expectSame(call, room, matches.empty() ? reference.copy() : reference.replaceAll(matches, perMatch));
+  }
+
+  static void expectSame(const ReplaceCall& call, const Block<uint8_t>& room, const Replaced& expected) {
+    ULK_CHECK(call.status == ulkOk);
+    ULK_CHECK(call.sourceLength == expected.sourceLength);
+    ULK_CHECK(call.length == expected.length);
+    ULK_CHECK(room.units() == expected.memory);
   }
 
   const Case& case_;

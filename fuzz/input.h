@@ -37,12 +37,16 @@ class Input {
   // The next number, brought into the range 0 .. most.
   size_t numberTo(size_t most) { return static_cast<uint32_t>(number()) % (most + 1); }
 
+  bool hasNumbers() const { return numbers_.find_first_of("0123456789") != std::string::npos; }
+
   std::string field() {
     const size_t end = std::min(bytes_.find(separator_), bytes_.size());
     std::string field = bytes_.substr(0, end);
     bytes_.erase(0, end + 1);
     return field;
   }
+
+  bool hasFields() const { return !bytes_.empty(); }
 
   // All that no field has taken, separators included.
   std::string rest() { return std::exchange(bytes_, {}); }

@@ -87,7 +87,8 @@ void run(Input input) {
   const auto any = ulk_test::referenceFindAny(text, pattern);
   ULK_CHECK(found(Api<Unit>::findCAny, pText, textLength, pPattern, patternLength) == any.first);
   ULK_CHECK(found(Api<Unit>::findRevCAny, pText, textLength, pPattern, patternLength) == any.last);
-  for (const Unit unit : {pattern.empty() ? Unit{0} : pattern.front(), pattern.empty() ? Unit{1} : pattern.back()}) {
+  for (const Unit unit :
+       {pattern.empty() ? Unit{0} : pattern.front(), pattern.empty() ? Unit{1} : pattern.back()}) {
     const auto one = ulk_test::referenceFindAny(text, {unit});
     ULK_CHECK(found(Api<Unit>::findC, pText, textLength, unit) == one.first);
     ULK_CHECK(found(Api<Unit>::findRevC, pText, textLength, unit) == one.last);
