@@ -37,4 +37,7 @@ endif()
 if(ULKCH_SANITIZE)
   add_compile_options(-fsanitize=${ULKCH_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ULKCH_SANITIZE})
+  # gcc marks the ended scopes of inlined functions on the stack also where the function around them is exempt, and then
+  # never clears the marks: a later function gets blamed for its own variables.
+  add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fno-sanitize-address-use-after-scope>)
 endif()
