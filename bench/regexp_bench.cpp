@@ -215,14 +215,9 @@ void compileOurs(benchmark::State& state, const char* pattern) {
 }
 
 #ifdef ULKCH_BENCH_PCRE2
+template <bool jit>
 void compilePcre2(benchmark::State& state, const char* pattern) {
-  const auto* const units = reinterpret_cast<PCRE2_SPTR>(pattern);
-  for (auto _ : state) {
-    int error = 0;
-    PCRE2_SIZE offset = 0;
-    pcre2_code_free(
-        pcre2_compile(units, PCRE2_ZERO_TERMINATED, PCRE2_UTF | PCRE2_MULTILINE, &error, &offset, nullptr));
-  }
+  for (auto _ : state) Pcre2Code(pattern, jit);
 }
 #endif
 
@@ -230,7 +225,8 @@ void addCompile(const Expression& expression) {
   const std::string name = std::string("regexp/compile/") + expression.name;
   benchmark::RegisterBenchmark((name + "/ulkch").c_str(), compileOurs, expression.pattern);
 #ifdef ULKCH_BENCH_PCRE2
-  benchmark::RegisterBenchmark((name + "/pcre2").c_str(), compilePcre2, expression.pattern);
+  benchmark::RegisterBenchmark((name + "/pcre2").c_str(), compilePcre2<false>, expression.pattern);
+  benchmark::RegisterBenchmark((name + "/pcre2_jit").c_str(), compilePcre2<true>, expression.pattern);
 #endif
 }
 

@@ -1,6 +1,5 @@
 """The results of one run of the benchmarks: times by row and contestant, and how they came about."""
 import collections
-import csv
 import os
 import pathlib
 import subprocess
@@ -16,17 +15,23 @@ def output(*command):
     return subprocess.run(command, cwd=ROOT, capture_output=True, text=True).stdout.strip()
 
 
-def facts(lane, command):
+def load():
+    return " ".join(f"{average:.1f}" for average in os.getloadavg())
+
+
+def facts(command, lane, packages):
     """What a reader of the figures must know about the run, at its start."""
     processor = [line.split(":", 1)[1].strip() for line in output("lscpu").splitlines() if "Model name" in line]
     return {
-        "Command": command,
+        "Command": f"`{command}`",
         "Date": time.strftime("%Y-%m-%d", time.gmtime()),
-        "Commit": output("git", "rev-parse", "--short", "HEAD"),
-        "Lane": lane,
-        "Processor": f"{processor[0]}, {os.cpu_count()} processors",
+        "Commit": output("git", "describe", "--always", "--dirty"),
+        "Target": f"`{lane}`",
+        "Processor": f"{processor[0]}, {os.cpu_count()} of them",
         "Compiler": output("g++", "--version").split("\n")[0],
-        "Load average at the start": " ".join(f"{load:.1f}" for load in os.getloadavg()),
+        "C library": output("ldd", "--version").split("\n")[0],
+        "Packages": ", ".join(packages),
+        "Load average at the start": load(),
     }
 
 
@@ -37,30 +42,16 @@ class Results:
 
     @staticmethod
     def of_benchmarks(benchmarks):
-        """The medians of what Google Benchmark writes."""
+        """Of what Google Benchmark writes, the median of a row's CPU times, or the least of its wall times."""
         rows = {}
         for result in sorted(benchmarks, key=lambda each: each["family_index"]):
-            if result["aggregate_name"] != "median":
-                continue
             wall = result["run_name"].endswith("/real_time")
+            if result["aggregate_name"] != ("least" if wall else "median"):
+                continue
             name, contestant = result["run_name"].removesuffix("/real_time").rsplit("/", 1)
             ns = result["real_time" if wall else "cpu_time"]
             rows.setdefault(name, {})[contestant] = Time(ns, result.get("bytes_per_second", 0))
         return Results(rows, {})
-
-    @staticmethod
-    def read(path):
-        with path.open() as lines:
-            about = {}
-            for line in lines:
-                if not line.startswith("# "):
-                    break
-                name, value = line[2:].rstrip("\n").split(": ", 1)
-                about[name] = value
-            rows = {}
-            for name, contestant, ns, rate in csv.reader(lines):
-                rows.setdefault(name, {})[contestant] = Time(float(ns), float(rate))
-        return Results(rows, about)
 
     def write(self, path):
         with path.open("w") as out:
