@@ -51,6 +51,8 @@ void expect(bool condition, const char* what, int32_t misalignment) {
 int32_t word(int32_t argument) { return argument; }
 int32_t word(const void* argument) { return static_cast<int32_t>(reinterpret_cast<intptr_t>(argument)); }
 
+int32_t word(uint32_t argument) { return static_cast<int32_t>(argument); }
+
 template <class Result, class... Parameters>
 int32_t call(int32_t misalignment, Result (*function)(Parameters...),
              std::type_identity_t<Parameters>... arguments) {
@@ -92,6 +94,31 @@ void expressions(int32_t misalignment) {
   call(misalignment, ulksRegExpFree, state);
 }
 
+// More slots than threads, so that a team searches; its threads have stacks of their own.
+void sets(int32_t misalignment) {
+  constexpr uint32_t kSlots = 200;
+  static const uint8_t kText[] = "one two three four, and more words to walk over before 1234-5678 at last";
+  static ulkRegExpMultiFind results[kSlots];
+  static ulkRegExpFind found[kSlots][3];
+  static ulkRegExpState* states[kSlots];
+  ulkRegExpMultiState* set = nullptr;
+  int32_t offset = -1;
+  call(misalignment, ulksRegExpMultiInitAlloc, &set, kSlots);
+  for (uint32_t i = 0; i < kSlots; ++i) {
+    call(misalignment, ulksRegExpInitAlloc, "([[:digit:]]+)-(\\d{4}\\b)", "i", &states[i], &offset);
+    call(misalignment, ulksRegExpMultiAdd, states[i], i + 1, set);
+    results[i] = {0, 0, 3, ulkOk, found[i]};
+  }
+  const int32_t status = call(misalignment, ulksRegExpMultiFind_8u, kText, sizeof(kText) - 1, results, set);
+  int32_t numFound = 0;
+  for (uint32_t i = 0; i < kSlots; ++i) {
+    numFound += results[i].numFind;
+    call(misalignment, ulksRegExpFree, states[i]);
+  }
+  expect(status == ulkOk && numFound == 3 * kSlots, "ulksRegExpMultiFind_8u", misalignment);
+  call(misalignment, ulksRegExpMultiFree, set);
+}
+
 }  // namespace
 
 int main() {
@@ -102,6 +129,7 @@ int main() {
   for (const int32_t misalignment : {0, 4, 8, 12}) {
     search(misalignment);
     expressions(misalignment);
+    sets(misalignment);
   }
   if (failures == 0) std::puts("exports work at every 4-byte alignment of the stack");
   return failures == 0 ? 0 : 1;
