@@ -866,14 +866,20 @@ ULK_API ulkStatus ULK_CALL ulksRegExpMultiModify(ulkRegExpState* pRegExpState, u
 ///
 /// A set with no more slots than the library may use threads (`ownGetNumThreads` of the core library, by
 /// default one for each processor of the process) is searched on the calling thread. For a larger one the
-/// slots, free ones included, are spread in equal blocks over a team of that many threads, which OpenMP keeps
-/// from call to call. A call from inside a parallel region of OpenMP stays on its thread.
+/// slots, free ones included, are spread in equal blocks over a team of that many threads. A call from inside
+/// a parallel region of OpenMP stays on its thread.
+///
+/// The team's threads wait for the next call, first busily, then asleep, and the library stays loaded for
+/// them. Where other programs need the processors, the environment variable `OMP_WAIT_POLICY=passive` lets
+/// them sleep at once: many short searches are then far faster.
 ///
 /// What a caller must know to be safe:
 /// - During the call, nothing else uses the set's expressions, and none of them is in two slots of a set that
 ///   has more slots than threads: a search writes to the expression.
 /// - The records of each slot are its own.
-/// - The hazards of ulksRegExpFind_8u() are those of each search here.
+/// - The hazards of ulksRegExpFind_8u() are those of each search here. Each thread of the team needs the
+/// stack of
+///   a search: `OMP_STACKSIZE`, where it is set, must not be below 1 MiB.
 /// @param[in]     pSrc      the text
 /// @param[in]     srcLen    its length in bytes, at least 1
 /// @param[in,out] pResults  one record for each slot of the set, in the order of the slots. The caller sets
