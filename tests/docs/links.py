@@ -1,4 +1,4 @@
-"""The links of the documents lead somewhere, and the README to every document.
+"""The links of the documents lead somewhere, and from the README to every document.
 
     links.py SOURCE_DIR
 """
@@ -8,7 +8,7 @@ import sys
 from pathlib import Path
 
 root = Path(sys.argv[1]).resolve()
-pages = sorted([*root.glob("*.md"), *root.glob("docs/*.md")])
+pages = sorted([*root.glob("*.md"), *root.glob("*/*.md")])
 faults = []
 
 
@@ -32,9 +32,13 @@ def targets(page):
 for page in pages:
     for link, target, anchor in targets(page):
         if not target.exists():
-            faults.append(f"{page.name}: {link}: no such file")
+            faults.append(f"{page.relative_to(root)}: {link}: no such file")
         elif anchor and anchor not in anchors(target):
-            faults.append(f"{page.name}: {link}: no such heading")
-linked = {target for _, target, _ in targets(root / "README.md")}
-faults += [f"README.md: no link to {page.relative_to(root)}" for page in pages if page not in linked | {root / "README.md"}]
+            faults.append(f"{page.relative_to(root)}: {link}: no such heading")
+reached, found = set(), {root / "README.md"}
+while found - reached:
+    page = (found - reached).pop()
+    reached.add(page)
+    found |= {target for _, target, _ in targets(page) if target in pages}
+faults += [f"{page.relative_to(root)}: no way to it from README.md" for page in pages if page not in reached]
 sys.exit("\n".join(faults) or (None if pages else "no pages"))
