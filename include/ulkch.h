@@ -880,8 +880,7 @@ ULK_API ulkStatus ULK_CALL ulksRegExpMultiModify(ulkRegExpState* pRegExpState, u
 ///   has more slots than threads: a search writes to the expression.
 /// - The records of each slot are its own.
 /// - The hazards of ulksRegExpFind_8u() are those of each search here. Each thread of the team needs the
-/// stack of
-///   a search: `OMP_STACKSIZE`, where it is set, must not be below 1 MiB.
+///   stack of a search: `OMP_STACKSIZE`, where it is set, must not be below 1 MiB.
 /// @param[in]     pSrc      the text
 /// @param[in]     srcLen    its length in bytes, at least 1
 /// @param[in,out] pResults  one record for each slot of the set, in the order of the slots. The caller sets
