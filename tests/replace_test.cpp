@@ -300,6 +300,8 @@ TEST(Replace, Examples) {
       {{"a.", "", "xa\xe2", "[$&]", "\x82\xac"}, 20, 1, {"x[a\xe2]", 3, 3, 1}},
       {{"a.", "", "xa\xe2", "", "\x82\xac"}, 20, 1, {"x", 1, 3, 1}},
       {{"a.", "g", "xa\xe2", "[$&]", "\x82\xac"}, 20, 5, {"x[a\xe2]", 3, -2, 1}},
+      // The match behind an empty one has taken a whole character; the next one is found inside it.
+      {{".??", "g", "\xc3\xa9z", "-"}, 20, 9, {"------", 6, 0, 7}},
       // The match limit runs out: before a match, after one, and with the number of records left as it was.
       {{"[b]", "", "abcbd", "x", "", 1}, 20, 5, {"abcbd", 5, 5, 1}},
       {{"[b](c)?(x)?", "", "abcbd", "x", "", 1}, 3, 2, {"abc", 3, 3, 2}},
@@ -368,6 +370,7 @@ TEST(Replace, RoomAtEveryCapacity) {
        3,
        {{1, 2}, {1, 1}, kUnset, {3, 1}, kUnset, kUnset, {4, 2}, {4, 1}, kUnset}},
       {{"(b)?c", "g", "abcdcbca", "$1$1x"}, 2, {{1, 2}, {1, 1}, {4, 1}, kUnset, {5, 2}, {5, 1}}},
+      {{".??", "g", "\xc3\xa9z", "-"}, 1, {{0, 0}, {0, 2}, {1, 0}, {1, 1}, {2, 0}, {2, 1}, {3, 0}}},
       {{"b.", "", "aaab\xe2\x82", "<$&>", "\xac"}, 1, {{3, 4}}},
       {{"b.", "g", "abcdb\xe2\x82", "<$&>", "\xac"}, 1, {{1, 2}, {4, 4}}},
       {{"(b).", "g", "b\xe2", "$&$1$&", "\x82\xac"}, 2, {{0, 4}, {0, 1}}},

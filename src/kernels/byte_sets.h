@@ -35,7 +35,7 @@ class TwoRanges {
 };
 
 struct AnyByte {
-  ULK_INLINE Vec16<uint8_t> contains(Vec16<uint8_t> bytes) const { return bytes.equal(bytes); }
+  ULK_INLINE static Vec16<uint8_t> contains(Vec16<uint8_t> bytes) { return bytes.equal(bytes); }
 };
 
 // Letters, digits and the underscore.

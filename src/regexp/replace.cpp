@@ -119,8 +119,10 @@ Progress Replacement::replaceAll(const ulkRegExpFind* records, int32_t numRecord
   int64_t used = 0;  // of the source
   for (int32_t i = 0; i < numRecords; i += recordsPerMatch) {
     const int64_t matchStart = records[i].pFound - source_;
+    // After an empty match, one may be found inside the character that the last one has taken: the gap is
+    // negative.
     const Piece gap = {source_ + used, matchStart - used};
-    if (gap.length > 0) {
+    if (gap.length != 0) {
       if (gap.length >= capacity_ - written_) return {used, written_};
       write(gap, written_);
       written_ += gap.length;
