@@ -247,9 +247,9 @@ const uint8_t* Starts::passBounded(const uint8_t* at, const uint8_t* end, const 
   const bool onlyAtEnd = follow.note.disjoint();
   const bool admitsEnd = follow.admits(m_, end);
   int64_t steps = 0;
-  bool hopeless = true;
-  while (at < end && hopeless) {
+  while (at < end && steps <= m_.budget) {
     const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(bounds.op2, end - at));
+    bool hopeless = true;
     if (onlyAtEnd) {
       hopeless = !admitsEnd || most < end - at || most < bounds.op1;
     } else {

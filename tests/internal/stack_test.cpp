@@ -1,5 +1,5 @@
-// How much stack a search may use. The matcher recurses for every choice that it may have to take back, so
-// expressions can be made that go as deep as the match limit and the text allow. At the default limit they
+// How much stack a search may use. The matcher keeps there every choice that it may have to take back, so
+// expressions can be made that need as much as the match limit and the text allow. At the default limit they
 // must still give their exact answer; at any limit a search must end by itself, within the same stack, well
 // before a thread with 1 MiB runs out.
 //
