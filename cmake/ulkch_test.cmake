@@ -6,4 +6,8 @@ set_property(DIRECTORY ${PROJECT_SOURCE_DIR} PROPERTY LABELS ${ULKCH_LANE})
 # through Wine.
 function(ulkch_add_test name)
   add_test(NAME ${ULKCH_LANE}.${name} COMMAND ${ARGN})
+  if(ULKCH_SANITIZE)
+    # Freed blocks are kept from reuse for a while; more of them than this do not fit a 32-bit process beside the rest.
+    set_tests_properties(${ULKCH_LANE}.${name} PROPERTIES ENVIRONMENT ASAN_OPTIONS=quarantine_size_mb=32)
+  endif()
 endfunction()
