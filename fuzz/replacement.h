@@ -92,7 +92,8 @@ class ReferenceReplacement {
     for (size_t i = 0; i < records.size(); i += static_cast<size_t>(recordsPerMatch)) {
       const Record match = records[i];
       const int64_t gap = match.start - consumed;
-      if (gap > 0) {
+      // A match that began inside the one before makes the gap negative: nothing is copied, but it counts.
+      if (gap != 0) {
         if (gap >= capacity_ - written) return ended(consumed, written);
         write(written, sourceFrom(consumed, gap));
         written += gap;
