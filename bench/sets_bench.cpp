@@ -262,7 +262,6 @@ void addRow(const Set& set, size_t size, const std::shared_ptr<const std::string
         return;
       }
       for (auto _ : state) benchmark::DoNotOptimize(search(*text));
-      state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text->size()));
     };
     const auto least = [](const std::vector<double>& times) {
       return *std::min_element(times.begin(), times.end());
