@@ -1,22 +1,15 @@
 // Case conversion beside the loops that a program has without it: a range test, which the compiler can
 // vectorise, for ASCII; a table of all 65536 units for the rest.
 #include "rows.h"
+#include "texts.h"
 #include "ulkch.h"
 
 namespace bench {
 namespace {
 
-using Byte = char;
-using Wide = char16_t;
-
-template <auto convert>
-void ours8(const Byte* text, Byte* destination, int32_t length) {
-  convert(reinterpret_cast<const uint8_t*>(text), reinterpret_cast<uint8_t*>(destination), length);
-}
-
-template <auto convert>
-void ours16(const Wide* text, Wide* destination, int32_t length) {
-  convert(reinterpret_cast<const uint16_t*>(text), reinterpret_cast<uint16_t*>(destination), length);
+template <class Unit, auto convert>
+void ours(const Unit* text, Unit* destination, int32_t length) {
+  convert(units(text), units(destination), length);
 }
 
 // Pointers that do not alias, so that the compiler need not test for it.
@@ -74,17 +67,17 @@ std::vector<ConversionRow<Wide>> fullRows(const std::string& name, std::u16strin
 
 void addCase() {
   addConversions<Byte>(latinRows<Byte>("lowercase_latin/8u/", 'A', 'Z', 32),
-                       {{"ulkch", ours8<ulksLowercaseLatin_8u>}, {"loop", loop<Byte, 'A', 'Z', 32>}});
+                       {{"ulkch", ours<Byte, ulksLowercaseLatin_8u>}, {"loop", loop<Byte, 'A', 'Z', 32>}});
   addConversions<Byte>(latinRows<Byte>("uppercase_latin/8u/", 'a', 'z', -32),
-                       {{"ulkch", ours8<ulksUppercaseLatin_8u>}, {"loop", loop<Byte, 'a', 'z', -32>}});
+                       {{"ulkch", ours<Byte, ulksUppercaseLatin_8u>}, {"loop", loop<Byte, 'a', 'z', -32>}});
   addConversions<Wide>(latinRows<Wide>("lowercase_latin/16u/", 'A', 'Z', 32),
-                       {{"ulkch", ours16<ulksLowercaseLatin_16u>}, {"loop", loop<Wide, 'A', 'Z', 32>}});
+                       {{"ulkch", ours<Wide, ulksLowercaseLatin_16u>}, {"loop", loop<Wide, 'A', 'Z', 32>}});
   addConversions<Wide>(latinRows<Wide>("uppercase_latin/16u/", 'a', 'z', -32),
-                       {{"ulkch", ours16<ulksUppercaseLatin_16u>}, {"loop", loop<Wide, 'a', 'z', -32>}});
+                       {{"ulkch", ours<Wide, ulksUppercaseLatin_16u>}, {"loop", loop<Wide, 'a', 'z', -32>}});
   addConversions<Wide>(fullRows("lowercase/16u/", &WholeTable::lower),
-                       {{"ulkch", ours16<ulksLowercase_16u>}, {"table64k", table<&WholeTable::lower>}});
+                       {{"ulkch", ours<Wide, ulksLowercase_16u>}, {"table64k", table<&WholeTable::lower>}});
   addConversions<Wide>(fullRows("uppercase/16u/", &WholeTable::upper),
-                       {{"ulkch", ours16<ulksUppercase_16u>}, {"table64k", table<&WholeTable::upper>}});
+                       {{"ulkch", ours<Wide, ulksUppercase_16u>}, {"table64k", table<&WholeTable::upper>}});
 }
 
 }  // namespace bench

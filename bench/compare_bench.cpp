@@ -6,16 +6,11 @@
 #include <string>
 
 #include "rows.h"
+#include "texts.h"
 #include "ulkch.h"
 
 namespace bench {
 namespace {
-
-using Byte = char;
-using Wide = char16_t;
-
-const uint8_t* units(const Byte* text) { return reinterpret_cast<const uint8_t*>(text); }
-const uint16_t* units(const Wide* text) { return reinterpret_cast<const uint16_t*>(text); }
 
 int32_t sign(int32_t number) { return (number > 0) - (number < 0); }
 
@@ -71,11 +66,6 @@ int32_t tableLoop(const Wide* left, int32_t length, const Wide* right, int32_t) 
 }
 
 constexpr size_t kLengths[] = {0, 3, 7, 8, 15, 16, 24, 32, 40, 64, 100, 256, 1024, 4096, 65536, 1048576};
-
-template <class Unit>
-std::basic_string<Unit> as(const std::string& text) {
-  return {text.begin(), text.end()};
-}
 
 std::string otherCase(std::string text) {
   for (char& c : text) {

@@ -4,28 +4,11 @@
 #include <numeric>
 
 #include "rows.h"
+#include "texts.h"
 #include "ulkch.h"
 
 namespace bench {
 namespace {
-
-using Byte = char;
-using Wide = char16_t;
-
-const uint8_t* units(const Byte* text) { return reinterpret_cast<const uint8_t*>(text); }
-const uint16_t* units(const Wide* text) { return reinterpret_cast<const uint16_t*>(text); }
-uint8_t* units(Byte* text) { return reinterpret_cast<uint8_t*>(text); }
-uint16_t* units(Wide* text) { return reinterpret_cast<uint16_t*>(text); }
-
-template <class Unit>
-size_t bytes(int32_t count) {
-  return static_cast<size_t>(count) * sizeof(Unit);
-}
-
-template <class Unit>
-std::basic_string<Unit> as(const std::string& text) {
-  return {text.begin(), text.end()};
-}
 
 template <class Unit, auto concat>
 int32_t ours(const Unit* first, int32_t firstLength, const Unit* second, int32_t secondLength,

@@ -4,23 +4,11 @@
 #include <cstring>
 
 #include "rows.h"
+#include "texts.h"
 #include "ulkch.h"
 
 namespace bench {
 namespace {
-
-using Byte = char;
-using Wide = char16_t;
-
-const uint8_t* units(const Byte* text) { return reinterpret_cast<const uint8_t*>(text); }
-const uint16_t* units(const Wide* text) { return reinterpret_cast<const uint16_t*>(text); }
-uint8_t* units(Byte* text) { return reinterpret_cast<uint8_t*>(text); }
-uint16_t* units(Wide* text) { return reinterpret_cast<uint16_t*>(text); }
-
-template <class Unit>
-size_t bytes(int32_t count) {
-  return static_cast<size_t>(count) * sizeof(Unit);
-}
 
 // Everything happens in the middle: insertion of `other` there, removal of as many units from there on.
 template <class Unit, auto insert>
@@ -97,11 +85,6 @@ template <class Unit>
 __attribute__((optimize("O3"))) void loopReplace(const Unit* __restrict text, Unit* __restrict destination,
                                                  int32_t length) {
   for (int32_t i = 0; i < length; ++i) destination[i] = text[i] == ' ' ? '_' : text[i];
-}
-
-template <class Unit>
-std::basic_string<Unit> as(const std::string& text) {
-  return {text.begin(), text.end()};
 }
 
 template <class Unit>

@@ -5,29 +5,16 @@
 #include <string_view>
 
 #include "rows.h"
+#include "texts.h"
 #include "ulkch.h"
 
 namespace bench {
 namespace {
 
-using Byte = char;
-using Wide = char16_t;
-
-const uint8_t* units(const Byte* text) { return reinterpret_cast<const uint8_t*>(text); }
-const uint16_t* units(const Wide* text) { return reinterpret_cast<const uint16_t*>(text); }
-
 int32_t index(const void* found, const void* text) {
   return found ? static_cast<int32_t>(static_cast<const char*>(found) - static_cast<const char*>(text)) : -1;
 }
 int32_t index(size_t found) { return found == std::string::npos ? -1 : static_cast<int32_t>(found); }
-
-// Rows for both widths are written as bytes.
-template <class Unit>
-std::basic_string<Unit> as(const std::string& text) {
-  std::basic_string<Unit> wide;
-  for (const char c : text) wide += static_cast<Unit>(static_cast<unsigned char>(c));
-  return wide;
-}
 
 template <class Unit>
 Row<Unit> row(const std::string& name, const std::string& text, const std::string& other, int32_t expected) {

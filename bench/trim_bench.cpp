@@ -4,23 +4,11 @@
 #include <string_view>
 
 #include "rows.h"
+#include "texts.h"
 #include "ulkch.h"
 
 namespace bench {
 namespace {
-
-using Byte = char;
-using Wide = char16_t;
-
-const uint8_t* units(const Byte* text) { return reinterpret_cast<const uint8_t*>(text); }
-const uint16_t* units(const Wide* text) { return reinterpret_cast<const uint16_t*>(text); }
-uint8_t* units(Byte* text) { return reinterpret_cast<uint8_t*>(text); }
-uint16_t* units(Wide* text) { return reinterpret_cast<uint16_t*>(text); }
-
-template <class Unit>
-size_t bytes(int32_t count) {
-  return static_cast<size_t>(count) * sizeof(Unit);
-}
 
 template <class Unit, auto trim>
 int32_t ours(const Unit* text, int32_t length, const Unit* set, int32_t setLength, Unit* destination) {
@@ -92,13 +80,6 @@ int32_t tableSet(const Byte* text, int32_t length, const Byte* set, int32_t setL
   }
   std::memcpy(destination, text, bytes<Byte>(length));
   return length;
-}
-
-template <class Unit>
-std::basic_string<Unit> as(const std::string& text) {
-  std::basic_string<Unit> wide;
-  for (const char c : text) wide += static_cast<Unit>(static_cast<unsigned char>(c));
-  return wide;
 }
 
 // Texts with runs of set members at the ends that are trimmed; the last member is the one that they hold.

@@ -7,13 +7,11 @@
 #endif
 
 #include "rows.h"
+#include "texts.h"
 #include "ulkch.h"
 
 namespace bench {
 namespace {
-
-using Byte = char;
-using Wide = char16_t;
 
 // Returns the units written.
 template <class From, class To>
@@ -51,14 +49,12 @@ void addRow(const std::string& name, const std::basic_string<From>& text,
 }
 
 int32_t oursToWide(const Byte* text, int32_t length, Wide* destination, int32_t capacity) {
-  ulksConvertUTF_8u16u(reinterpret_cast<const uint8_t*>(text), &length,
-                       reinterpret_cast<uint16_t*>(destination), &capacity, 0);
+  ulksConvertUTF_8u16u(units(text), &length, units(destination), &capacity, 0);
   return capacity;
 }
 
 int32_t oursToBytes(const Wide* text, int32_t length, Byte* destination, int32_t capacity) {
-  ulksConvertUTF_16u8u(reinterpret_cast<const uint16_t*>(text), &length,
-                       reinterpret_cast<uint8_t*>(destination), &capacity, 0);
+  ulksConvertUTF_16u8u(units(text), &length, units(destination), &capacity, 0);
   return capacity;
 }
 

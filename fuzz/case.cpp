@@ -9,13 +9,6 @@ using namespace ulk_fuzz;
 
 namespace {
 
-const ulk_test::ReferenceCase& reference() {
-  static const ulk_test::ReferenceCase kReference;
-  return kReference;
-}
-uint16_t fullLower(uint16_t unit) { return reference().lower[unit]; }
-uint16_t fullUpper(uint16_t unit) { return reference().upper[unit]; }
-
 template <class Unit>
 class Text {
  public:
@@ -52,7 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const Text<uint16_t> units(Input(data, size));
   units.expect(ulksLowercaseLatin_16u, ulksLowercaseLatin_16u_I, ulk_test::latinLower);
   units.expect(ulksUppercaseLatin_16u, ulksUppercaseLatin_16u_I, ulk_test::latinUpper);
-  units.expect(ulksLowercase_16u, ulksLowercase_16u_I, fullLower);
-  units.expect(ulksUppercase_16u, ulksUppercase_16u_I, fullUpper);
+  units.expect(ulksLowercase_16u, ulksLowercase_16u_I, ulk_test::fullLower);
+  units.expect(ulksUppercase_16u, ulksUppercase_16u_I, ulk_test::fullUpper);
   return 0;
 }

@@ -4,31 +4,13 @@
 // the delimiters are the list of strings to join.
 #include "check.h"
 #include "input.h"
+#include "support/api.h"
 #include "support/reference_split.h"
-#include "ulkch.h"
 
 using namespace ulk_fuzz;
+using ulk_test::Api;
 
 namespace {
-
-template <class Unit>
-struct Api;
-
-template <>
-struct Api<uint8_t> {
-  static constexpr auto concat = ulksConcat_8u;
-  static constexpr auto concatList = ulksConcat_8u_D2L;
-  static constexpr auto concatListC = ulksConcatC_8u_D2L;
-  static constexpr auto splitC = ulksSplitC_8u_D2L;
-};
-
-template <>
-struct Api<uint16_t> {
-  static constexpr auto concat = ulksConcat_16u;
-  static constexpr auto concatList = ulksConcat_16u_D2L;
-  static constexpr auto concatListC = ulksConcatC_16u_D2L;
-  static constexpr auto splitC = ulksSplitC_16u_D2L;
-};
 
 template <class Unit>
 struct Shape {

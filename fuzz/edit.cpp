@@ -3,32 +3,12 @@
 // text.
 #include "check.h"
 #include "input.h"
-#include "ulkch.h"
+#include "support/api.h"
 
 using namespace ulk_fuzz;
+using ulk_test::Api;
 
 namespace {
-
-template <class Unit>
-struct Api;
-
-template <>
-struct Api<uint8_t> {
-  static constexpr auto insert = ulksInsert_8u;
-  static constexpr auto insertInPlace = ulksInsert_8u_I;
-  static constexpr auto remove = ulksRemove_8u;
-  static constexpr auto removeInPlace = ulksRemove_8u_I;
-  static constexpr auto replaceC = ulksReplaceC_8u;
-};
-
-template <>
-struct Api<uint16_t> {
-  static constexpr auto insert = ulksInsert_16u;
-  static constexpr auto insertInPlace = ulksInsert_16u_I;
-  static constexpr auto remove = ulksRemove_16u;
-  static constexpr auto removeInPlace = ulksRemove_16u_I;
-  static constexpr auto replaceC = ulksReplaceC_16u;
-};
 
 template <class Unit>
 struct Edit {

@@ -3,39 +3,13 @@
 // Fields: what the pattern goes on with; the text.
 #include "check.h"
 #include "input.h"
+#include "support/api.h"
 #include "support/reference_search.h"
-#include "ulkch.h"
 
 using namespace ulk_fuzz;
+using ulk_test::Api;
 
 namespace {
-
-template <class Unit>
-struct Api;
-
-template <>
-struct Api<uint8_t> {
-  static constexpr auto find = ulksFind_8u;
-  static constexpr auto findRev = ulksFindRev_8u;
-  static constexpr auto findC = ulksFindC_8u;
-  static constexpr auto findRevC = ulksFindRevC_8u;
-  static constexpr auto findCAny = ulksFindCAny_8u;
-  static constexpr auto findRevCAny = ulksFindRevCAny_8u;
-  static constexpr auto findZ = ulksFind_Z_8u;
-  static constexpr auto findCZ = ulksFindC_Z_8u;
-};
-
-template <>
-struct Api<uint16_t> {
-  static constexpr auto find = ulksFind_16u;
-  static constexpr auto findRev = ulksFindRev_16u;
-  static constexpr auto findC = ulksFindC_16u;
-  static constexpr auto findRevC = ulksFindRevC_16u;
-  static constexpr auto findCAny = ulksFindCAny_16u;
-  static constexpr auto findRevCAny = ulksFindRevCAny_16u;
-  static constexpr auto findZ = ulksFind_Z_16u;
-  static constexpr auto findCZ = ulksFindC_Z_16u;
-};
 
 // The index that a call reports.
 template <class Call, class... Arguments>

@@ -2,33 +2,13 @@
 // Numbers: the alignments of text, set and result. Fields: the set; the text.
 #include "check.h"
 #include "input.h"
+#include "support/api.h"
 #include "support/reference_trim.h"
-#include "ulkch.h"
 
 using namespace ulk_fuzz;
+using ulk_test::Api;
 
 namespace {
-
-template <class Unit>
-struct Api;
-
-template <>
-struct Api<uint8_t> {
-  static constexpr auto trimC = ulksTrimC_8u;
-  static constexpr auto trimCInPlace = ulksTrimC_8u_I;
-  static constexpr auto trimCAny = ulksTrimCAny_8u;
-  static constexpr auto trimStartCAny = ulksTrimStartCAny_8u;
-  static constexpr auto trimEndCAny = ulksTrimEndCAny_8u;
-};
-
-template <>
-struct Api<uint16_t> {
-  static constexpr auto trimC = ulksTrimC_16u;
-  static constexpr auto trimCInPlace = ulksTrimC_16u_I;
-  static constexpr auto trimCAny = ulksTrimCAny_16u;
-  static constexpr auto trimStartCAny = ulksTrimStartCAny_16u;
-  static constexpr auto trimEndCAny = ulksTrimEndCAny_16u;
-};
 
 template <class Unit>
 void run(Input input) {

@@ -6,8 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "support/api.h"
 #include "support/guarded.h"
 #include "support/reference_case.h"
+#include "support/refused.h"
 #include "ulkch.h"
 
 namespace ulk_test {
@@ -25,31 +27,12 @@ struct Ordering {
 };
 
 template <class Unit>
-Unit itself(Unit unit) {
-  return unit;
+std::vector<Ordering<Unit>> orderings() {
+  std::vector<Ordering<Unit>> all = {{"exact", Api<Unit>::compare, [](Unit unit) { return unit; }},
+                                     {"Latin", Api<Unit>::compareIgnoreCaseLatin, latinLower<Unit>}};
+  if constexpr (sizeof(Unit) == 2) all.push_back({"full", ulksCompareIgnoreCase_16u, fullLower});
+  return all;
 }
-uint16_t fullLower(uint16_t unit) {
-  static const ReferenceCase kReference;
-  return kReference.lower[unit];
-}
-
-template <class Unit>
-struct Api;
-
-template <>
-struct Api<uint8_t> {
-  static constexpr Compare<uint8_t> equal = ulksEqual_8u;
-  static constexpr Ordering<uint8_t> orderings[] = {{"exact", ulksCompare_8u, itself},
-                                                    {"Latin", ulksCompareIgnoreCaseLatin_8u, latinLower}};
-};
-
-template <>
-struct Api<uint16_t> {
-  static constexpr Compare<uint16_t> equal = ulksEqual_16u;
-  static constexpr Ordering<uint16_t> orderings[] = {{"exact", ulksCompare_16u, itself},
-                                                     {"Latin", ulksCompareIgnoreCaseLatin_16u, latinLower},
-                                                     {"full", ulksCompareIgnoreCase_16u, fullLower}};
-};
 
 constexpr int32_t kUntouched = -77777777;
 
@@ -80,7 +63,7 @@ class Comparison : public testing::Test {
 
   void expectCompared(const std::vector<Unit>& left, const std::vector<Unit>& right, const Unit* placedLeft,
                       const Unit* placedRight) {
-    for (const Ordering<Unit>& ordering : Api<Unit>::orderings) {
+    for (const Ordering<Unit>& ordering : orderings<Unit>()) {
       EXPECT_EQ(resultOf(ordering.compare, placedLeft, placedRight, left.size()),
                 expectedOf(ordering, left, right))
           << ordering.name;
@@ -189,7 +172,7 @@ TYPED_TEST(Comparison, ComparesRandomStrings) {
   constexpr unsigned kSeed = 31;
   constexpr uint16_t kAlphabets[] = {0x40, 0xC0, 0x180, 0x390, 0x410, 0x1EA0, 0x1F00, 0x24B0, 0x4E00, 0xFF20};
   std::mt19937 random(kSeed);
-  const auto& fullest = Api<TypeParam>::orderings[std::size(Api<TypeParam>::orderings) - 1];
+  const auto fullest = orderings<TypeParam>().back();
   for (int round = 0; round < 6000; ++round) {
     const auto common = kAlphabets[random() % std::size(kAlphabets)];
     const auto rare = kAlphabets[random() % std::size(kAlphabets)];
@@ -217,13 +200,14 @@ TYPED_TEST(Comparison, ComparesRandomStrings) {
 // text of one script, and in one that leaves no shortcut.
 TYPED_TEST(Comparison, FoldsEveryUnit) {
   constexpr uint32_t kUnits = 1u << 8 * sizeof(TypeParam);
+  const auto all = orderings<TypeParam>();
   for (const int company : {0x78, 0x416, 0x4E2D, 0xFF21}) {
     std::vector<TypeParam> left(45, static_cast<TypeParam>(company));
     std::vector<TypeParam> right = left;
     for (uint32_t unit = 0; unit < kUnits; ++unit) {
       const size_t at = unit * 7 % left.size();
       left[at] = static_cast<TypeParam>(unit);
-      for (const Ordering<TypeParam>& ordering : Api<TypeParam>::orderings) {
+      for (const Ordering<TypeParam>& ordering : all) {
         for (const TypeParam other : {ordering.folded(left[at]), static_cast<TypeParam>(unit ^ 0x20),
                                       static_cast<TypeParam>(unit * 40503 >> 3)}) {
           right[at] = other;
@@ -243,12 +227,9 @@ TYPED_TEST(Comparison, RefusesBadArguments) {
   const TypeParam text[] = {1, 2};
   int32_t result = kUntouched;
   std::vector<Compare<TypeParam>> all = {Api<TypeParam>::equal};
-  for (const auto& ordering : Api<TypeParam>::orderings) all.push_back(ordering.compare);
+  for (const auto& ordering : orderings<TypeParam>()) all.push_back(ordering.compare);
   for (const Compare<TypeParam> compare : all) {
-    EXPECT_EQ(compare(nullptr, text, 2, &result), ulkErrNullPtr);
-    EXPECT_EQ(compare(text, nullptr, 2, &result), ulkErrNullPtr);
-    EXPECT_EQ(compare(text, text, 2, nullptr), ulkErrNullPtr);
-    EXPECT_EQ(compare(text, nullptr, -1, &result), ulkErrNullPtr);
+    for (const int32_t bad : {0, -1}) expectNullRefused(compare, text, text, bad, &result);
     EXPECT_EQ(compare(text, text, -1, &result), ulkErrLength);
     EXPECT_EQ(compare(text, text, INT32_MIN, &result), ulkErrLength);
   }

@@ -8,33 +8,15 @@
 #include <string>
 #include <vector>
 
+#include "support/api.h"
 #include "support/guarded.h"
 #include "support/reference_split.h"
+#include "support/refused.h"
 #include "support/written.h"
 #include "ulkch.h"
 
 namespace ulk_test {
 namespace {
-
-// The exports of one width, under one name.
-template <class Unit>
-struct Api;
-
-template <>
-struct Api<uint8_t> {
-  static constexpr auto concat = ulksConcat_8u;
-  static constexpr auto concatList = ulksConcat_8u_D2L;
-  static constexpr auto concatListC = ulksConcatC_8u_D2L;
-  static constexpr auto splitC = ulksSplitC_8u_D2L;
-};
-
-template <>
-struct Api<uint16_t> {
-  static constexpr auto concat = ulksConcat_16u;
-  static constexpr auto concatList = ulksConcat_16u_D2L;
-  static constexpr auto concatListC = ulksConcatC_16u_D2L;
-  static constexpr auto splitC = ulksSplitC_16u_D2L;
-};
 
 constexpr int32_t kUnused = -77;
 
@@ -337,21 +319,12 @@ TYPED_TEST(ConcatSplit, RefusesBadArguments) {
   int32_t length = 1;
   int32_t count = 1;
   for (const int32_t bad : {0, -1}) {
-    EXPECT_EQ(Calls::concat(nullptr, bad, &unit, bad, &buffer), ulkErrNullPtr);
-    EXPECT_EQ(Calls::concat(&unit, bad, nullptr, bad, &buffer), ulkErrNullPtr);
-    EXPECT_EQ(Calls::concat(&unit, bad, &unit, bad, nullptr), ulkErrNullPtr);
-    EXPECT_EQ(Calls::concatList(nullptr, &length, bad, &buffer), ulkErrNullPtr);
-    EXPECT_EQ(Calls::concatList(sources, nullptr, bad, &buffer), ulkErrNullPtr);
-    EXPECT_EQ(Calls::concatList(sources, &length, bad, nullptr), ulkErrNullPtr);
-    EXPECT_EQ(Calls::concatListC(nullptr, &length, bad, ',', &buffer), ulkErrNullPtr);
-    EXPECT_EQ(Calls::concatListC(sources, nullptr, bad, ',', &buffer), ulkErrNullPtr);
-    EXPECT_EQ(Calls::concatListC(sources, &length, bad, ',', nullptr), ulkErrNullPtr);
+    expectNullRefused(Calls::concat, &unit, bad, &unit, bad, &buffer);
+    expectNullRefused(Calls::concatList, sources, &length, bad, &buffer);
+    expectNullRefused(Calls::concatListC, sources, &length, bad, ',', &buffer);
+    expectNullRefused(Calls::splitC, &unit, bad, ',', buffers, &length, &count);
     EXPECT_EQ(Calls::concatList(sources, &length, bad, &buffer), ulkErrSize);
     EXPECT_EQ(Calls::concatListC(sources, &length, bad, ',', &buffer), ulkErrSize);
-    EXPECT_EQ(Calls::splitC(nullptr, bad, ',', buffers, &length, &count), ulkErrNullPtr);
-    EXPECT_EQ(Calls::splitC(&unit, bad, ',', nullptr, &length, &count), ulkErrNullPtr);
-    EXPECT_EQ(Calls::splitC(&unit, bad, ',', buffers, nullptr, &count), ulkErrNullPtr);
-    EXPECT_EQ(Calls::splitC(&unit, bad, ',', buffers, &length, nullptr), ulkErrNullPtr);
   }
   EXPECT_EQ(Calls::concat(&unit, -1, &unit, 1, &buffer), ulkErrLength);
   EXPECT_EQ(Calls::concat(&unit, 1, &unit, INT32_MIN, &buffer), ulkErrLength);

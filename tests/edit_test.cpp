@@ -6,34 +6,14 @@
 #include <random>
 #include <vector>
 
+#include "support/api.h"
 #include "support/guarded.h"
+#include "support/refused.h"
 #include "support/written.h"
 #include "ulkch.h"
 
 namespace ulk_test {
 namespace {
-
-// The exports of one width, under one name.
-template <class Unit>
-struct Api;
-
-template <>
-struct Api<uint8_t> {
-  static constexpr auto insert = ulksInsert_8u;
-  static constexpr auto insertInPlace = ulksInsert_8u_I;
-  static constexpr auto remove = ulksRemove_8u;
-  static constexpr auto removeInPlace = ulksRemove_8u_I;
-  static constexpr auto replaceC = ulksReplaceC_8u;
-};
-
-template <>
-struct Api<uint16_t> {
-  static constexpr auto insert = ulksInsert_16u;
-  static constexpr auto insertInPlace = ulksInsert_16u_I;
-  static constexpr auto remove = ulksRemove_16u;
-  static constexpr auto removeInPlace = ulksRemove_16u_I;
-  static constexpr auto replaceC = ulksReplaceC_16u;
-};
 
 template <class Unit>
 std::vector<Unit> numbered(size_t count, unsigned first) {
@@ -210,18 +190,11 @@ TYPED_TEST(Edit, RefusesNullPointers) {
   int32_t length = 1;
   using Calls = Api<TypeParam>;
   for (const int32_t bad : {0, -1}) {
-    EXPECT_EQ(Calls::insert(nullptr, bad, &unit, bad, &unit, bad), ulkErrNullPtr);
-    EXPECT_EQ(Calls::insert(&unit, bad, nullptr, bad, &unit, bad), ulkErrNullPtr);
-    EXPECT_EQ(Calls::insert(&unit, bad, &unit, bad, nullptr, bad), ulkErrNullPtr);
-    EXPECT_EQ(Calls::insertInPlace(nullptr, bad, &unit, &length, bad), ulkErrNullPtr);
-    EXPECT_EQ(Calls::insertInPlace(&unit, bad, nullptr, &length, bad), ulkErrNullPtr);
-    EXPECT_EQ(Calls::insertInPlace(&unit, bad, &unit, nullptr, bad), ulkErrNullPtr);
-    EXPECT_EQ(Calls::remove(nullptr, bad, &unit, bad, bad), ulkErrNullPtr);
-    EXPECT_EQ(Calls::remove(&unit, bad, nullptr, bad, bad), ulkErrNullPtr);
-    EXPECT_EQ(Calls::removeInPlace(nullptr, &length, bad, bad), ulkErrNullPtr);
-    EXPECT_EQ(Calls::removeInPlace(&unit, nullptr, bad, bad), ulkErrNullPtr);
-    EXPECT_EQ(Calls::replaceC(nullptr, &unit, bad, 'a', 'b'), ulkErrNullPtr);
-    EXPECT_EQ(Calls::replaceC(&unit, nullptr, bad, 'a', 'b'), ulkErrNullPtr);
+    expectNullRefused(Calls::insert, &unit, bad, &unit, bad, &unit, bad);
+    expectNullRefused(Calls::insertInPlace, &unit, bad, &unit, &length, bad);
+    expectNullRefused(Calls::remove, &unit, bad, &unit, bad, bad);
+    expectNullRefused(Calls::removeInPlace, &unit, &length, bad, bad);
+    expectNullRefused(Calls::replaceC, &unit, &unit, bad, 'a', 'b');
   }
   EXPECT_EQ(unit, 'a');
   EXPECT_EQ(length, 1);

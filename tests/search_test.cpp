@@ -7,40 +7,15 @@
 #include <string>
 #include <vector>
 
+#include "support/api.h"
 #include "support/guarded.h"
 #include "support/reference_search.h"
+#include "support/refused.h"
+#include "support/written.h"
 #include "ulkch.h"
 
 namespace ulk_test {
 namespace {
-
-// The exports of one width, under one name.
-template <class Unit>
-struct Api;
-
-template <>
-struct Api<uint8_t> {
-  static constexpr auto find = ulksFind_8u;
-  static constexpr auto findRev = ulksFindRev_8u;
-  static constexpr auto findC = ulksFindC_8u;
-  static constexpr auto findRevC = ulksFindRevC_8u;
-  static constexpr auto findCAny = ulksFindCAny_8u;
-  static constexpr auto findRevCAny = ulksFindRevCAny_8u;
-  static constexpr auto findZ = ulksFind_Z_8u;
-  static constexpr auto findCZ = ulksFindC_Z_8u;
-};
-
-template <>
-struct Api<uint16_t> {
-  static constexpr auto find = ulksFind_16u;
-  static constexpr auto findRev = ulksFindRev_16u;
-  static constexpr auto findC = ulksFindC_16u;
-  static constexpr auto findRevC = ulksFindRevC_16u;
-  static constexpr auto findCAny = ulksFindCAny_16u;
-  static constexpr auto findRevCAny = ulksFindRevCAny_16u;
-  static constexpr auto findZ = ulksFind_Z_16u;
-  static constexpr auto findCZ = ulksFindC_Z_16u;
-};
 
 constexpr int32_t kUntouched = -77;
 
@@ -50,11 +25,6 @@ int32_t indexOf(Search search, Arguments... arguments) {
   int32_t index = kUntouched;
   EXPECT_EQ(search(arguments..., &index), ulkOk);
   return index;
-}
-
-template <class Unit>
-int32_t size(const std::vector<Unit>& units) {
-  return static_cast<int32_t>(units.size());
 }
 
 // Calls `check` with the text at both guards and at the addresses given, modulo 64.
@@ -95,8 +65,9 @@ class Search : public testing::Test {
   void expectFound(const std::vector<Unit>& text, const std::vector<Unit>& pattern, FirstAndLast expected) {
     const Unit* wanted = others_.endingAtGuard(pattern);
     atPlaces(texts_, text, {1, 7, 16, 25}, [&](const Unit* placed) {
-      ASSERT_EQ(indexOf(Api<Unit>::find, placed, size(text), wanted, size(pattern)), expected.first);
-      ASSERT_EQ(indexOf(Api<Unit>::findRev, placed, size(text), wanted, size(pattern)), expected.last);
+      ASSERT_EQ(indexOf(Api<Unit>::find, placed, lengthOf(text), wanted, lengthOf(pattern)), expected.first);
+      ASSERT_EQ(indexOf(Api<Unit>::findRev, placed, lengthOf(text), wanted, lengthOf(pattern)),
+                expected.last);
     });
   }
 
@@ -105,8 +76,10 @@ class Search : public testing::Test {
     for (const bool atGuard : {true, false}) {
       const Unit* members = atGuard ? others_.endingAtGuard(set) : others_.atOffset(set, 1);
       atPlaces(texts_, text, {1, 16}, [&](const Unit* placed) {
-        ASSERT_EQ(indexOf(Api<Unit>::findCAny, placed, size(text), members, size(set)), expected.first);
-        ASSERT_EQ(indexOf(Api<Unit>::findRevCAny, placed, size(text), members, size(set)), expected.last);
+        ASSERT_EQ(indexOf(Api<Unit>::findCAny, placed, lengthOf(text), members, lengthOf(set)),
+                  expected.first);
+        ASSERT_EQ(indexOf(Api<Unit>::findRevCAny, placed, lengthOf(text), members, lengthOf(set)),
+                  expected.last);
       });
     }
   }
@@ -193,17 +166,21 @@ TYPED_TEST(Search, TakesLinearTimeWhereNearlyEverythingMatches) {
   for (const size_t odd : {size_t{0}, kPattern / 3, kPattern / 2, kPattern - 1}) {
     std::vector<TypeParam> pattern(kPattern, 'a');
     pattern[odd] = 'b';
-    EXPECT_EQ(indexOf(Api<TypeParam>::find, same.data(), size(same), pattern.data(), size(pattern)), -1);
-    EXPECT_EQ(indexOf(Api<TypeParam>::findRev, same.data(), size(same), pattern.data(), size(pattern)), -1);
+    EXPECT_EQ(indexOf(Api<TypeParam>::find, same.data(), lengthOf(same), pattern.data(), lengthOf(pattern)),
+              -1);
+    EXPECT_EQ(
+        indexOf(Api<TypeParam>::findRev, same.data(), lengthOf(same), pattern.data(), lengthOf(pattern)), -1);
   }
   // Now it is the text that has a few odd units: each position fails at another place of the pattern.
   std::vector<TypeParam> text = same;
   for (size_t at = kPattern / 2; at < kText; at += kPattern / 2) text[at] = 'b';
   const std::vector<TypeParam> pattern(kPattern, 'a');
   const auto expect = [&](int32_t index) {
-    EXPECT_EQ(indexOf(Api<TypeParam>::find, text.data(), size(text), pattern.data(), size(pattern)), index);
-    EXPECT_EQ(indexOf(Api<TypeParam>::findRev, text.data(), size(text), pattern.data(), size(pattern)),
+    EXPECT_EQ(indexOf(Api<TypeParam>::find, text.data(), lengthOf(text), pattern.data(), lengthOf(pattern)),
               index);
+    EXPECT_EQ(
+        indexOf(Api<TypeParam>::findRev, text.data(), lengthOf(text), pattern.data(), lengthOf(pattern)),
+        index);
   };
   expect(-1);
   text[kPattern] = text[3 * kPattern / 2] = 'a';
@@ -222,8 +199,8 @@ TYPED_TEST(Search, FindsUnitsAtEveryLengthAndAlignment) {
       std::vector<TypeParam> text(length, nearly);
       const auto expect = [&](int32_t first, int32_t last) {
         const TypeParam* placed = this->texts_.atOffset(text, offset);
-        EXPECT_EQ(indexOf(Api<TypeParam>::findC, placed, size(text), wanted), first);
-        EXPECT_EQ(indexOf(Api<TypeParam>::findRevC, placed, size(text), wanted), last);
+        EXPECT_EQ(indexOf(Api<TypeParam>::findC, placed, lengthOf(text), wanted), first);
+        EXPECT_EQ(indexOf(Api<TypeParam>::findRevC, placed, lengthOf(text), wanted), last);
       };
       expect(-1, -1);
       for (size_t at = 0; at < length; at += at < 2 || at + 3 > length ? 1 : 5) {
@@ -243,8 +220,8 @@ TYPED_TEST(Search, ReadsNothingBesideTheText) {
   for (size_t length = 0; length <= 300; ++length) {
     const std::vector<TypeParam> text(length, 'a');
     atPlaces(this->texts_, text, {}, [&](const TypeParam* placed) {
-      EXPECT_EQ(indexOf(Api<TypeParam>::findC, placed, size(text), TypeParam{'b'}), -1);
-      EXPECT_EQ(indexOf(Api<TypeParam>::findRevC, placed, size(text), TypeParam{'b'}), -1);
+      EXPECT_EQ(indexOf(Api<TypeParam>::findC, placed, lengthOf(text), TypeParam{'b'}), -1);
+      EXPECT_EQ(indexOf(Api<TypeParam>::findRevC, placed, lengthOf(text), TypeParam{'b'}), -1);
     });
     ASSERT_FALSE(this->HasFailure()) << "length " << length;
   }
@@ -284,7 +261,7 @@ TYPED_TEST(Search, TellsMembersFromAllOtherUnits) {
       for (const size_t length : std::initializer_list<size_t>{1, 20, 600}) {
         const std::vector<TypeParam> text(length, static_cast<TypeParam>(unit));
         const bool member = std::find(set.begin(), set.end(), text[0]) != set.end();
-        ASSERT_EQ(indexOf(Api<TypeParam>::findCAny, text.data(), size(text), set.data(), size(set)),
+        ASSERT_EQ(indexOf(Api<TypeParam>::findCAny, text.data(), lengthOf(text), set.data(), lengthOf(set)),
                   member ? 0 : -1)
             << "unit " << unit << ", " << setLength << " members, length " << length;
       }
@@ -340,24 +317,17 @@ TYPED_TEST(Search, RefusesBadArguments) {
   int32_t index = kUntouched;
   for (const auto search : {Api<TypeParam>::find, Api<TypeParam>::findRev, Api<TypeParam>::findCAny,
                             Api<TypeParam>::findRevCAny}) {
-    EXPECT_EQ(search(nullptr, -1, text, 1, &index), ulkErrNullPtr);
-    EXPECT_EQ(search(text, -1, nullptr, -1, &index), ulkErrNullPtr);
-    EXPECT_EQ(search(text, -1, text, -1, nullptr), ulkErrNullPtr);
-    EXPECT_EQ(search(nullptr, 0, text, 0, &index), ulkErrNullPtr);
+    for (const int32_t bad : {0, -1}) expectNullRefused(search, text, bad, text, bad, &index);
     EXPECT_EQ(search(text, -1, text, 1, &index), ulkErrLength);
     EXPECT_EQ(search(text, 2, text, -1, &index), ulkErrLength);
     EXPECT_EQ(search(text, 0, text, INT32_MIN, &index), ulkErrLength);
   }
   for (const auto search : {Api<TypeParam>::findC, Api<TypeParam>::findRevC}) {
-    EXPECT_EQ(search(nullptr, -1, 'a', &index), ulkErrNullPtr);
-    EXPECT_EQ(search(text, -1, 'a', nullptr), ulkErrNullPtr);
+    for (const int32_t bad : {0, -1}) expectNullRefused(search, text, bad, 'a', &index);
     EXPECT_EQ(search(text, -1, 'a', &index), ulkErrLength);
   }
-  EXPECT_EQ(Api<TypeParam>::findCZ(nullptr, 'a', &index), ulkErrNullPtr);
-  EXPECT_EQ(Api<TypeParam>::findCZ(text, 'a', nullptr), ulkErrNullPtr);
-  EXPECT_EQ(Api<TypeParam>::findZ(nullptr, text, &index), ulkErrNullPtr);
-  EXPECT_EQ(Api<TypeParam>::findZ(text, nullptr, &index), ulkErrNullPtr);
-  EXPECT_EQ(Api<TypeParam>::findZ(text, text, nullptr), ulkErrNullPtr);
+  expectNullRefused(Api<TypeParam>::findCZ, text, 'a', &index);
+  expectNullRefused(Api<TypeParam>::findZ, text, text, &index);
   EXPECT_EQ(index, kUntouched);
 }
 

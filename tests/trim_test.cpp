@@ -6,35 +6,15 @@
 #include <algorithm>
 #include <vector>
 
+#include "support/api.h"
 #include "support/guarded.h"
 #include "support/reference_trim.h"
+#include "support/refused.h"
 #include "support/written.h"
 #include "ulkch.h"
 
 namespace ulk_test {
 namespace {
-
-// The exports of one width, under one name.
-template <class Unit>
-struct Api;
-
-template <>
-struct Api<uint8_t> {
-  static constexpr auto trimC = ulksTrimC_8u;
-  static constexpr auto trimCInPlace = ulksTrimC_8u_I;
-  static constexpr auto trimCAny = ulksTrimCAny_8u;
-  static constexpr auto trimStartCAny = ulksTrimStartCAny_8u;
-  static constexpr auto trimEndCAny = ulksTrimEndCAny_8u;
-};
-
-template <>
-struct Api<uint16_t> {
-  static constexpr auto trimC = ulksTrimC_16u;
-  static constexpr auto trimCInPlace = ulksTrimC_16u_I;
-  static constexpr auto trimCAny = ulksTrimCAny_16u;
-  static constexpr auto trimStartCAny = ulksTrimStartCAny_16u;
-  static constexpr auto trimEndCAny = ulksTrimEndCAny_16u;
-};
 
 constexpr int32_t kUntouched = -77;
 
@@ -247,26 +227,19 @@ TYPED_TEST(Trim, RefusesBadArguments) {
   TypeParam* to = this->results_.room(3, {Place::kAtStart, 0});
   for (const auto trim :
        {Api<TypeParam>::trimCAny, Api<TypeParam>::trimStartCAny, Api<TypeParam>::trimEndCAny}) {
-    EXPECT_EQ(trim(nullptr, -1, &space, 1, to, &length), ulkErrNullPtr);
-    EXPECT_EQ(trim(text, -1, nullptr, -1, to, &length), ulkErrNullPtr);
-    EXPECT_EQ(trim(text, -1, &space, 1, nullptr, &length), ulkErrNullPtr);
-    EXPECT_EQ(trim(text, 3, &space, -1, to, nullptr), ulkErrNullPtr);
-    EXPECT_EQ(trim(text, 0, nullptr, 0, to, &length), ulkErrNullPtr);
+    for (const int32_t bad : {0, -1}) expectNullRefused(trim, text, bad, &space, bad, to, &length);
     EXPECT_EQ(trim(text, -1, &space, 1, to, &length), ulkErrLength);
     EXPECT_EQ(trim(text, 3, &space, -1, to, &length), ulkErrLength);
     EXPECT_EQ(trim(text, 0, &space, INT32_MIN, to, &length), ulkErrLength);
   }
-  EXPECT_EQ(Api<TypeParam>::trimC(nullptr, -1, space, to, &length), ulkErrNullPtr);
-  EXPECT_EQ(Api<TypeParam>::trimC(text, -1, space, nullptr, &length), ulkErrNullPtr);
-  EXPECT_EQ(Api<TypeParam>::trimC(text, -1, space, to, nullptr), ulkErrNullPtr);
+  for (const int32_t bad : {0, -1}) expectNullRefused(Api<TypeParam>::trimC, text, bad, space, to, &length);
   EXPECT_EQ(Api<TypeParam>::trimC(text, -1, space, to, &length), ulkErrLength);
   EXPECT_EQ(length, kUntouched);
   EXPECT_TRUE(this->results_.hold({}));
 
   TypeParam* string = this->results_.room(3, {Place::kAtStart, 0}, units);
   length = -1;
-  EXPECT_EQ(Api<TypeParam>::trimCInPlace(nullptr, &length, space), ulkErrNullPtr);
-  EXPECT_EQ(Api<TypeParam>::trimCInPlace(string, nullptr, space), ulkErrNullPtr);
+  expectNullRefused(Api<TypeParam>::trimCInPlace, string, &length, space);
   EXPECT_EQ(Api<TypeParam>::trimCInPlace(string, &length, space), ulkErrLength);
   EXPECT_EQ(length, -1);
   EXPECT_TRUE(this->results_.hold(units));

@@ -3,12 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <random>
 #include <vector>
 
 #include "support/guarded.h"
 #include "support/reference_utf.h"
+#include "support/refused.h"
+#include "support/written.h"
 #include "ulkch.h"
 
 namespace ulk_test {
@@ -17,22 +18,10 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 using Units = std::vector<uint16_t>;
 
-constexpr uint8_t kCanary = 0xA5;
-
-template <class Unit>
-int32_t size(const std::vector<Unit>& units) {
-  return static_cast<int32_t>(units.size());
-}
-
 template <class Unit>
 std::vector<Unit> operator+(std::vector<Unit> left, const std::vector<Unit>& right) {
   left.insert(left.end(), right.begin(), right.end());
   return left;
-}
-
-template <class Unit>
-std::vector<Unit> from(const std::vector<Unit>& units, size_t first) {
-  return {units.begin() + static_cast<ptrdiff_t>(first), units.end()};
 }
 
 template <class Unit>
@@ -62,54 +51,9 @@ Bytes utf8(const std::vector<uint32_t>& values) {
   return bytes;
 }
 
-// Memory full of canaries, whose end is the end of accessible memory.
-template <class Unit>
-class Target {
- public:
-  explicit Target(size_t mostUnits) : pages_(mostUnits * sizeof(Unit) + 64) { clear(pages_.end()); }
-
-  // `room` units before the guard, or before `slack` more bytes.
-  Unit* withRoom(size_t room, size_t slack = 0) {
-    return static_cast<Unit*>(static_cast<void*>(pages_.end() - slack - room * sizeof(Unit)));
-  }
-
-  // True when `written` stands at `place` and nothing else was touched. Makes everything canaries again.
-  bool holdsOnly(const std::vector<Unit>& written, const Unit* place) {
-    const auto* bytes = static_cast<const char*>(static_cast<const void*>(place));
-    const size_t count = written.size() * sizeof(Unit);
-    bool right = count == 0 || std::memcmp(bytes, written.data(), count) == 0;
-    const char* low = bytes - kAround > pages_.begin() ? bytes - kAround : pages_.begin();
-    const char* high = pages_.end() - (bytes + count) > kAround ? bytes + count + kAround : pages_.end();
-    for (const char* at = low; at < high; ++at) {
-      if ((at < bytes || at >= bytes + count) && static_cast<uint8_t>(*at) != kCanary) right = false;
-    }
-    clear(high, low);
-    return right;
-  }
-
- private:
-  static constexpr ptrdiff_t kAround = 256;
-  void clear(const char* end) { clear(end, pages_.begin()); }
-  void clear(const char* end, const char* begin) {
-    std::memset(pages_.begin() + (begin - pages_.begin()), kCanary, static_cast<size_t>(end - begin));
-  }
-
-  GuardedPages pages_;
-};
-
-class Random {
- public:
-  explicit Random(uint32_t seed) : engine_(seed) {}
-  uint32_t bits() { return static_cast<uint32_t>(engine_()); }
-  uint32_t below(uint32_t limit) { return bits() % limit; }
-
- private:
-  std::mt19937 engine_;
-};
-
 class Utf : public testing::Test {
  protected:
-  static constexpr size_t kMost = 1 << 15;
+  static constexpr size_t kMost = 1 << 13;
 
   // Converts `length` bytes of `memory`, whose last byte is the last that can be read, in every order of
   // bytes. The target ends where memory does, unless the rules let the conversion pass its end.
@@ -121,17 +65,18 @@ class Utf : public testing::Test {
       const Converted<uint16_t> expected = referenceToUtf16(endless, length, capacity, bigEndian != 0);
       ASSERT_LE(static_cast<size_t>(expected.consumed), memory.size());
       const size_t room = std::max(static_cast<size_t>(capacity), expected.units.size());
-      uint16_t* target = units_.withRoom(room, slack);
+      uint16_t* target = units_.room(room, {Place::kAtEnd, slack});
       int32_t consumed = length;
       int32_t written = capacity;
       ASSERT_EQ(ulksConvertUTF_8u16u(source, &consumed, target, &written, bigEndian), ulkOk);
       ASSERT_EQ(consumed, expected.consumed) << testing::PrintToString(memory) << " room " << capacity;
-      ASSERT_EQ(written, size(expected.units)) << testing::PrintToString(memory) << " room " << capacity;
-      ASSERT_TRUE(units_.holdsOnly(expected.units, target))
-          << testing::PrintToString(memory) << " room " << capacity;
+      ASSERT_EQ(written, lengthOf(expected.units)) << testing::PrintToString(memory) << " room " << capacity;
+      ASSERT_TRUE(units_.hold(expected.units)) << testing::PrintToString(memory) << " room " << capacity;
     }
   }
-  void expectUtf16(const Bytes& source) { expectUtf16(source + Bytes{0}, size(source), size(source)); }
+  void expectUtf16(const Bytes& source) {
+    expectUtf16(source + Bytes{0}, lengthOf(source), lengthOf(source));
+  }
 
   void expectUtf8(const Units& native, int32_t capacity, size_t offset = 0, size_t slack = 0) {
     for (const int32_t bigEndian : {0, 1}) {
@@ -142,22 +87,21 @@ class Utf : public testing::Test {
       const uint16_t* source =
           offset == 0 ? sources_.endingAtGuard(stored) : sources_.atOffset(stored, offset);
       const Converted<uint8_t> expected = referenceToUtf8(stored, capacity, bigEndian != 0);
-      uint8_t* target = targets_.withRoom(static_cast<size_t>(capacity), slack);
-      int32_t consumed = size(stored);
+      uint8_t* target = targets_.room(static_cast<size_t>(capacity), {Place::kAtEnd, slack});
+      int32_t consumed = lengthOf(stored);
       int32_t written = capacity;
       ASSERT_EQ(ulksConvertUTF_16u8u(source, &consumed, target, &written, bigEndian), ulkOk);
       ASSERT_EQ(consumed, expected.consumed) << testing::PrintToString(native) << " room " << capacity;
-      ASSERT_EQ(written, size(expected.units)) << testing::PrintToString(native) << " room " << capacity;
-      ASSERT_TRUE(targets_.holdsOnly(expected.units, target))
-          << testing::PrintToString(native) << " room " << capacity;
+      ASSERT_EQ(written, lengthOf(expected.units)) << testing::PrintToString(native) << " room " << capacity;
+      ASSERT_TRUE(targets_.hold(expected.units)) << testing::PrintToString(native) << " room " << capacity;
     }
   }
-  void expectUtf8(const Units& native) { expectUtf8(native, 3 * size(native)); }
+  void expectUtf8(const Units& native) { expectUtf8(native, 3 * lengthOf(native)); }
 
   GuardedUnits<uint8_t> bytes_{kMost};
-  Target<uint16_t> units_{kMost};
+  WrittenUnits<uint16_t> units_{kMost};
   GuardedUnits<uint16_t> sources_{kMost};
-  Target<uint8_t> targets_{3 * kMost};
+  WrittenUnits<uint8_t> targets_{2 * kMost};
 };
 
 // Texts that lead through every kind of block and from each to each other: runs of characters of one length.
@@ -167,22 +111,21 @@ std::vector<std::vector<uint32_t>> texts() {
                                                {0x800, 0x20AC, 0x4E2D, 0xFFFF},
                                                {0x10000, 0x1F600, 0xFFFFF, 0x10FFFF},
                                                {0xD800, 0xDBFF, 0xDFFF, 0xDC00}};
-  Random random(38);
+  std::mt19937 random(38);
   std::vector<std::vector<uint32_t>> all;
   for (const uint32_t longest : {1u, 2u, 5u, 9u, 20u, 40u, 90u}) {
     for (int i = 0; i < 6; ++i) {
       std::vector<uint32_t> text;
       while (text.size() < 150) {
-        const auto& alphabet = kAlphabets[random.below(i < 4 ? 4 : 5)];
-        for (uint32_t run = random.below(longest) + 1; run > 0; --run)
-          text.push_back(alphabet[random.below(4)]);
+        const auto& alphabet = kAlphabets[random() % (i < 4 ? 4 : 5)];
+        for (auto run = random() % longest + 1; run > 0; --run) text.push_back(alphabet[random() % 4]);
       }
       all.push_back(text);
     }
   }
   for (const auto& alphabet : kAlphabets) {
     std::vector<uint32_t> text;
-    for (int i = 0; i < 150; ++i) text.push_back(alphabet[random.below(4)]);
+    for (int i = 0; i < 150; ++i) text.push_back(alphabet[random() % 4]);
     all.push_back(text);
   }
   return all;
@@ -210,10 +153,10 @@ TEST_F(Utf, Examples) {
     for (const int32_t bigEndian : {0, 1, 256, INT32_MIN}) {
       const Bytes source = example.bytes + Bytes{0};
       Units target(8);
-      int32_t consumed = size(example.bytes);
+      int32_t consumed = lengthOf(example.bytes);
       int32_t written = 8;
       EXPECT_EQ(ulksConvertUTF_8u16u(source.data(), &consumed, target.data(), &written, bigEndian), ulkOk);
-      EXPECT_EQ(consumed, size(example.bytes));
+      EXPECT_EQ(consumed, lengthOf(example.bytes));
       EXPECT_EQ(upTo(target, static_cast<size_t>(written)),
                 bigEndian != 0 ? example.bigEndian : example.units);
     }
@@ -302,17 +245,16 @@ TEST_F(Utf, EveryMixtureOfRoles) {
 }
 
 TEST_F(Utf, RandomBytes) {
-  Random random(39);
+  std::mt19937 random(39);
   for (int i = 0; i < 3000; ++i) {
     // From one sequence to the next: well formed, or any bytes of a few kinds.
     Bytes text;
-    const uint32_t disorder = random.below(5);
+    const auto disorder = random() % 5;
     while (text.size() < 120) {
-      if (random.below(5) >= disorder) {
-        text = text + utf8({random.bits() >> (random.below(27) + 5)});
+      if (random() % 5 >= disorder) {
+        text = text + utf8({static_cast<uint32_t>(random()) >> (random() % 27 + 5)});
       } else {
-        text.push_back(
-            static_cast<uint8_t>(random.below(3) == 0 ? 0x80 + random.below(0x40) : random.below(0x100)));
+        text.push_back(static_cast<uint8_t>(random() % 3 == 0 ? 0x80 + random() % 0x40 : random() % 0x100));
       }
     }
     expectUtf16(text);
@@ -337,12 +279,12 @@ TEST_F(Utf, EveryCapacity) {
   for (const std::vector<uint32_t>& text : texts()) {
     const Bytes bytes = utf8(text);
     const Units units = utf16(text);
-    for (int32_t capacity = 0; capacity <= size(units) + 3; ++capacity) {
-      expectUtf16(bytes, size(bytes), capacity);
+    for (int32_t capacity = 0; capacity <= lengthOf(units) + 3; ++capacity) {
+      expectUtf16(bytes, lengthOf(bytes), capacity);
       expectUtf8(units, capacity);
       if (HasFatalFailure()) return;
     }
-    for (int32_t capacity = size(units) + 4; capacity <= size(bytes) + 2; ++capacity) {
+    for (int32_t capacity = lengthOf(units) + 4; capacity <= lengthOf(bytes) + 2; ++capacity) {
       expectUtf8(units, capacity);
       if (HasFatalFailure()) return;
     }
@@ -369,8 +311,8 @@ TEST_F(Utf, EveryAlignment) {
     const Bytes bytes = utf8(all[i]);
     const Units units = utf16(all[i]);
     for (size_t offset = 0; offset < 64; ++offset) {
-      expectUtf16(bytes + Bytes(offset + 1, 0), size(bytes), size(units), 63 - offset);
-      expectUtf8(units, size(bytes), offset, 63 - offset);
+      expectUtf16(bytes + Bytes(offset + 1, 0), lengthOf(bytes), lengthOf(units), 63 - offset);
+      expectUtf8(units, lengthOf(bytes), offset, 63 - offset);
       if (HasFatalFailure()) return;
     }
   }
@@ -383,11 +325,11 @@ TEST_F(Utf, RoomWithoutLimit) {
     const Units units = utf16(text);
     Units wide(units.size());
     Bytes narrow(bytes.size());
-    int32_t consumed = size(bytes);
+    int32_t consumed = lengthOf(bytes);
     int32_t written = INT32_MAX;
     ASSERT_EQ(ulksConvertUTF_8u16u(bytes.data(), &consumed, wide.data(), &written, 0), ulkOk);
-    EXPECT_EQ(written, size(units));
-    consumed = size(units);
+    EXPECT_EQ(written, lengthOf(units));
+    consumed = lengthOf(units);
     written = INT32_MAX;
     ASSERT_EQ(ulksConvertUTF_16u8u(units.data(), &consumed, narrow.data(), &written, 0), ulkOk);
     EXPECT_EQ(written, referenceToUtf8(units, INT32_MAX, false).units.size());
@@ -425,7 +367,7 @@ TEST_F(Utf, PassesTheEndsWhereASequenceDoes) {
     const Converted<uint16_t> reference =
         referenceToUtf16(c.memory + Bytes(8, 0), c.length, c.capacity, false);
     EXPECT_EQ(reference.consumed, c.consumed);
-    EXPECT_EQ(size(reference.units), c.written);
+    EXPECT_EQ(lengthOf(reference.units), c.written);
     expectUtf16(c.memory, c.length, c.capacity);
     // The same after as much text as is taken in blocks.
     expectUtf16(Bytes(200, 'x') + c.memory, c.length + 200, c.capacity + 200);
@@ -460,21 +402,12 @@ TEST_F(Utf, EmptySourceOrNoRoom) {
 TEST(UtfArguments, NullPointers) {
   uint8_t bytes[] = {'a', 'b'};
   uint16_t units[] = {'a', 'b'};
-  for (int null = 0; null < 4; ++null) {
-    int32_t sourceLength = 2;
-    int32_t targetLength = 2;
-    int32_t* const pSourceLength = null == 1 ? nullptr : &sourceLength;
-    int32_t* const pTargetLength = null == 3 ? nullptr : &targetLength;
-    EXPECT_EQ(ulksConvertUTF_8u16u(null == 0 ? nullptr : bytes, pSourceLength, null == 2 ? nullptr : units,
-                                   pTargetLength, 0),
-              ulkErrNullPtr);
-    EXPECT_EQ(ulksConvertUTF_16u8u(null == 0 ? nullptr : units, pSourceLength, null == 2 ? nullptr : bytes,
-                                   pTargetLength, 0),
-              ulkErrNullPtr);
-    EXPECT_EQ(sourceLength, 2);
-    EXPECT_EQ(targetLength, 2);
-    EXPECT_EQ(bytes[0], 'a');
-    EXPECT_EQ(units[0], 'a');
+  for (const int32_t length : {0, 2}) {
+    int32_t sourceLength = length, targetLength = length;
+    expectNullRefused(ulksConvertUTF_8u16u, bytes, &sourceLength, units, &targetLength, 0);
+    expectNullRefused(ulksConvertUTF_16u8u, units, &sourceLength, bytes, &targetLength, 0);
+    EXPECT_TRUE(sourceLength == length && targetLength == length);
+    EXPECT_TRUE(bytes[0] == 'a' && units[0] == 'a');
   }
 }
 

@@ -43,6 +43,7 @@
 #include <string>
 #include <vector>
 
+#include "support/compiled.h"
 #include "ulkch.h"
 
 namespace {
@@ -199,27 +200,14 @@ class Generator {
   // ---- without groups
 
   Piece atom() {
-    switch (dice_.upTo(11)) {
-      case 0:
-      case 1:
-        return literals();
-      case 2:
-      case 3:
-      case 4:
-        return oneLiteral();
-      case 5:
-      case 6:
-        return shorthand();
-      case 7:
-      case 8:
-        return charClass();
-      case 9:
-        return anchor();
-      case 10:
-        return setting_.utf8 ? property() : single("\\C", Single::kByte);
-      default:
-        return closedGroups_.empty() || dice_.oneIn(3) ? codePoint() : backReference();
-    }
+    const int kind = dice_.upTo(11);
+    if (kind < 2) return literals();
+    if (kind < 5) return oneLiteral();
+    if (kind < 7) return shorthand();
+    if (kind < 9) return charClass();
+    if (kind == 9) return anchor();
+    if (kind == 10) return setting_.utf8 ? property() : single("\\C", Single::kByte);
+    return closedGroups_.empty() || dice_.oneIn(3) ? codePoint() : backReference();
   }
 
   std::string character() {
@@ -333,26 +321,13 @@ class Generator {
   }
 
   Piece anyGroup() {
-    switch (dice_.upTo(9)) {
-      case 0:
-      case 1:
-      case 2:
-        return noCaptures_ ? plainGroup() : capture();
-      case 3:
-      case 4:
-        return plainGroup();
-      case 5:
-        return optionGroup();
-      case 6:
-        seesTheCut_ = true;
-        return withoutCaptures("(?>");
-      case 7:
-        return lookahead();
-      case 8:
-        return lookbehind();
-      default:
-        return conditional();
-    }
+    const int kind = dice_.upTo(9);
+    if (kind < 3 && !noCaptures_) return capture();
+    if (kind < 5) return plainGroup();
+    if (kind == 5) return optionGroup();
+    if (kind == 6) return atomicGroup();
+    if (kind == 7) return lookahead();
+    return kind == 8 ? lookbehind() : conditional();
   }
 
   static Piece group(const std::string& open, const Piece& body) {
@@ -389,6 +364,11 @@ class Generator {
     const Piece body = alternatives();
     noCaptures_ = before;
     return group(open, body);
+  }
+
+  Piece atomicGroup() {
+    seesTheCut_ = true;
+    return withoutCaptures("(?>");
   }
 
   Piece lookahead() {
@@ -446,26 +426,18 @@ std::string bounds(int64_t start, int64_t end) {
 
 class Ours {
  public:
-  Ours(const std::string& pattern, const Setting& setting) {
-    int32_t offset = -1;
-    status_ = ulksRegExpInitAlloc(pattern.c_str(), setting.options.c_str(), &state_, &offset);
-    if (status_ != ulkOk) error_ = "status " + std::to_string(status_) + " at " + std::to_string(offset);
-    if (status_ == ulkOk) ulksRegExpSetMatchLimit(1000000, state_);
-    if (status_ == ulkOk) ulksRegExpSetFormat(setting.utf8 ? 1 : 0, state_);
+  Ours(const std::string& pattern, const Setting& setting)
+      : state_(ulk_test::compiled(pattern, setting.options.c_str())) {
+    ulksRegExpSetMatchLimit(1000000, state_.get());
+    ulksRegExpSetFormat(setting.utf8 ? 1 : 0, state_.get());
   }
-  ~Ours() {
-    if (status_ == ulkOk) ulksRegExpFree(state_);
-  }
-  Ours(const Ours&) = delete;
-  Ours& operator=(const Ours&) = delete;
 
   std::string find(const std::string& text) {
-    if (status_ != ulkOk) return error_;
     const auto* start = reinterpret_cast<const uint8_t*>(text.c_str());
     ulkRegExpFind found[64];
     int32_t count = 64;
     const ulkStatus status =
-        ulksRegExpFind_8u(start, static_cast<int32_t>(text.size()), state_, found, &count);
+        ulksRegExpFind_8u(start, static_cast<int32_t>(text.size()), state_.get(), found, &count);
     if (status == ulkErrMatchLimit) return kGaveUp;
     if (status != ulkOk) return "status " + std::to_string(status);
     std::string result = count == 0 ? kNoMatch : "";
@@ -477,9 +449,7 @@ class Ours {
   }
 
  private:
-  ulkRegExpState* state_ = nullptr;
-  ulkStatus status_;
-  std::string error_;
+  ulk_test::CompiledExpression state_;
 };
 
 class Pcre2 {

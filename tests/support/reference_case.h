@@ -90,4 +90,11 @@ struct ReferenceCase {
   }
 };
 
+inline const ReferenceCase& referenceCase() {
+  static const ReferenceCase kReference;
+  return kReference;
+}
+inline uint16_t fullLower(uint16_t unit) { return referenceCase().lower[unit]; }
+inline uint16_t fullUpper(uint16_t unit) { return referenceCase().upper[unit]; }
+
 }  // namespace ulk_test

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -68,12 +69,10 @@ class WrittenUnits {
     if (!expected.empty()) {
       std::memcpy(memory.data() + (place_ - pages_.begin()), expected.data(), expected.size() * sizeof(Unit));
     }
-    for (size_t at = 0; at < memory.size(); ++at) {
-      if (pages_.begin()[at] == memory[at]) continue;
-      return testing::AssertionFailure() << "byte " << pages_.begin() + at - place_ << " of the room for "
-                                         << expected.size() << " units of " << sizeof(Unit) << " is wrong";
-    }
-    return testing::AssertionSuccess();
+    if (std::memcmp(pages_.begin(), memory.data(), size()) == 0) return testing::AssertionSuccess();
+    const char* wrong = std::mismatch(memory.begin(), memory.end(), pages_.begin()).second;
+    return testing::AssertionFailure() << "byte " << wrong - place_ << " of the room for " << expected.size()
+                                       << " units of " << sizeof(Unit) << " is wrong";
   }
 
  private:
