@@ -294,10 +294,14 @@ TEST(Find, KnowsEveryByte) {
   expectBytes("[[:cntrl:]]", "", [](int c) { return c < 32; });
 }
 
-TEST(Find, ComparesEveryByteInBothCases) {
+std::string escaped(int byte) {
   const char* const kHex = "0123456789abcdef";
+  return std::string("\\x") + kHex[byte / 16] + kHex[byte % 16];
+}
+
+TEST(Find, ComparesEveryByteInBothCases) {
   for (int wanted = 0; wanted < 256; ++wanted) {
-    const std::string escape = std::string("\\x") + kHex[wanted / 16] + kHex[wanted % 16];
+    const std::string escape = escaped(wanted);
     const auto sameLetter = [wanted](int c) {
       return c == wanted || ((isUpper(c) || isLower(c)) && (c ^ wanted) == 0x20);
     };
@@ -308,16 +312,15 @@ TEST(Find, ComparesEveryByteInBothCases) {
 }
 
 TEST(Find, ComparesRangesInBothCases) {
-  const char* const kHex = "0123456789abcdef";
-  const auto escape = [&](int c) { return std::string("\\x") + kHex[c / 16] + kHex[c % 16]; };
   for (int low = 0x38; low < 0x84; low += 3) {
     for (int high = low; high < 0x88; high += 5) {
       const auto within = [=](int c) { return c >= low && c <= high; };
       const auto caseless = [=](int c) {
         return within(c) || (isLower(c) && within(c - 32)) || (isUpper(c) && within(c + 32));
       };
-      expectBytes("[" + escape(low) + "-" + escape(high) + "]", "i", caseless);
-      expectBytes("[^" + escape(low) + "-" + escape(high) + "]", "i", [&](int c) { return !caseless(c); });
+      const std::string range = escaped(low) + "-" + escaped(high) + "]";
+      expectBytes("[" + range, "i", caseless);
+      expectBytes("[^" + range, "i", [&](int c) { return !caseless(c); });
     }
   }
 }
