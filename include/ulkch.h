@@ -881,6 +881,9 @@ ULK_API ulkStatus ULK_CALL ulksRegExpMultiModify(ulkRegExpState* pRegExpState, u
 /// - The records of each slot are its own.
 /// - The hazards of ulksRegExpFind_8u() are those of each search here. Each thread of the team needs the
 ///   stack of a search: `OMP_STACKSIZE`, where it is set, must not be below 1 MiB.
+/// - After a parallel search, a child made by fork() must not make one: it would wait for threads that it
+/// does
+///   not have.
 /// @param[in]     pSrc      the text
 /// @param[in]     srcLen    its length in bytes, at least 1
 /// @param[in,out] pResults  one record for each slot of the set, in the order of the slots. The caller sets
