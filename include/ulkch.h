@@ -630,9 +630,10 @@ typedef struct ulkRegExpFind {
 /// k. With `g`, successive matches that do not overlap are reported one after the other, as long as the
 /// records of a whole further match fit: for an expression without groups one record a match, the whole
 /// match; for one with groups only the groups of each match. After an empty match, the next byte alone is
-/// tried for a match that is not empty, which is reported too; the search goes on behind that byte. This is
-/// left out where only one more match has room, so all matches are there when room for two is left. Records
-/// that were not filled stay as they were.
+/// tried for a match that is not empty, which is reported too; the search goes on behind that byte, though
+/// the match may have taken a whole UTF-8 character, and then finds matches inside it. The try is left out
+/// where only one more match has room, so all matches are there when room for two is left. Records that were
+/// not filled stay as they were.
 ///
 /// When the pattern ends in a literal, the text counts as ending after the last occurrence of that literal,
 /// for "$" and lookahead too; a text in which it does not occur counts as empty.
