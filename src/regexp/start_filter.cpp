@@ -88,8 +88,11 @@ bool isLiteral(const ulkRegExpState& state, int32_t node) {
 
 // The first node that is neither an option change nor a word boundary.
 int32_t firstNode(const RxNode* nodes, int32_t numNodes) {
+  const auto isPassed = [](const RxNode& node) {
+    return node.code == RX_OPTIONS || (node.code == RX_ASSERT && node.op1 == 'b');
+  };
   int32_t first = 0;
-  while (first < numNodes && (nodes[first].code == RX_OPTIONS || nodes[first].code == RX_ASSERT)) ++first;
+  while (first < numNodes && isPassed(nodes[first])) ++first;
   return first;
 }
 
