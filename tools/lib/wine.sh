@@ -14,8 +14,8 @@ unset DISPLAY WAYLAND_DISPLAY
 
 # Prints the command; fails if there is none.
 find_wine() {
-  if [ -x "$wine_cache/root/usr/lib/wine/wine" ]; then
-    echo "$wine_cache/root/usr/lib/wine/wine"
+  if [ -x "$wine_cache/tree/usr/lib/wine/wine" ]; then
+    echo "$wine_cache/tree/usr/lib/wine/wine"
   else
     command -v wine
   fi
@@ -25,8 +25,8 @@ find_wine() {
 fetch_wine() {
   command -v apt-get >/dev/null && command -v dpkg-deb >/dev/null || return 1
   work=$wine_cache/work
-  rm -rf "$work" "$wine_cache/root" "$wine_cache/proven"
-  mkdir -p "$work/state/lists/partial" "$work/cache/archives/partial" "$work/root" || return 1
+  rm -rf "$work" "$wine_cache/tree" "$wine_cache/proven"
+  mkdir -p "$work/state/lists/partial" "$work/cache/archives/partial" "$work/tree" || return 1
   : >"$work/status"
   mirror=$(apt-get indextargets --format '$(SITE)' 'Codename: bookworm' 'Label: Debian' | head -n 1)
   keyring=/usr/share/keyrings/debian-archive-keyring.gpg
@@ -49,17 +49,17 @@ EOF
     apt-get -q update && apt-get -q download wine32 libwine libz-mingw-w64
   ) || return 1
   for package in "$work"/*.deb; do
-    dpkg-deb -x "$package" "$work/root" || return 1
+    dpkg-deb -x "$package" "$work/tree" || return 1
   done
   # Most of the size is debugging information, which the prefix would hold a second copy of.
-  i686-w64-mingw32-strip --strip-debug "$work"/root/usr/lib/i386-linux-gnu/wine/i386-windows/*.dll 2>/dev/null || true
+  i686-w64-mingw32-strip --strip-debug "$work"/tree/usr/lib/i386-linux-gnu/wine/i386-windows/*.dll 2>/dev/null || true
   # Debian's wineserver is a script that looks in /usr.
-  ln -sf wineserver32 "$work/root/usr/lib/wine/wineserver" || return 1
+  ln -sf wineserver32 "$work/tree/usr/lib/wine/wineserver" || return 1
   # Wine's user32 needs zlib, which is no part of Wine and so has to be in the prefix.
   rm -rf "$WINEPREFIX"
   mkdir -p "$WINEPREFIX/drive_c/windows/system32" &&
-    cp "$work/root/usr/i686-w64-mingw32/lib/zlib1.dll" "$WINEPREFIX/drive_c/windows/system32/" &&
-    mv "$work/root" "$wine_cache/root" && rm -rf "$work"
+    cp "$work/tree/usr/i686-w64-mingw32/lib/zlib1.dll" "$WINEPREFIX/drive_c/windows/system32/" &&
+    mv "$work/tree" "$wine_cache/tree" && rm -rf "$work"
 }
 
 # Runs a program that does nothing; the first time it makes the prefix. A Wine that has once worked is not asked again.
