@@ -4,9 +4,9 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <vector>
 
+#include "support/deep_stack.h"
 #include "ulkch.h"
 
 namespace ulk_test {
@@ -34,12 +34,9 @@ struct ReferenceFind {
 
 // Searches `length` bytes, with these settings in place of the state's own. `numRecords` is at least 1.
 // `replaceMode` is the search of a replacement. `maxWork` limits the steps and the items of repeats together.
+// Long texts need onDeepStack().
 ReferenceFind referenceFind(const ulkRegExpState& state, const uint8_t* text, int32_t length, int32_t limit,
                             int32_t numRecords, bool replaceMode, int32_t format,
                             int64_t maxWork = INT64_MAX);
-
-// Calls `work` on a thread with a big stack and waits for it. Elsewhere, or when there is no memory for one,
-// referenceFind makes do with little stack.
-void onDeepStack(const std::function<void()>& work);
 
 }  // namespace ulk_test
