@@ -18,6 +18,9 @@ enum RxOption : uint32_t {
   RX_OPT_GLOBAL = 16,    // g: find or replace all matches; only in the options string
 };
 
+// Those that the matcher looks at.
+inline constexpr uint32_t kMatcherOptions = RX_OPT_DOTALL | RX_OPT_MULTILINE | RX_OPT_CASELESS;
+
 // Every node code with its operands. The codes are contiguous, so that code - RX_CHAR is a dense index.
 enum RxCode : uint32_t {
   RX_CHAR = 0x10000000,  // op1 byte; op3 options of a top-level literal, or the negation of a class member

@@ -101,6 +101,9 @@ bool beginsWithLiterals(const ulkRegExpState& state, const StartFilter& filter) 
   const RxNode* const nodes = state.nodes();
   const Alternatives ways = firstAlternatives(nodes, state.numNodes, filter.firstBar);
   if (filter.item >= 0 || !ways.firstBar || !isLiteral(state, ways.first)) return false;
+  // All of them are compared with the options that the attempt begins with.
+  const auto changesOptions = [](const RxNode& node) { return node.code == RX_OPTIONS; };
+  if (std::any_of(nodes, nodes + ways.first, changesOptions)) return false;
   if (filter.firstBar < 0) {
     // A group that may be left out is not the only beginning.
     const int32_t next = nextItem(nodes, ways.first - 1);

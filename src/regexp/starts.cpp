@@ -211,8 +211,8 @@ int32_t Starts::hopelessSteps(const uint8_t* at) const {
 // run where the program may go on fail, each after trying to go on from every place between. Passes over them
 // when `at` is one of them; otherwise notes up to where there is something to try.
 const uint8_t* Starts::passRun(const uint8_t* at) {
-  constexpr int64_t kPlenty = 1 << 17;  // so many tries exhaust every budget
-  const Follow follow = followOf(m_, filter_.run, m_.options);
+  constexpr int64_t kPlenty = 1 << 17;  // the sum of the tries of so many attempts exhausts every budget
+  const Follow follow = followOf(m_, filter_.run);
   if (at >= runEnd_) {
     runEnd_ = at;
     while (runEnd_ < m_.textEnd && *runEnd_ < 0x80 && set_.contains(*runEnd_)) ++runEnd_;
@@ -235,8 +235,12 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
     return at;
   }
   const int64_t attempts = boundary ? 1 : end - at;
-  const int64_t tries = std::clamp<int64_t>(end - at - least + 1, 0, kPlenty);
-  pay(attempts * filter_.steps + (boundary ? tries : tries * (tries + 1) / 2) * follow.note.steps());
+  int64_t tries = std::max<int64_t>(end - at - least + 1, 0);
+  if (!boundary) {
+    tries = std::min(tries, kPlenty);
+    tries = tries * (tries + 1) / 2;
+  }
+  pay(attempts * filter_.steps + tries * follow.note.steps());
   return at + attempts;
 }
 

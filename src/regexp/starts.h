@@ -18,7 +18,9 @@ class Starts {
   // The first position from `at` on that needs an attempt, at most the text's end; pays for those before it.
   // Where the budget does not suffice, it is exhausted and the position returned does not matter.
   const uint8_t* next(const uint8_t* at) {
-    if (at < attemptsEnd_ || filter_.kind == StartKind::kAny || filter_.options != m_.options) return at;
+    if (at < attemptsEnd_ || filter_.kind == StartKind::kAny ||
+        (filter_.options & kMatcherOptions) != m_.options)
+      return at;
     return skip(at);
   }
 

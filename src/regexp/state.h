@@ -27,17 +27,14 @@ struct CaptureSlot {
   int32_t length;
 };
 
-// The iteration bookkeeping of one group, indexed by the group's serial. Lookarounds and atomic groups never
-// use theirs.
+// The iteration bookkeeping of one group, indexed by the group's serial. Lookarounds and atomic groups use
+// only the first field of theirs.
 struct GroupFrame {
+  int32_t openNode;              // index of the group's open node; written by the compiler
   int32_t minLeft;               // iterations still required
   int32_t maxLeft;               // iterations still allowed
-  int32_t openNode;              // index of the group's open node
   int32_t remainingAtIteration;  // text left when the current iteration began
-  int32_t captureNumber;         // not needed: the open node tells the capture slot
-  int32_t inBody;                // 1 while an iteration's body is running
-  int32_t undo;  // not needed: a failed group-end step puts its frame back whole, so nothing is uncounted
-  int32_t iterationLength;  // bytes consumed by the current iteration
+  int32_t unused[4];
 };
 static_assert(sizeof(GroupFrame) == 32);
 
