@@ -50,9 +50,9 @@ constexpr Row kRows[] = {
     {"[bc]{0,2}[aA]{0,2999}?a*?c?", 1433155, INT_MAX},
     {"(?>[bc]{0,2}[aA]{0,4900}?a*?c?)", 450000, INT_MAX},
     {"(?>[bc]{0,2}[aA]{0,4900}?a*?c?)\\b", 450000, -1},
-    {"(?>(?>[bc]{0,2}[aA]{0,4900}?a*?c?)+x?)", 450000, INT_MAX},
+    {"(?>(?>[bc]{0,2}[aA]{0,4900}?a*?c?))", 450000, INT_MAX},
     {"[x]*[b](?>[c]?[aA]{0,2999}?a*?c?|y)*", 1700000, INT_MAX},
-    {"(?>[bc]{0,2}[aA]{0,4900}?a*?c?)*?", 450000, INT_MAX},
+    {"(?>[bc]{0,2}[aA]{0,4900}?a*?c?)+?", 450000, INT_MAX},
 };
 
 bool isSound(const ulkRegExpFind& record, const Text& text) {

@@ -49,6 +49,7 @@ class Starts {
   const StartFilter& filter_;
   const ByteSet256& set_;
   const StartPair& pair_;
+  const ptrdiff_t stride_;
   const bool beginsWithItem_;  // that every match begins with, once
   const Alternatives ways_;
   const uint8_t* asciiEnd_;     // of the ASCII text that was looked at last
