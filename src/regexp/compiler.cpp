@@ -268,7 +268,9 @@ void Compiler::finish() {
   state_.numNodes = numNodes;
   state_.trailingLiteral = std::max(trailing_, kNoTrailingLiteral);
   state_.matchLimit = kDefaultMatchLimit;
-  prepareSearch(state_);
+  const auto bytesUsed = static_cast<size_t>(text - reinterpret_cast<uint8_t*>(nodes));
+  prepareSearch(state_, {reinterpret_cast<uint32_t*>(nodes) + (bytesUsed + 3) / sizeof(uint32_t),
+                         reinterpret_cast<uint32_t*>(nodes + (end - pattern) + 1)});
 }
 
 // ---- Tokens

@@ -8,6 +8,7 @@
 #include "kernels/find_unit.h"
 #include "regexp/byte_sets.h"
 #include "regexp/bytes.h"
+#include "regexp/class_sets.h"
 #include "regexp/follow.h"
 #include "regexp/items.h"
 #include "regexp/matcher.h"
@@ -65,7 +66,7 @@ int32_t takeBytes(MatchContext& m, const RxNode& item, int32_t most) {
 int32_t takeItems(MatchContext& m, const RxNode& item, int32_t most) {
   const uint32_t options = m.options;
   if (isOneByte(item, options)) return takeBytes(m, item, most);
-  const ByteSet256* const set = item.code == RX_CLASS ? classSet(item, options) : nullptr;
+  const Set128* const set = item.code == RX_CLASS ? classSet(item, options) : nullptr;
   if (set) return takeCharacters(m, item, most, [set](uint8_t byte) { return set->contains(byte); });
   if (item.code == RX_CHARTYPE) {
     const uint8_t wanted = byteSetOf(item.op1, options);
@@ -256,7 +257,7 @@ void takeHopelessItems(MatchContext& m, LazyChoice& choice, const RxNode& item, 
     return static_cast<int32_t>(at - m.at);
   };
   int32_t taken = 0;
-  const ByteSet256* const set = item.code == RX_CLASS ? classSet(item, m.options) : nullptr;
+  const Set128* const set = item.code == RX_CLASS ? classSet(item, m.options) : nullptr;
   if (set) {
     taken = take([set](uint8_t byte) { return set->contains(byte); });
   } else if (item.code == RX_CHARTYPE) {
