@@ -165,10 +165,12 @@ Next retryLazy(MatchContext& m, Choice& choice);
 Next retryLazyCodePoint(MatchContext& m, Choice& choice);
 Next retryLazyProperty(MatchContext& m, Choice& choice);
 
-// groups.cpp
+// group_links.cpp
 // Links every bar to the next one of its group, every open node to the group's first bar, and the ends of
 // plain groups to their open nodes, all by `text`. Part of every compile.
 void linkGroups(ulkRegExpState& state);
+
+// groups.cpp
 Next stepGroupOpen(MatchContext& m);
 Next stepGroupEnd(MatchContext& m);
 Next stepBar(MatchContext& m);
