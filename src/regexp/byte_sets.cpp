@@ -8,6 +8,7 @@
 #include "regexp/bytes.h"
 #include "regexp/class_sets.h"
 #include "regexp/first_bytes.h"
+#include "regexp/items.h"
 
 namespace ulk {
 
@@ -48,6 +49,39 @@ bool isSubset(const ByteSet256& a, const ByteSet256& b) {
   return others == 0;
 }
 
+// Optional items in a row behind repeats: where there are many, nothing is decided as far as the rest of the
+// program is followed. Each row is counted once, not from each of its items.
+class OptionalRow {
+ public:
+  explicit OptionalRow(const ulkRegExpState& state) : nodes_(state.nodes()), numNodes_(state.numNodes) {}
+
+  // To be asked for the nodes behind all repeats of items, in their order.
+  bool isTooLong(int32_t node) {
+    if (node < end_) {
+      --left_;
+    } else {
+      end_ = node;
+      for (left_ = 0; passOptional(); ++left_) {
+      }
+    }
+    return left_ >= kMaxRestSteps;
+  }
+
+ private:
+  bool passOptional() {
+    if (end_ >= numNodes_ || !isItem(nodes_[end_])) return false;
+    const int32_t next = nextItem(nodes_, end_);
+    if (next >= numNodes_ || nodes_[next].code != RX_REPEAT || nodes_[next].op1 > 0) return false;
+    end_ = next + 1;
+    return true;
+  }
+
+  const RxNode* const nodes_;
+  const int32_t numNodes_;
+  int32_t end_ = 0;   // of the row that was counted last
+  int32_t left_ = 0;  // items of it that are still to come
+};
+
 }  // namespace
 
 uint32_t optionsAfter(const RxNode& node, uint32_t options) {
@@ -86,6 +120,7 @@ void makeFollowSets(ulkRegExpState& state, SpareFrames& frames) {
   RxNode* const nodes = state.nodes();
   uint32_t options = state.options;
   const RxNode* item = nullptr;
+  OptionalRow row(state);
   for (int32_t i = 0; i < state.numNodes; ++i) {
     RxNode& node = nodes[i];
     options = optionsAfter(node, options);
@@ -97,6 +132,7 @@ void makeFollowSets(ulkRegExpState& state, SpareFrames& frames) {
     node.text = nullptr;
     if (!frames.any()) continue;
     if (item->code == RX_END || item->code == RX_ASSERT || item->code == RX_BACKREF) continue;
+    if (row.isTooLong(i + 1)) continue;
     ByteSet256 taken{};
     addFirstBytes(*item, options, taken);
     FirstBytes follow(state);

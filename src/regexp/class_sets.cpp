@@ -340,7 +340,10 @@ int32_t writeList(const RxNode& header, const Union& members, Interval Spans::*f
 
 // ---- Records
 
-// A word of the class's further sets.
+// Whether the further set is anywhere.
+bool isKept(ClassNote note, uint32_t set) { return set < note.numStored() || !note.walk(); }
+
+// A word of a further set that is kept.
 uint32_t furtherWord(const RxNode& header, uint32_t set, int32_t word) {
   const uint32_t stored = ClassNote(header).numStored();
   const auto place = static_cast<uint32_t>(word);
@@ -353,6 +356,10 @@ bool inFurtherSet(const RxNode& header, uint32_t set, int32_t number) {
   return (furtherWord(header, set, number >> 5) >> (number & 31)) & 1;
 }
 
+// Which of the further sets is that of high bytes, and which the first set with the other caseless bit.
+uint32_t highBytesPlace(ClassNote note) {
+  return note.highBytes() == ClassNote::kAsChars ? 0 : note.numCharSets();
+}
 uint32_t otherAsciiPlace(ClassNote note) {
   return note.numCharSets() + (note.highBytes() == ClassNote::kOwnSet ? 1 : 0);
 }
@@ -501,8 +508,8 @@ bool acceptHighByte(const RxNode& header, uint8_t byte, uint32_t options) {
     default:
       break;
   }
-  if (note.walk()) return anyMemberAccepts(header, {byte - 0x100, 1}, byte, options);
-  const uint32_t set = note.highBytes() == ClassNote::kAsChars ? 0 : note.numCharSets();
+  const uint32_t set = highBytesPlace(note);
+  if (!isKept(note, set)) return anyMemberAccepts(header, {byte - 0x100, 1}, byte, options);
   return inFurtherSet(header, set, byte - 0x80);
 }
 
@@ -511,8 +518,9 @@ bool acceptMultibyte(const RxNode& header, Utf8Char character, uint8_t byte, uin
   if (note.anyMultibyte()) return true;
   const int32_t c = character.value;
   if (const uint32_t numSets = note.numCharSets(); c < static_cast<int32_t>(0x80 + 0x80 * numSets)) {
-    if (note.walk()) return anyMemberAccepts(header, character, byte, options);
-    if (inFurtherSet(header, static_cast<uint32_t>(c >> 7) - 1, c & 0x7F)) return true;
+    const uint32_t set = static_cast<uint32_t>(c >> 7) - 1;
+    if (!isKept(note, set)) return anyMemberAccepts(header, character, byte, options);
+    if (inFurtherSet(header, set, c & 0x7F)) return true;
   }
   const uint32_t* part = partsOf(header);
   if (note.kinds()) {
@@ -569,9 +577,9 @@ bool walkAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_
 bool classAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options) {
   if (byte < 0x80) {
     if (const Set128* const set = classSet(header, options)) return set->contains(byte);
-    const ClassNote note(header);
-    if (!header.text || note.walk()) return walkAccepts(header, character, byte, options);
-    return inFurtherSet(header, otherAsciiPlace(note), byte);
+    const uint32_t set = otherAsciiPlace(ClassNote(header));
+    if (!header.text || !isKept(ClassNote(header), set)) return walkAccepts(header, character, byte, options);
+    return inFurtherSet(header, set, byte);
   }
   if (!header.text) return walkAccepts(header, character, byte, options);
   const bool accept = character.length == 1 ? acceptHighByte(header, byte, options)
@@ -580,18 +588,25 @@ bool classAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32
 }
 
 void addClassBytes(const RxNode& header, uint32_t options, ByteSet256& set) {
-  const auto addIf = [&](int32_t value, int32_t byte) {
-    if (classAccepts(header, {value, 1}, static_cast<uint8_t>(byte), options)) addBit(byte, set.words);
+  const auto addByAsking = [&](int32_t first, int32_t last) {
+    for (int32_t c = first; c <= last; ++c) {
+      const Utf8Char character{c < 0x80 ? c : c - 0x100, 1};
+      if (classAccepts(header, character, static_cast<uint8_t>(c), options)) addBit(c, set.words);
+    }
   };
   if (const Set128* const ascii = classSet(header, options)) {
     for (int i = 0; i < kWordsPerSet; ++i) set.words[i] |= ascii->words[i];
   } else {
-    for (int32_t c = 0; c < 0x80; ++c) addIf(c, c);
+    addByAsking(0, 0x7F);
   }
+  const ClassNote note(header);
   if (!header.text || header.op1 != 0 || mayAcceptMultibyte(header, options)) {
-    std::fill(set.words + 4, set.words + 8, ~0u);
-  } else if (ClassNote(header).highBytes() != ClassNote::kNone) {
-    for (int32_t c = 0x80; c < 0x100; ++c) addIf(c - 0x100, c);
+    std::fill(set.words + kWordsPerSet, set.words + 2 * kWordsPerSet, ~0u);
+  } else if (note.highBytes() == ClassNote::kOwnSet && isKept(note, highBytesPlace(note))) {
+    for (int i = 0; i < kWordsPerSet; ++i)
+      set.words[kWordsPerSet + i] |= furtherWord(header, highBytesPlace(note), i);
+  } else if (note.highBytes() != ClassNote::kNone) {
+    addByAsking(0x80, 0xFF);
   }
 }
 

@@ -8,10 +8,7 @@ namespace ulk {
 
 namespace {
 
-// How far the rest of the program is followed. Every repeat asks, so without a bound compiling were
-// quadratic.
-constexpr int32_t kMaxRestSteps = 64;
-constexpr int32_t kMaxRestNodes = 256;
+constexpr int32_t kMaxRestNodes = 256;  // looked at for the end of a group
 
 bool isRepeatableGroup(const RxNode& node) {
   return node.code == RX_CAPTURE || node.code == RX_GROUP || node.code == RX_OPTGROUP;

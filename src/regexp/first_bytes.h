@@ -9,6 +9,10 @@
 
 namespace ulk {
 
+// How far the rest of the program is followed. Every repeat asks, so without a bound compiling were
+// quadratic.
+inline constexpr int32_t kMaxRestSteps = 64;
+
 // Follows the program to the items that must match next. Where every way of going on begins with an item that
 // a single byte decides about, an attempt at any other byte fails after a number of steps that the program
 // alone decides.

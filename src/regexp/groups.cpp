@@ -6,12 +6,8 @@
 // the options as the step found them: when everything the step can do has failed, all of them are put back,
 // so that the choices made before find the group as they left it.
 //
-// Most groups are plain: they match at most once, their body does not refer to them, and the program changes
-// no options. For them the open step remembers all there is to put back, and leaving the group changes
-// nothing that a choice within it could see.
-#include <algorithm>
-#include <cstdlib>
-
+// Most groups are plain (group_links.cpp). For them the open step remembers all there is to put back, and
+// leaving the group changes nothing that a choice within it could see.
 #include "regexp/items.h"
 #include "regexp/matcher.h"
 
@@ -152,48 +148,6 @@ Next enterBody(MatchContext& m, const Group& group) {
   return branch(m, condition.op1 < m.numCaptures && m.captures[condition.op1].length != -1);
 }
 
-// Whether the repeat can make the run around it match as it stands, whatever its groups have got to.
-bool matchesAtOnce(const RxNode& item, const RxNode& quantifier) {
-  return quantifier.code == RX_REPEAT_LAZY &&
-         (item.code == RX_CODEPOINT || (item.code == RX_END && item.op1 < 0));
-}
-
-// What a part of the program may change that a group has to put back.
-struct Changes {
-  bool options;
-  bool surplus;
-};
-
-Changes changesOf(const ulkRegExpState& state) {
-  Changes changes{};
-  const RxNode* const nodes = state.nodes();
-  for (int32_t i = 0; i < state.numNodes; ++i) {
-    const uint32_t code = nodes[i].code;
-    changes.options |= code == RX_OPTIONS || code == RX_OPTGROUP;
-    changes.surplus |= code == RX_LOOKBEHIND || code == RX_NLOOKBEHIND;
-    changes.surplus |= code == RX_REPEAT_LAZY && nodes[i - 1].code == RX_CHAR;
-  }
-  return changes;
-}
-
-// The op3 of a plain RX_GROUP of one alternative that leaves nothing to come back for.
-constexpr int32_t kNoChoice = 1;
-
-// Whether the node opens a group that matches at most once and that nothing looks at from within.
-bool isPlain(const ulkRegExpState& state, int32_t index) {
-  const RxNode* const nodes = state.nodes();
-  const RxNode& open = nodes[index];
-  if (open.code != RX_CAPTURE && open.code != RX_GROUP) return false;
-  const int32_t end = index + open.op2 + 1;
-  if (end + 1 < state.numNodes && isQuantifier(nodes[end + 1]) && nodes[end + 1].op2 > 1) return false;
-  if (open.code == RX_GROUP) return true;
-  for (int32_t i = index + 1; i < end; ++i) {
-    if (nodes[i].code == RX_BACKREF && nodes[i].op1 == open.op3) return false;
-    if (matchesAtOnce(nodes[i], nodes[i + 1])) return false;
-  }
-  return true;
-}
-
 // Finds the first alternative, from the one after this bar or open node on, that a literal does not rule out,
 // and pays for those before it.
 const RxNode* hopefulAlternative(MatchContext& m, const RxNode* bar) {
@@ -271,41 +225,6 @@ int32_t findBar(const RxNode* nodes, int32_t from, int32_t end, int32_t serial) 
   for (int32_t i = from; i < end; ++i)
     if (nodes[i].code == RX_ALT && nodes[i].op1 == serial) return i;
   return -1;
-}
-
-void linkGroups(ulkRegExpState& state) {
-  RxNode* const nodes = state.nodes();
-  RxNode* topLevel = nullptr;
-  for (RxNode* node = nodes; node != nodes + state.numNodes; ++node) {
-    // The frame of a group that is still open holds the last node to link its bars to.
-    if (isGroupOpen(*node)) {
-      node->text = nullptr;
-      state.frames[std::abs(node->op1)].group.openNode = static_cast<int32_t>(node - nodes);
-    } else if (node->code == RX_ALT) {
-      node->text = nullptr;
-      if (node->op1 == kTopLevel) {
-        if (topLevel) topLevel->text = node;
-        topLevel = node;
-      } else {
-        int32_t& last = state.frames[std::abs(node->op1)].group.openNode;
-        nodes[last].text = node;
-        last = static_cast<int32_t>(node - nodes);
-      }
-    } else if (node->code == RX_END) {
-      node->text = nullptr;
-    }
-  }
-  const Changes changes = changesOf(state);
-  for (int32_t i = 0; i < state.numNodes; ++i) {
-    if (!isGroupOpen(nodes[i])) continue;
-    state.frames[std::abs(nodes[i].op1)].group.openNode = i;
-    if (changes.options || !isPlain(state, i)) continue;
-    const int32_t next = nextItem(nodes, i);
-    nodes[next - 1].text = &nodes[i];
-    if (nodes[i].code != RX_GROUP) continue;
-    const bool quantified = next < state.numNodes && isQuantifier(nodes[next]);
-    nodes[i].op3 = changes.surplus || quantified || nextBar(nodes[i]) ? 0 : kNoChoice;
-  }
 }
 
 Next stepGroupOpen(MatchContext& m) {

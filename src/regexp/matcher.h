@@ -92,10 +92,14 @@ Next retryLazy(MatchContext& m);
 Next retryLazyCodePoint(MatchContext& m);
 Next retryLazyProperty(MatchContext& m);
 
-// groups.cpp
+// group_links.cpp
 // Links every bar to the next one of its group, every open node to the group's first bar, and the ends of
 // plain groups to their open nodes, all by `text`. Part of every compile.
 void linkGroups(ulkRegExpState& state);
+// The op3 of a plain RX_GROUP of one alternative that leaves nothing to come back for.
+inline constexpr int32_t kNoChoice = 1;
+
+// groups.cpp
 Next stepGroupOpen(MatchContext& m);
 Next stepGroupEnd(MatchContext& m);
 Next stepBar(MatchContext& m);

@@ -53,6 +53,10 @@ enum RxCode : uint32_t {
   kRxCodeEnd             // one past the last code
 };
 
+// Until the program is finished, this stands where a group was opened that says no more than its body: op1
+// simpleWidth of the body, 2 for all above 1; op2 its length in nodes; op3 how many of them are no gaps.
+inline constexpr uint32_t kGap = kRxCodeEnd;
+
 inline constexpr int32_t kUnbounded = 0x3FFFFFFF;  // the maximum of "*"; no bound ever exceeds it
 inline constexpr int32_t kMaxBound = 65535;        // the largest bound that can be written in braces
 inline constexpr int32_t kLeadingDotStar = 128;    // RX_ASSERT operand: at the text start or after a newline

@@ -38,6 +38,16 @@ struct GroupFrame {
 };
 static_assert(sizeof(GroupFrame) == 32);
 
+// What the linking of a program knows of a group, indexed in the same way (group_links.cpp). The first field
+// stays when the group's frame takes the place.
+struct OpenGroupLink {
+  int32_t open;  // index of its open node
+  int32_t last;  // and of its last bar so far, else the same
+  int32_t numAtOnce;
+  bool isOpen;  // the end has not been reached
+  bool refersToItself;
+};
+
 // A set of bytes, one bit each.
 struct ByteSet256 {
   uint32_t words[8];
@@ -92,6 +102,7 @@ inline constexpr int32_t kStartPairFrame = kNumFrames - 2;
 // last frame down.
 union WorkFrame {
   GroupFrame group;
+  OpenGroupLink link;
   ByteSet256 bytes;
   StartFilter start;
   StartPair pair;

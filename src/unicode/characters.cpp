@@ -58,7 +58,8 @@ struct Kinds {
   std::array<uint8_t, std::size(kRecords)>
       of{};  // a record, for code points that are not above the last line
   std::array<CharacterRecord, kMaxKinds> records{};
-  uint32_t ascii[kMaxKinds][4]{};
+  uint32_t ascii[kMaxKinds][4]{};  // the characters of each kind
+  uint64_t inAscii = 0;            // the kinds that have any
   int32_t count = 0;
 
   constexpr Kinds() {
@@ -71,8 +72,11 @@ struct Kinds {
       of[i] = static_cast<uint8_t>(kind);
     }
     static_assert(kBlockShift == 7, "ASCII is the first block");
-    for (uint32_t c = 0; c < 0x80; ++c)
-      ascii[of[kRecordOf[kBlockOf[0] * 0x80u + c]]][c >> 5] |= 1u << (c & 31);
+    for (uint32_t c = 0; c < 0x80; ++c) {
+      const uint8_t kind = of[kRecordOf[kBlockOf[0] * 0x80u + c]];
+      ascii[kind][c >> 5] |= 1u << (c & 31);
+      inAscii |= uint64_t{1} << kind;
+    }
   }
 
  private:
@@ -105,7 +109,7 @@ uint64_t acceptedKinds(uint32_t mask, bool negated) {
 }
 
 void addAsciiOfKinds(uint64_t kinds, uint32_t (&words)[4]) {
-  for (; kinds; kinds &= kinds - 1) {
+  for (kinds &= kKinds.inAscii; kinds; kinds &= kinds - 1) {
     const auto& ascii = kKinds.ascii[std::countr_zero(kinds)];
     for (int i = 0; i < 4; ++i) words[i] |= ascii[i];
   }
