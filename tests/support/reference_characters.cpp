@@ -30,7 +30,11 @@ bool isCodePoint(int32_t c, int32_t wanted, uint32_t options) {
 bool hasProperty(const RxNode& node, int32_t c) {
   if (node.code == RX_CATEGORY) return acceptsCategory(c, static_cast<uint32_t>(node.op1), node.op2 != 0);
   if (node.code == RX_UNIRANGE) return within(c, node.op1, node.op2) != (node.op3 != 0);
-  return inRanges(c, static_cast<const CodePointRange*>(node.text), node.op3) != (node.op2 != 0);
+  const auto* const ranges = static_cast<const CodePointRange*>(node.text);
+  const bool found = std::any_of(ranges, ranges + node.op3, [c](const CodePointRange& range) {
+    return c >= 0 && range.first <= static_cast<uint32_t>(c) && static_cast<uint32_t>(c) <= range.last;
+  });
+  return found != (node.op2 != 0);
 }
 
 // One byte is compared as a byte with bounds that could be bytes.
