@@ -325,13 +325,22 @@ bool takeCharacter(MatchContext& m, LazyChoice& choice, Utf8Char character) {
   return choice.count.number() <= choice.most && m.at <= m.textEnd;
 }
 
+// The character that a lazy code point looks at. Behind the end of the text no more is read than it takes to
+// tell whether it is that code point: nothing of several bytes is ASCII.
+Utf8Char characterFor(const MatchContext& m, const RxNode& item) {
+  const bool isAscii = item.op1 >= 0 && item.op1 < 0x80 && !(m.options & RX_OPT_CASELESS);
+  if (isAscii && m.at == m.textEnd) return {static_cast<int8_t>(*m.at), 1};
+  return decodeUtf8(m.at);
+}
+
 // A lazy code point looks at the character first, also at the end of the text: one that differs makes the run
 // match as it stands, whatever follows in the program.
 Next continueLazyCodePoint(MatchContext& m, LazyChoice& choice) {
   const int32_t node = choice.tag.node();
   for (;;) {
-    const Utf8Char character = decodeUtf8(m.at);
-    if (!codePointAccepts(m.nodes[node], character.value, m.options)) return Next::kMatched;
+    const RxNode& item = m.nodes[node];
+    const Utf8Char character = characterFor(m, item);
+    if (!codePointAccepts(item, character.value, m.options)) return Next::kMatched;
     if (m.budget >= 0) {
       choice.at = m.offset();
       return goOn(m, node + 2);
@@ -403,7 +412,8 @@ Next retryLazy(MatchContext& m) {
 Next retryLazyCodePoint(MatchContext& m) {
   auto& choice = m.choices.top<LazyChoice>();
   m.moveTo(choice.at);
-  return takeCharacter(m, choice, decodeUtf8(m.at)) ? continueLazyCodePoint(m, choice) : failRepeat(m);
+  const Utf8Char character = characterFor(m, m.nodes[choice.tag.node()]);
+  return takeCharacter(m, choice, character) ? continueLazyCodePoint(m, choice) : failRepeat(m);
 }
 
 Next retryLazyProperty(MatchContext& m) {
