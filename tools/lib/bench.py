@@ -62,15 +62,21 @@ def build(lane, home):
 
 def measure(program, pattern, quick):
     out = program.parent / "results.json"
-    tell(f"measuring; all that the program says goes to {out}")
     out.write_text("")
-    run(program, f"--benchmark_filter={pattern}", f"--benchmark_out={out}", "--benchmark_out_format=json",
-        "--benchmark_enable_random_interleaving=true", f"--benchmark_repetitions={3 if quick else 5}",
-        f"--benchmark_min_time={0.003 if quick else 0.01}", "--benchmark_report_aggregates_only=true",
-        "--benchmark_format=json")
-    if not out.stat().st_size:
+    tell(f"measuring; every figure goes to {out}")
+    ran = subprocess.run([program, f"--benchmark_filter={pattern}", f"--benchmark_out={out}",
+                          "--benchmark_out_format=json", "--benchmark_enable_random_interleaving=true",
+                          f"--benchmark_repetitions={3 if quick else 5}",
+                          f"--benchmark_min_time={0.003 if quick else 0.01}",
+                          "--benchmark_report_aggregates_only=true"], stdout=subprocess.DEVNULL)
+    if ran.returncode == 0 and not out.stat().st_size:
         sys.exit(f"tools/bench: no row matches {pattern} (a row's name goes on with its contestant's)")
-    return Results.of_benchmarks(json.loads(out.read_text())["benchmarks"])
+    benchmarks = json.loads(out.read_text())["benchmarks"] if ran.returncode in (0, 1) else []
+    wrong = {each["run_name"] for each in benchmarks if "error_message" in each}
+    for name in sorted(wrong):
+        tell(f"wrong answer: {name}")
+    ran.check_returncode()
+    return Results.of_benchmarks(benchmarks)
 
 
 def main():
