@@ -1,9 +1,6 @@
 #!/usr/bin/env python3
 """Makes the Unicode tables of the expression engine, src/unicode/*_table.inc.
 
-    tools/make_unicode_tables.py UCD_DIR            write the tables
-    tools/make_unicode_tables.py UCD_DIR --check    only compare them with what the data gives; 1 when one differs
-
 UCD_DIR holds UnicodeData.txt, Scripts.txt and Blocks.txt of Unicode 5.1.0. That version is part of the library's
 promise (which characters \\p{Lu} accepts must not change with the machine that built it), so everything the tables
 rely on is checked here, and nothing is written when one count is off.
@@ -217,12 +214,14 @@ def blocks_table(blocks):
 
 
 def main():
-    arguments = argparse.ArgumentParser(description="Makes the Unicode tables of the expression engine.")
+    arguments = argparse.ArgumentParser(prog="tools/make_unicode_tables.py", description=__doc__,
+                                        formatter_class=argparse.RawDescriptionHelpFormatter)
     arguments.add_argument("ucd_dir", type=Path, metavar="UCD_DIR", help="holds the files of Unicode " + VERSION)
-    arguments.add_argument("--check", action="store_true", help="compare with the tables, write nothing")
+    arguments.add_argument("--check", action="store_true", help="write nothing, and fail when a table is not what the data gives")
     options = arguments.parse_args()
 
     ucd = options.ucd_dir
+    expect(ucd.is_dir(), f"there is no folder {ucd}")
     tables = {
         "characters_table.inc": characters_table(*read_characters(ucd / "UnicodeData.txt")),
         "scripts_table.inc": scripts_table(read_scripts(ucd / "Scripts.txt")),
@@ -233,6 +232,7 @@ def main():
         path, content = OUTPUT_DIR / name, "\n".join(lines).rstrip("\n") + "\n"
         if not options.check:
             path.write_text(content, encoding="ascii", newline="\n")
+            print(f"wrote {path}")
         elif not path.exists() or path.read_text(encoding="ascii") != content:
             print(f"{path.name} differs from what the data gives", file=sys.stderr)
             stale = True
