@@ -84,20 +84,6 @@ class OptionalRow {
 
 }  // namespace
 
-uint32_t optionsAfter(const RxNode& node, uint32_t options) {
-  switch (node.code) {
-    case RX_OPTIONS:
-      return static_cast<uint32_t>(node.op1);
-    case RX_OPTGROUP:
-      return static_cast<uint32_t>(node.op3);
-    case RX_ALT:
-    case RX_END:
-      return static_cast<uint32_t>(node.op2);
-    default:
-      return options;
-  }
-}
-
 void addAll(const ByteSet256& other, ByteSet256& set) {
   for (int i = 0; i < 8; ++i) set.words[i] |= other.words[i];
 }

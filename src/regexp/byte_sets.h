@@ -59,9 +59,6 @@ class FollowNote {
 };
 inline constexpr int32_t kMaxFollowSteps = 1 << 20;
 
-// The options in force after the node, in the order of the pattern.
-uint32_t optionsAfter(const RxNode& node, uint32_t options);
-
 void addAll(const ByteSet256& other, ByteSet256& set);
 void addByte(int32_t byte, uint32_t options, ByteSet256& set);  // in both cases where letters match in either
 void addShorthand(int32_t letter, uint32_t options, ByteSet256& set);

@@ -38,10 +38,13 @@ void addAll(const Set128& other, Set128& set) {
 
 // The numbers from `first` to `last` as far as they are below 128.
 void addSpan(int64_t first, int64_t last, Set128& set) {
-  for (int i = 0; i < kWordsPerSet; ++i) {
-    const int64_t low = std::max<int64_t>(first - 32 * i, 0);
-    const int64_t high = std::min<int64_t>(last - 32 * i, 31);
-    if (low <= high) set.words[i] |= ~0u << low & ~0u >> (31 - high);
+  if (first > 127 || last < 0) return;
+  const auto low = static_cast<int32_t>(std::max<int64_t>(first, 0));
+  const auto high = static_cast<int32_t>(std::min<int64_t>(last, 127));
+  for (int32_t i = low >> 5; i <= high >> 5; ++i) {
+    const uint32_t from = ~0u << (i == low >> 5 ? low & 31 : 0);
+    const uint32_t to = ~0u >> (i == high >> 5 ? 31 - (high & 31) : 0);
+    set.words[i] |= from & to;
   }
 }
 
@@ -126,9 +129,14 @@ bool hasSpans(const RxNode& member) {
   return member.code == RX_RANGE || member.code == RX_CODEPOINT || member.code == RX_UNIRANGE;
 }
 
+int32_t fold(int32_t c) {
+  if (c >= 0x80) return foldCase(c);
+  return c >= 'A' && c <= 'Z' ? c ^ 0x20 : c;
+}
+
 Spans spansOf(const RxNode& member) {
   const Interval plain{member.op1, member.code == RX_CODEPOINT ? member.op1 : member.op2};
-  return {plain, {foldCase(plain.low), foldCase(plain.high)}};
+  return {plain, {fold(plain.low), fold(plain.high)}};
 }
 
 // All members of a class in one. Only those of POSIX classes and "\P{Any}" can be negated ranges or code
@@ -195,15 +203,15 @@ void Union::addChar(const RxNode& member) {
   const int32_t c = member.op1;
   if (member.op3 != 0) {
     Set128 set{};
-    addSpan(c, c, set);
+    addBit(c, set.words);
     addInBoth(inverse(set));
     high = kAll128;
     anyMultibyte = true;
   } else if (c < 0x80) {
-    addSpan(c, c, bytes_);
+    addBit(c, bytes_.words);
   } else {
-    if (c < 0x100) addSpan(c - 0x80, c - 0x80, high);
-    addSpan(c & 0x7F, c & 0x7F, chars[(c >> 7) - 1]);
+    if (c < 0x100) addBit(c - 0x80, high.words);
+    addBit(c & 0x7F, chars[(c >> 7) - 1].words);
     numCharSets = std::max(numCharSets, c < 0x100 ? 1u : 3u);
   }
 }
@@ -378,6 +386,7 @@ class RecordMaker {
   uint32_t* make(uint32_t* at, int64_t room);
 
  private:
+  ClassNote::HighBytes highBytes() const;
   void chooseSets();
   bool chooseParts(int64_t room);
   void placeSets(int64_t room);
@@ -397,23 +406,30 @@ class RecordMaker {
   int64_t size_ = 0;  // of the first set and the parts
 };
 
+ClassNote::HighBytes RecordMaker::highBytes() const {
+  uint32_t any = 0;
+  uint32_t all = ~0u;
+  uint32_t others = 0;
+  for (int i = 0; i < kWordsPerSet; ++i) {
+    any |= members_.high.words[i];
+    all &= members_.high.words[i];
+    others |= members_.high.words[i] ^ members_.chars[0].words[i];
+  }
+  if (any == 0) return ClassNote::kNone;
+  if (all == ~0u) return ClassNote::kAll;
+  return others == 0 ? ClassNote::kAsChars : ClassNote::kOwnSet;
+}
+
 void RecordMaker::chooseSets() {
   facts_.caseless = caseless_;
   facts_.anyMultibyte = members_.anyMultibyte;
-  if (same(members_.high, Set128{})) {
-    facts_.highBytes = ClassNote::kNone;
-  } else if (same(members_.high, kAll128)) {
-    facts_.highBytes = ClassNote::kAll;
-  } else if (same(members_.high, members_.chars[0])) {
-    facts_.highBytes = ClassNote::kAsChars;
-  } else {
-    facts_.highBytes = ClassNote::kOwnSet;
-  }
+  facts_.highBytes = highBytes();
   if (!members_.anyMultibyte) facts_.numCharSets = members_.numCharSets;
   for (uint32_t i = 0; i < facts_.numCharSets; ++i) further_[numFurther_++] = members_.chars[i];
   if (facts_.highBytes == ClassNote::kOwnSet) further_[numFurther_++] = members_.high;
+  if (!bothCases_) return;
   const Set128 other = members_.ascii(!caseless_);
-  facts_.otherAscii = bothCases_ && !same(other, members_.ascii(caseless_));
+  facts_.otherAscii = !same(other, members_.ascii(caseless_));
   if (facts_.otherAscii) further_[numFurther_++] = inClass(other);
 }
 
@@ -513,15 +529,8 @@ bool acceptHighByte(const RxNode& header, uint8_t byte, uint32_t options) {
   return inFurtherSet(header, set, byte - 0x80);
 }
 
-bool acceptMultibyte(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options) {
-  const ClassNote note(header);
-  if (note.anyMultibyte()) return true;
-  const int32_t c = character.value;
-  if (const uint32_t numSets = note.numCharSets(); c < static_cast<int32_t>(0x80 + 0x80 * numSets)) {
-    const uint32_t set = static_cast<uint32_t>(c >> 7) - 1;
-    if (!isKept(note, set)) return anyMemberAccepts(header, character, byte, options);
-    if (inFurtherSet(header, set, c & 0x7F)) return true;
-  }
+// Behind the sets: kinds, scripts, lists.
+bool partsAccept(const RxNode& header, ClassNote note, int32_t c, uint32_t options) {
   const uint32_t* part = partsOf(header);
   if (note.kinds()) {
     if (contains(part, kindOf(c))) return true;
@@ -538,6 +547,18 @@ bool acceptMultibyte(const RxNode& header, Utf8Char character, uint8_t byte, uin
   return inIntervals(foldCase(c), list + numPlain, static_cast<int32_t>(part[1]));
 }
 
+bool acceptMultibyte(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options) {
+  const ClassNote note(header);
+  if (note.anyMultibyte()) return true;
+  const int32_t c = character.value;
+  if (c < static_cast<int32_t>(0x80 + 0x80 * note.numCharSets())) {
+    const uint32_t set = static_cast<uint32_t>(c >> 7) - 1;
+    if (!isKept(note, set)) return anyMemberAccepts(header, character, byte, options);
+    if (inFurtherSet(header, set, c & 0x7F)) return true;
+  }
+  return note.hasParts() && partsAccept(header, note, c, options);
+}
+
 // Whether they can accept a character of several bytes at all.
 bool mayAcceptMultibyte(const RxNode& header, uint32_t options) {
   const ClassNote note(header);
@@ -548,12 +569,12 @@ bool mayAcceptMultibyte(const RxNode& header, uint32_t options) {
 }  // namespace
 
 void makeClassSets(ulkRegExpState& state, SpareWords spare) {
-  const bool bothCases = changesCase(state);
   RxNode* const nodes = state.nodes();
+  const bool bothCases = changesCase(state);
   uint32_t options = state.options;
   for (int32_t i = 0; i < state.numNodes; ++i) {
     RxNode& node = nodes[i];
-    options = optionsAfter(node, options);
+    if (bothCases) options = optionsAfter(node, options);
     if (node.code != RX_CLASS) continue;
     const int64_t room = (int64_t{node.op3} - node.op2 - 1) * kNodeWords;
     RecordMaker maker(node, options & RX_OPT_CASELESS, bothCases);

@@ -77,6 +77,7 @@ class ClassNote {
   bool kinds() const { return packed_ & kKinds; }
   bool scripts() const { return packed_ & kScripts; }
   bool lists() const { return packed_ & kLists; }
+  bool hasParts() const { return packed_ & (kKinds | kScripts | kLists); }
   bool anyMultibyte() const { return packed_ & kAnyMultibyte; }
 
  private:

@@ -97,14 +97,19 @@ void Links::close(int32_t index) {
 
 void Links::add(int32_t index) {
   RxNode& node = nodes_[index];
-  if (isGroupOpen(node)) {
-    open(index);
-  } else if (node.code == RX_ALT) {
-    bar(node);
-  } else if (node.code == RX_BACKREF) {
-    backref(node.op1);
-  } else if (node.code == RX_END) {
-    close(index);
+  if (isGroupOpen(node)) return open(index);
+  switch (node.code) {
+    case RX_ALT:
+      return bar(node);
+    case RX_BACKREF:
+      return backref(node.op1);
+    case RX_END:
+      close(index);
+      break;
+    case RX_CODEPOINT:
+      break;
+    default:
+      return;
   }
   if (isQuantified(index) && matchesAtOnce(node, nodes_[index + 1])) ++numAtOnce_;
 }

@@ -89,6 +89,21 @@ inline int32_t nextItem(const RxNode* nodes, int32_t i) {
   return node.code == RX_CLASS ? i + node.op2 + 1 : i + 1;
 }
 
+// The options in force after the node, in the order of the pattern.
+inline uint32_t optionsAfter(const RxNode& node, uint32_t options) {
+  switch (node.code) {
+    case RX_OPTIONS:
+      return static_cast<uint32_t>(node.op1);
+    case RX_OPTGROUP:
+      return static_cast<uint32_t>(node.op3);
+    case RX_ALT:
+    case RX_END:
+      return static_cast<uint32_t>(node.op2);
+    default:
+      return options;
+  }
+}
+
 // Fixed width in characters of nodes[first, last), or -1 when its alternatives differ. For a range without
 // quantifiers of unequal bounds and without back references.
 int64_t fixedWidth(const RxNode* nodes, int32_t first, int32_t last);
