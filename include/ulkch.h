@@ -596,8 +596,10 @@ ULK_API void ULK_CALL ulksRegExpFree(ulkRegExpState* pState);
 /// up with #ulkErrMatchLimit. To be called after the compile, which sets it to 10000. The state is not
 /// checked to be a compiled one.
 ///
-/// A search at the default limit uses at most 512 KiB of stack. Where a larger limit would let it need more,
-/// it ends as if the limit had run out; it never overflows a thread's stack of 1 MiB.
+/// A search at the default limit uses at most 512 KiB of stack, at a larger one at most 832 KiB, so it never
+/// overflows a thread's stack of 1 MiB. That much holds 40000 iterations of a repeated group that leave
+/// nothing else to come back to, and 50000 places to which repeats of single items can come back; a search
+/// that has to keep more ends as if the limit had run out.
 /// @param[in]     matchLimit  the limit, 0 or more
 /// @param[in,out] pState      the compiled state
 /// @retval ulkOk          the limit is set
@@ -639,14 +641,16 @@ typedef struct ulkRegExpFind {
 /// for "$" and lookahead too; a text in which it does not occur counts as empty.
 ///
 /// What a caller must know to be safe:
-/// - The search may look at bytes after the end of the text: at the one after it, and in format 1 at those
-///   that would continue a last UTF-8 sequence. Keep them readable; a zero byte after the text ends every
-///   such look.
-/// - A reported match may end beyond the text: when the text ends inside a UTF-8 sequence, and after some
-///   lazy repeats of a single byte that failed. A program that copies a match limits its length to the end of
-///   the text.
+/// - The search may look at bytes after the end of the text, in both formats: at the one after it, and, where
+///   that one or the text's last bytes begin a UTF-8 sequence, at those that follow, up to the first that
+///   does not continue it. Keep them readable; a zero byte after the text ends every such look.
+/// - A reported match or group begins in the text or at its end, and its length is not negative, but it may
+///   reach beyond the text: when the text ends inside a UTF-8 sequence, and after some lazy repeats of a
+///   single byte that failed, which can make lengths up to 2147483647. A program that copies a match limits
+///   its length to the end of the text.
 /// - The call writes to the state: one search per state at a time.
-/// - It uses up to 512 KiB of stack at the default match limit; see ulksRegExpSetMatchLimit().
+/// - It uses up to 512 KiB of stack at the default match limit, and up to 832 KiB at a larger one; see
+///   ulksRegExpSetMatchLimit().
 /// @param[in]     pSrc          the text
 /// @param[in]     srcLen        its length in bytes
 /// @param[in,out] pRegExpState  the compiled expression; must not come from a failed compile
@@ -751,7 +755,7 @@ ULK_API ulkStatus ULK_CALL ulksRegExpReplaceInit(const char* pTemplate, ulkRegEx
 /// What a caller must know to be safe:
 /// - The hazards of ulksRegExpFind_8u() are those of this call too, apart from matches that are reported
 ///   beyond the text: no byte from beyond it is copied, though the text after the match is counted as if it
-///   had been, and may count less than nothing.
+///   had been, and may count less than nothing. Counts that 32 bits cannot hold stop at their end.
 /// - Replacing the first match measures the template against the whole capacity, and not against what the
 ///   text before the match has left of it. A destination that has `*pSrcLen` bytes more than the capacity
 ///   given is always safe. With `g` nothing is written beyond the capacity.

@@ -1,9 +1,6 @@
 #!/usr/bin/env python3
 """Makes the Unicode tables of the expression engine, src/unicode/*_table.inc.
 
-    tools/make_unicode_tables.py UCD_DIR            write the tables
-    tools/make_unicode_tables.py UCD_DIR --check    only compare them with what the data gives; 1 when one differs
-
 UCD_DIR holds UnicodeData.txt, Scripts.txt and Blocks.txt of Unicode 5.1.0. That version is part of the library's
 promise (which characters \\p{Lu} accepts must not change with the machine that built it), so everything the tables
 rely on is checked here, and nothing is written when one count is off.
@@ -153,8 +150,19 @@ def array(declaration, items):
     return [*lines, line, "};", ""]
 
 
+def two_stages(numbers):
+    """The block of every 1 << BLOCK_SHIFT numbers, and the numbers of the blocks; equal blocks are kept once."""
+    size = 1 << BLOCK_SHIFT
+    blocks = {}
+    block_of = [
+        blocks.setdefault(tuple(numbers[start : start + size]), len(blocks)) for start in range(0, len(numbers), size)
+    ]
+    expect(max(numbers) <= 255 and len(blocks) <= 256, "a number or a block's number does not fit into a byte")
+    return map(str, block_of), (str(number) for block in blocks for number in block)
+
+
 def characters_table(listed, ranged):
-    """Equal records are kept once and so are equal blocks of record numbers."""
+    """Equal records are kept once."""
     of_code_point = {c: ("kListed", mask, distance) for c, (mask, distance) in listed.items()}
     for first, last, mask in ranged:
         of_code_point.update(dict.fromkeys(range(first, last + 1), ("kRanged", mask, 0)))
@@ -162,13 +170,7 @@ def characters_table(listed, ranged):
     records = {record: number for number, record in enumerate([unlisted, *sorted(set(of_code_point.values()))])}
     numbers = [records[of_code_point.get(c, unlisted)] for c in range(MAX_CODE_POINT + 1)]
 
-    size = 1 << BLOCK_SHIFT
-    blocks = {}
-    block_of = [
-        blocks.setdefault(tuple(numbers[start : start + size]), len(blocks)) for start in range(0, len(numbers), size)
-    ]
-    expect(len(records) <= 256 and len(blocks) <= 256, "a record or block number does not fit into a byte")
-
+    block_of, record_of = two_stages(numbers)
     return [
         *header("UnicodeData"),
         f"constexpr int32_t kMaxCodePoint = 0x{MAX_CODE_POINT:X};",
@@ -176,8 +178,8 @@ def characters_table(listed, ranged):
         f"constexpr int kBlockShift = {BLOCK_SHIFT};",
         "",
         *array("CharacterRecord kRecords", (f"{{{k}, 0x{mask:X}, {distance}}}" for k, mask, distance in records)),
-        *array("uint8_t kBlockOf", map(str, block_of)),
-        *array("uint8_t kRecordOf", (str(number) for block in blocks for number in block)),
+        *array("uint8_t kBlockOf", block_of),
+        *array("uint8_t kRecordOf", record_of),
     ]
 
 
@@ -186,7 +188,24 @@ def scripts_table(scripts):
     for name, ranges in scripts.items():
         pairs = (f"{{0x{first:X}, 0x{last:X}}}" for first, last in ranges)
         lines += array(f"CodePointRange k{name}", pairs)
-    return [*lines, "constexpr Script kScripts[] = {", *(f'    script("{n}", k{n}),' for n in scripts), "};", ""]
+    lines += ["constexpr Script kScripts[] = {", *(f'    script("{n}", k{n}),' for n in scripts), "};", ""]
+
+    last = max(ranges[-1][1] for ranges in scripts.values())
+    numbers = [0] * (last + 1)
+    for number, ranges in enumerate(scripts.values(), 1):
+        for first_of, last_of in ranges:
+            expect(not any(numbers[first_of : last_of + 1]), "a code point is in two scripts")
+            numbers[first_of : last_of + 1] = [number] * (last_of + 1 - first_of)
+    numbers += [0] * (-len(numbers) % (1 << BLOCK_SHIFT))
+    block_of, number_of = two_stages(numbers)
+    return [
+        *lines,
+        f"constexpr int32_t kLastInScript = 0x{last:X};",
+        f"constexpr int kScriptBlockShift = {BLOCK_SHIFT};",
+        "",
+        *array("uint8_t kScriptBlockOf", block_of),
+        *array("uint8_t kNumberOf", number_of),
+    ]
 
 
 def blocks_table(blocks):
@@ -195,12 +214,14 @@ def blocks_table(blocks):
 
 
 def main():
-    arguments = argparse.ArgumentParser(description="Makes the Unicode tables of the expression engine.")
+    arguments = argparse.ArgumentParser(prog="tools/make_unicode_tables.py", description=__doc__,
+                                        formatter_class=argparse.RawDescriptionHelpFormatter)
     arguments.add_argument("ucd_dir", type=Path, metavar="UCD_DIR", help="holds the files of Unicode " + VERSION)
-    arguments.add_argument("--check", action="store_true", help="compare with the tables, write nothing")
+    arguments.add_argument("--check", action="store_true", help="write nothing, and fail when a table is not what the data gives")
     options = arguments.parse_args()
 
     ucd = options.ucd_dir
+    expect(ucd.is_dir(), f"there is no folder {ucd}")
     tables = {
         "characters_table.inc": characters_table(*read_characters(ucd / "UnicodeData.txt")),
         "scripts_table.inc": scripts_table(read_scripts(ucd / "Scripts.txt")),
@@ -211,6 +232,7 @@ def main():
         path, content = OUTPUT_DIR / name, "\n".join(lines).rstrip("\n") + "\n"
         if not options.check:
             path.write_text(content, encoding="ascii", newline="\n")
+            print(f"wrote {path}")
         elif not path.exists() or path.read_text(encoding="ascii") != content:
             print(f"{path.name} differs from what the data gives", file=sys.stderr)
             stale = True

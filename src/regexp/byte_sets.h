@@ -1,8 +1,7 @@
 // Byte sets that make searching fast, made when an expression is compiled.
 //
-// An RX_CLASS node points to the set of the single bytes that it accepts by `text`; `op3` tells the caseless
-// bit that it was made for. The quantifier of a repeated item points to the set of the bytes that may follow
-// the repeat by `text`; `op3` is a packed FollowNote.
+// The quantifier of a repeated item points to the set of the bytes that may follow the repeat by `text`;
+// `op3` is a packed FollowNote. The sets of classes are in class_sets.h.
 #pragma once
 
 #include <cstdint>
@@ -16,16 +15,16 @@ namespace ulk {
 class SpareFrames {
  public:
   explicit SpareFrames(const ulkRegExpState& state);
+  bool any() const { return next_ > highestSerial_; }
   // The index of a frame, 0 when there is none left.
-  int32_t take() { return next_ > highestSerial_ ? next_-- : 0; }
+  int32_t take() { return any() ? next_-- : 0; }
 
  private:
   int32_t highestSerial_;
   int32_t next_ = kNumFrames - 1;
 };
 
-// Make the sets of all classes and repeats, as far as there are frames for them.
-void makeClassSets(ulkRegExpState& state, SpareFrames& frames);
+// Makes the sets of repeats, as far as there are frames for them. Those of classes are made before.
 void makeFollowSets(ulkRegExpState& state, SpareFrames& frames);
 
 // A quantifier's note about its follow set, packed into one operand.

@@ -41,7 +41,7 @@ constexpr PosixClass kPosixClasses[] = {
 
 class ClassParser {
  public:
-  explicit ClassParser(Parse& in) : in_(in), header_(in.numNodes) {}
+  explicit ClassParser(Parse& in) : in_(in), start_(in.at), header_(in.numNodes) {}
 
   ulkStatus parse();
 
@@ -64,6 +64,7 @@ class ClassParser {
   void closeOpenRange();
 
   Parse& in_;
+  const uint8_t* const start_;
   const int32_t header_;    // index of the RX_CLASS node
   bool rangeOpen_ = false;  // the last member and a "-" have been read, the upper end is to come
 };
@@ -279,6 +280,7 @@ ulkStatus ClassParser::finish() {
     --in_.numNodes;
   } else {
     header.op2 = numMembers;
+    header.op3 = static_cast<int32_t>(in_.at + 1 - start_);
     last.code |= kLastMember;
   }
   ++in_.at;

@@ -142,6 +142,7 @@ class Compiler : public Parse {
   void writeLeadingMarker();
   ulkStatus writeHeader(const char* optionLetters);
   ulkStatus writeNodes();
+  void removeGaps();
   void finish();
 
   // Tokens: each takes what begins at `at` and leaves `at` behind it.
@@ -178,7 +179,7 @@ class Compiler : public Parse {
   ulkStatus optionGroup();
   ulkStatus conditional();
   ulkStatus closeGroup();
-  bool flattens(const RxNode& open, int32_t body, int64_t width) const;
+  bool flatten(RxNode& open, int32_t first, int64_t width);
   int32_t claimBars(int32_t first, int32_t serial);
   bool conditionIsSound(int32_t first) const;
   bool measureLookbehind(RxNode& open, int32_t first);
@@ -200,6 +201,7 @@ class Compiler : public Parse {
   int32_t nextSerial_ = 1;
   int32_t nextCapture_ = 1;
   int32_t trailing_ = kNoTrailingLiteral;
+  bool hasGaps_ = false;
   OpenGroup groups_[kMaxDepth];  // the first depth_ are in use
 };
 
@@ -249,6 +251,7 @@ ulkStatus Compiler::writeNodes() {
 }
 
 void Compiler::finish() {
+  if (hasGaps_) removeGaps();
   for (int32_t i = trailing_ + 1; trailing_ >= 0 && i < numNodes; ++i) {
     if (!isQuantifier(nodes[i])) trailing_ = kNoTrailingLiteral;
   }
@@ -268,7 +271,30 @@ void Compiler::finish() {
   state_.numNodes = numNodes;
   state_.trailingLiteral = std::max(trailing_, kNoTrailingLiteral);
   state_.matchLimit = kDefaultMatchLimit;
-  prepareSearch(state_);
+  const auto bytesUsed = static_cast<size_t>(text - reinterpret_cast<uint8_t*>(nodes));
+  prepareSearch(state_, {reinterpret_cast<uint32_t*>(nodes) + (bytesUsed + 3) / sizeof(uint32_t),
+                         reinterpret_cast<uint32_t*>(nodes + (end - pattern) + 1)});
+}
+
+// Moves the nodes together. Groups that were in the way of others would be moved once for each level they
+// are nested in if that were done when they are closed.
+void Compiler::removeGaps() {
+  int32_t count = 0;
+  int32_t trailing = trailing_;
+  for (int32_t i = 0; i < numNodes; ++i) {
+    const RxNode& node = nodes[i];
+    if (node.code == kGap) continue;
+    if (i == trailing_) trailing = count;
+    if (isGroupOpen(node)) {
+      groups_[depth_++].node = count;
+    } else if (node.code == RX_END) {
+      const int32_t open = groups_[--depth_].node;
+      nodes[open].op2 = count - open - 1;
+    }
+    nodes[count++] = node;
+  }
+  numNodes = count;
+  trailing_ = trailing;
 }
 
 // ---- Tokens
@@ -541,14 +567,9 @@ ulkStatus Compiler::appendQuantifier(const Quantifier& q, bool lazy) {
 // A repeated assertion is the assertion, an optional one is nothing. False if the last group is no
 // lookaround.
 bool Compiler::quantifyLookaround(const Quantifier& q) {
-  const int32_t serial = lastNode().op1;
-  if (serial > 0) return false;
-  int32_t open = numNodes - 1;
-  do {
-    --open;
-  } while (!isGroupOpen(nodes[open]) || nodes[open].op1 != serial);
-  if (!isLookaround(nodes[open])) return false;
-  if (q.min == 0) numNodes = open;
+  const auto* const open = static_cast<const RxNode*>(lastNode().text);
+  if (!isLookaround(*open)) return false;
+  if (q.min == 0) numNodes = static_cast<int32_t>(open - nodes);
   return true;
 }
 
@@ -690,20 +711,14 @@ ulkStatus Compiler::closeGroup() {
   options_ = groups_[--depth_].options;
   RxNode& open = nodes[groups_[depth_].node];
   const int32_t first = groups_[depth_].node + 1;
-  const int32_t body = numNodes - first;
 
   const bool plain = open.code == RX_GROUP || open.code == RX_CAPTURE;
   const int64_t width = plain ? simpleWidth(nodes, first, numNodes) : -1;
-  if (flattens(open, body, width)) {
-    std::memmove(&open, &open + 1, static_cast<size_t>(body) * sizeof(RxNode));
-    --numNodes;
-    --nextSerial_;
-    return ulkOk;
-  }
+  if (flatten(open, first, width)) return ulkOk;
 
   const int32_t serial = isLookaround(open) || open.code == RX_ATOMIC ? -open.op2 : open.op2;
   open.op1 = serial;
-  open.op2 = body;
+  open.op2 = numNodes - first;
   const int32_t bars = claimBars(first, serial);
   if (open.code == RX_COND && (bars > 1 || !conditionIsSound(first))) return fail(ulkErrRegExpGroup, close);
   const bool lookbehind = open.code == RX_LOOKBEHIND || open.code == RX_NLOOKBEHIND;
@@ -714,13 +729,24 @@ ulkStatus Compiler::closeGroup() {
   node.op1 = serial;
   node.op2 = static_cast<int32_t>(options_);
   node.op3 = marked ? kRepeatMarkBody : kRepeatMarkNone;
+  node.text = &open;  // until the bars are linked
   return ulkOk;
 }
 
-// Whether the group says no more than its body does.
-bool Compiler::flattens(const RxNode& open, int32_t body, int64_t width) const {
-  if (open.code != RX_GROUP) return false;
-  return (width == 1 && body == 1) || (width >= 2 && !startsQuantifier(at));
+// Removes the group's open node where the group says no more than its body does.
+bool Compiler::flatten(RxNode& open, int32_t first, int64_t width) {
+  if (open.code != RX_GROUP || width < 1) return false;
+  const int32_t length = numNodes - first;
+  const bool isOneGap = nodes[first].code == kGap && nodes[first].op2 == length - 1;
+  const int32_t numReal = isOneGap ? nodes[first].op3 : length;
+  if (width == 1 ? numReal != 1 : startsQuantifier(at)) return false;
+  open.code = kGap;
+  open.op1 = width == 1 ? 1 : 2;
+  open.op2 = length;
+  open.op3 = numReal;
+  hasGaps_ = true;
+  --nextSerial_;
+  return true;
 }
 
 // Ties the bars of the group that is being closed to it, and counts them.
@@ -745,6 +771,7 @@ bool Compiler::conditionIsSound(int32_t first) const {
 bool Compiler::measureLookbehind(RxNode& open, int32_t first) {
   for (int32_t i = first; i < numNodes; ++i) {
     const RxNode& node = nodes[i];
+    if (node.code == RX_LOOKBEHIND || node.code == RX_NLOOKBEHIND) i += node.op2;  // measured already
     if (node.code == RX_BACKREF || (isQuantifier(node) && node.op1 != node.op2)) return false;
   }
   const int64_t width = fixedWidth(nodes, first, numNodes);

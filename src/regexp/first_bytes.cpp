@@ -8,10 +8,7 @@ namespace ulk {
 
 namespace {
 
-// How far the rest of the program is followed. Every repeat asks, so without a bound compiling were
-// quadratic.
-constexpr int32_t kMaxRestSteps = 64;
-constexpr int32_t kMaxRestNodes = 256;
+constexpr int32_t kMaxRestNodes = 256;  // looked at for the end of a group
 
 bool isRepeatableGroup(const RxNode& node) {
   return node.code == RX_CAPTURE || node.code == RX_GROUP || node.code == RX_OPTGROUP;
@@ -25,22 +22,22 @@ int32_t afterNode(const RxNode* nodes, int32_t node) {
 
 }  // namespace
 
-bool FirstBytes::ofProgram(uint32_t options) {
+bool FirstBytes::ofProgram(uint32_t options, const RxNode* firstBar) {
   exitOptions = options;
   before_ = Before::kStart;
-  const bool decided = alternatives(0, numNodes_, kTopLevel, options);
-  return decided && (boundarySteps == 0 || findBar(nodes_, 0, numNodes_, kTopLevel) < 0);
+  const bool decided = alternatives(0, firstBar, numNodes_, options);
+  return decided && (boundarySteps == 0 || !firstBar);
 }
 
-bool FirstBytes::alternatives(int32_t first, int32_t end, int32_t serial, uint32_t options) {
-  for (;;) {
-    const int32_t bar = findBar(nodes_, first, end, serial);
+// `bar`: the one behind the first alternative.
+bool FirstBytes::alternatives(int32_t first, const RxNode* bar, int32_t end, uint32_t options) {
+  for (;; bar = nextBar(*bar)) {
     int32_t node = first;
     if (sequence(node, end, options) != Way::kDecided) return false;
-    if (bar < 0) return true;
-    options = static_cast<uint32_t>(nodes_[bar].op2);
+    if (!bar) return true;
+    options = static_cast<uint32_t>(bar->op2);
     leaveOptions(options);
-    first = bar + 1;
+    first = static_cast<int32_t>(bar - nodes_) + 1;
   }
 }
 
@@ -52,7 +49,7 @@ bool FirstBytes::group(int32_t open, uint32_t options) {
   // A repeatable group derives the match length anew when it fails; others put it back.
   const bool entersGroupOutside = entersGroup || isRepeatableGroup(node);
   ++depth_;
-  const bool decided = alternatives(open + 1, open + node.op2 + 1, node.op1, options);
+  const bool decided = alternatives(open + 1, nextBar(node), open + node.op2 + 1, options);
   --depth_;
   entersGroup = entersGroupOutside;
   return decided;

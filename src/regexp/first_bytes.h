@@ -9,6 +9,10 @@
 
 namespace ulk {
 
+// How far the rest of the program is followed. Every repeat asks, so without a bound compiling were
+// quadratic.
+inline constexpr int32_t kMaxRestSteps = 64;
+
 // Follows the program to the items that must match next. Where every way of going on begins with an item that
 // a single byte decides about, an attempt at any other byte fails after a number of steps that the program
 // alone decides.
@@ -16,8 +20,9 @@ class FirstBytes {
  public:
   explicit FirstBytes(const ulkRegExpState& state) : nodes_(state.nodes()), numNodes_(state.numNodes) {}
 
-  // From the start of the program, with all its top-level alternatives. False when no byte decides.
-  bool ofProgram(uint32_t options);
+  // From the start of the program, with all its top-level alternatives, the second of which begins behind
+  // `firstBar` if that is not null. False when no byte decides.
+  bool ofProgram(uint32_t options, const RxNode* firstBar);
 
   // From a node on, out of the groups that it is in as far as they are not repeated. False when no byte
   // decides. `afterWord`: the byte before is known to be a word byte.
@@ -37,7 +42,7 @@ class FirstBytes {
   enum class Way { kDecided, kUndecided, kOpen };
   enum class Before { kStart, kWordByte, kUnknown };
 
-  bool alternatives(int32_t first, int32_t end, int32_t serial, uint32_t options);
+  bool alternatives(int32_t first, const RxNode* bar, int32_t end, uint32_t options);
   Way sequence(int32_t& node, int32_t end, uint32_t& options);
   int32_t groupEnd(int32_t node) const;
   Way assertion(int32_t kind);

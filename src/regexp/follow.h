@@ -24,13 +24,11 @@ struct Follow {
   bool excludes(const MatchContext& m) const { return set && m.at <= m.textEnd && !admits(m, m.at); }
 
   // A try that runs out of budget on its way is made, not paid for.
-  bool canPay(const MatchContext& m, int32_t tries) const {
-    return int64_t{note.steps()} * tries <= m.budget;
-  }
+  bool canPay(const MatchContext& m, int64_t tries) const { return note.steps() * tries <= m.budget; }
 
   void payForTries(MatchContext& m, int32_t tries) const {
     m.budget -= note.steps() * tries;
-    if (note.entersGroup() && tries > 0) m.surplus = 0;
+    if (note.entersGroup() && tries > 0) m.surplus.clear();
   }
 
  private:
@@ -41,11 +39,15 @@ struct Follow {
   }
 };
 
-// For a repeat whose items were taken with these options.
-inline Follow followOf(const MatchContext& m, int32_t quantifier, uint32_t takenWith) {
+inline Follow noFollow(const MatchContext& m, int32_t quantifier) {
+  return {nullptr, nullptr, FollowNote(m.nodes[quantifier].op3)};
+}
+
+// With the options in force, which must be those that the repeat's items were taken with.
+inline Follow followOf(const MatchContext& m, int32_t quantifier) {
   const RxNode& node = m.nodes[quantifier];
   const FollowNote note(node.op3);
-  if (!node.text || note.options() != m.options || takenWith != m.options) return {nullptr, nullptr, note};
+  if (!node.text || (note.options() & kMatcherOptions) != m.options) return noFollow(m, quantifier);
   const RxNode* const next = &node + 1;
   const bool isLiteral =
       quantifier + 1 < m.numNodes && next->code == RX_STRING && !(m.options & RX_OPT_CASELESS);

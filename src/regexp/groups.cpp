@@ -6,12 +6,8 @@
 // the options as the step found them: when everything the step can do has failed, all of them are put back,
 // so that the choices made before find the group as they left it.
 //
-// Most groups are plain: they match once, their body does not refer to them, and the program changes no
-// options. For them the open step remembers all there is to put back, and leaving the group changes nothing
-// that a choice within it could see.
-#include <algorithm>
-#include <cstdlib>
-
+// Most groups are plain (group_links.cpp). For them the open step remembers all there is to put back, and
+// leaving the group changes nothing that a choice within it could see.
 #include "regexp/items.h"
 #include "regexp/matcher.h"
 
@@ -41,97 +37,115 @@ __attribute__((always_inline)) inline Group groupAt(const MatchContext& m, int32
   return {open, end, openNode + 1, endNode, endNode + 2, quantifier.op1, quantifier.op2, lazy};
 }
 
-GroupFrame& frameOf(MatchContext& m, const Group& group) { return m.frames[group.open.op1].group; }
+GroupFrame& frameOf(MatchContext& m, const RxNode& open) { return m.frames[open.op1].group; }
 
-CaptureSlot* slotOf(MatchContext& m, const Group& group) {
-  return group.open.code == RX_CAPTURE ? &m.captures[group.open.op3] : nullptr;
+CaptureSlot* slotOf(MatchContext& m, const RxNode& open) {
+  return open.code == RX_CAPTURE ? &m.captures[open.op3] : nullptr;
 }
 
-// Remembers the group as the step finds it. `kind` says how the step goes on when what it tries now fails.
-Choice& remember(MatchContext& m, const Group& group, ChoiceKind kind, bool further) {
-  const GroupFrame& frame = frameOf(m, group);
-  Choice& choice = m.push(kind);
-  choice.node = group.body - 1;
-  choice.options = static_cast<uint8_t>(m.options);
-  choice.inBody = frame.inBody != 0;
-  choice.further = further;
-  choice.group.minLeft = frame.minLeft;
-  choice.group.maxLeft = frame.maxLeft;
-  choice.group.remainingAtIteration = frame.remainingAtIteration;
-  choice.group.iterationLength = frame.iterationLength;
-  if (const CaptureSlot* slot = slotOf(m, group)) {
-    choice.group.captureLength = slot->length;
-    choice.group.captureAt = slot->length < 0 ? 0 : static_cast<int32_t>(slot->start - m.textStart);
+// A slot as a choice remembers it.
+struct SavedSlot {
+  int32_t at;
+  int32_t length;  // -1: unset
+};
+
+SavedSlot saved(const MatchContext& m, const CaptureSlot& slot) {
+  return {slot.length < 0 ? 0 : static_cast<int32_t>(slot.start - m.textStart), slot.length};
+}
+
+CaptureSlot restored(const MatchContext& m, SavedSlot slot) {
+  return {slot.length < 0 ? nullptr : m.textStart + slot.at, slot.length};
+}
+
+// The group as a step finds it. `kind` says how the step goes on when what it tries now fails.
+GroupChoice remembered(MatchContext& m, const Group& group, ChoiceKind kind, bool further) {
+  const GroupFrame& frame = frameOf(m, group.open);
+  return {{kind, group.body - 1}, m.offset(), further, frame.maxLeft, frame.remainingAtIteration, m.options};
+}
+
+void rememberOpened(MatchContext& m, const Group& group, ChoiceKind kind) {
+  const OpenedChoice opened = {frameOf(m, group.open).minLeft, remembered(m, group, kind, false)};
+  if (const CaptureSlot* const slot = slotOf(m, group.open)) {
+    const SavedSlot before = saved(m, *slot);
+    m.choices.push<OpenedCaptureChoice>() = {before.at, before.length, opened};
+  } else {
+    m.choices.push<OpenedChoice>() = opened;
   }
-  return choice;
 }
 
-void restoreSlot(MatchContext& m, const RxNode& open, int32_t at, int32_t length) {
-  if (open.code == RX_CAPTURE) m.captures[open.op3] = {length < 0 ? nullptr : m.textStart + at, length};
+void rememberFurther(MatchContext& m, const Group& group) {
+  const GroupChoice choice = remembered(m, group, ChoiceKind::kLeft, true);
+  if (const CaptureSlot* const slot = slotOf(m, group.open)) {
+    m.choices.push<FurtherCaptureChoice>() = {saved(m, *slot).at, choice};
+  } else {
+    m.choices.push<GroupChoice>() = choice;
+  }
 }
 
-void restoreSlot(MatchContext& m, const Choice& choice) {
-  restoreSlot(m, m.nodes[choice.node], choice.group.captureAt, choice.group.captureLength);
+// The node that opens the group of this choice, whose tag may tell a bar.
+const RxNode& openOf(const MatchContext& m, const GroupChoice& choice) {
+  const RxNode& node = m.nodes[choice.tag.node()];
+  return node.code == RX_ALT ? m.nodes[m.frames[node.op1].group.openNode] : node;
+}
+
+// The group's slot as it was when the newest choice, which is this group's, was left.
+CaptureSlot slotBefore(const MatchContext& m, const GroupChoice& choice) {
+  if (!choice.further()) {
+    const auto& record = m.choices.top<OpenedCaptureChoice>();
+    return restored(m, {record.captureAt, record.captureLength});
+  }
+  // The capture before reached from where it began to where the iteration that has then ended began.
+  const int32_t at = m.choices.top<FurtherCaptureChoice>().captureAt;
+  const auto end = static_cast<int32_t>(m.textEnd - m.textStart) - choice.remaining();
+  return {m.textStart + at, end - at};
+}
+
+void popGroup(MatchContext& m, const RxNode& open, bool further) {
+  const bool capture = open.code == RX_CAPTURE;
+  if (further) {
+    capture ? m.choices.pop<FurtherCaptureChoice>() : m.choices.pop<GroupChoice>();
+  } else {
+    capture ? m.choices.pop<OpenedCaptureChoice>() : m.choices.pop<OpenedChoice>();
+  }
 }
 
 // The step has failed: the group is put back as it found it.
-Next failGroup(MatchContext& m, const Choice& choice) {
-  GroupFrame& frame = m.frames[m.nodes[choice.node].op1].group;
-  frame.minLeft = choice.group.minLeft;
-  frame.maxLeft = choice.group.maxLeft;
-  frame.remainingAtIteration = choice.group.remainingAtIteration;
-  frame.iterationLength = choice.group.iterationLength;
-  frame.inBody = choice.inBody;
-  restoreSlot(m, choice);
-  m.options = choice.options;
-  m.pop();
+Next failGroup(MatchContext& m, const RxNode& open) {
+  const auto& choice = m.choices.top<GroupChoice>();
+  GroupFrame& frame = frameOf(m, open);
+  frame.minLeft = choice.further() ? frame.minLeft + 1 : m.choices.top<OpenedChoice>().minLeft;
+  frame.maxLeft = choice.maxLeft();
+  frame.remainingAtIteration = choice.remaining();
+  if (CaptureSlot* const slot = slotOf(m, open)) *slot = slotBefore(m, choice);
+  m.options = choice.options();
+  popGroup(m, open, choice.further());
   return Next::kFail;
 }
 
 // Goes on behind the group and its quantifier, with the options in force outside it.
 Next leave(MatchContext& m, const Group& group) {
-  m.options = static_cast<uint32_t>(group.end.op2);
+  m.setOptions(group.end.op2);
   return goOn(m, group.next);
 }
 
-uint32_t bodyOptions(const Group& group, const Choice& choice) {
-  return group.open.code == RX_OPTGROUP ? static_cast<uint32_t>(group.open.op3) : choice.options;
+// Puts the options in force with which an alternative of the group begins; `outside` are those of the step.
+void setBodyOptions(MatchContext& m, const RxNode& open, uint32_t outside) {
+  m.options = outside;
+  if (open.code == RX_OPTGROUP) m.setOptions(open.op3);
 }
 
-Next runAlternative(MatchContext& m, const Group& group, Choice& choice, int32_t first) {
-  choice.kind = ChoiceKind::kAlternative;
-  choice.group.alternative = first;
-  frameOf(m, group).inBody = 1;
+Next runAlternative(MatchContext& m, int32_t barOrOpen, int32_t first) {
+  ChoiceTag& tag = m.choices.tag();
+  tag = {ChoiceKind::kAlternative, barOrOpen};
   return goOn(m, first);
 }
 
 // Runs the first alternative, or the branch that a conditional's condition chooses.
-Next enterBody(MatchContext& m, const Group& group, Choice& choice) {
-  if (group.open.code != RX_COND) return runAlternative(m, group, choice, group.body);
+Next enterBody(MatchContext& m, const Group& group) {
+  if (group.open.code != RX_COND) return runAlternative(m, group.body - 1, group.body);
   const RxNode& condition = m.nodes[group.body];
   if (condition.code != RX_BACKREF) return stepCondition(m, group.body);
-  return branch(m, choice, condition.op1 < m.numCaptures && m.captures[condition.op1].length != -1);
-}
-
-// Whether the repeat can make the run around it match as it stands, whatever its groups have got to.
-bool matchesAtOnce(const RxNode& item, const RxNode& quantifier) {
-  return quantifier.code == RX_REPEAT_LAZY &&
-         (item.code == RX_CODEPOINT || (item.code == RX_END && item.op1 < 0));
-}
-
-// Whether the node opens a group that matches once and that nothing looks at from within.
-bool isPlain(const ulkRegExpState& state, int32_t index) {
-  const RxNode* const nodes = state.nodes();
-  const RxNode& open = nodes[index];
-  if (open.code != RX_CAPTURE && open.code != RX_GROUP) return false;
-  const int32_t end = index + open.op2 + 1;
-  if (end + 1 < state.numNodes && isQuantifier(nodes[end + 1])) return false;
-  if (open.code == RX_GROUP) return true;
-  for (int32_t i = index + 1; i < end; ++i) {
-    if (nodes[i].code == RX_BACKREF && nodes[i].op1 == open.op3) return false;
-    if (matchesAtOnce(nodes[i], nodes[i + 1])) return false;
-  }
-  return true;
+  return branch(m, condition.op1 < m.numCaptures && m.captures[condition.op1].length != -1);
 }
 
 // Finds the first alternative, from the one after this bar or open node on, that a literal does not rule out,
@@ -144,37 +158,64 @@ const RxNode* hopefulAlternative(MatchContext& m, const RxNode* bar) {
   return bar;
 }
 
-Next openPlain(MatchContext& m) {
+const RxNode& openOfPlain(const MatchContext& m, const RxNode& barOrOpen) {
+  return barOrOpen.code == RX_ALT ? m.nodes[m.frames[barOrOpen.op1].group.openNode] : barOrOpen;
+}
+
+// All alternatives of a plain group have failed: goes on without it where it may be left out.
+Next afterAllPlain(MatchContext& m, const RxNode& open) {
+  const int32_t next = nextItem(m.nodes, m.indexOf(&open));
+  const bool optional = m.hasQuantifier(next) && m.nodes[next].code == RX_REPEAT && m.nodes[next].op1 < 1;
+  return optional ? goOn(m, next + 1) : Next::kFail;
+}
+
+// Runs the body of the plain group at m.node.
+Next enterPlain(MatchContext& m) {
   const RxNode& open = m.nodes[m.node];
+  if (open.code == RX_GROUP && open.op3 == kNoChoice) return goOn(m, m.node + 1);
   const RxNode* const first = hopefulAlternative(m, &open);
-  if (first != &open) m.surplus = 0;  // as behind any alternative that has failed
-  if (!first) return Next::kFail;
-  GroupFrame& frame = m.frames[open.op1].group;
-  Choice& choice = m.push(ChoiceKind::kPlain);
-  choice.plain.bar = m.indexOf(first);
-  choice.plain.remainingAtIteration = frame.remainingAtIteration;
-  frame.openNode = m.node;
-  frame.remainingAtIteration = m.remaining();
-  if (open.code == RX_CAPTURE) {
-    CaptureSlot& slot = m.captures[open.op3];
-    choice.plain.captureLength = slot.length;
-    choice.plain.captureAt = slot.length < 0 ? 0 : static_cast<int32_t>(slot.start - m.textStart);
-    slot = {m.at, 0};
+  if (first != &open) m.surplus.clear();  // as behind any alternative that has failed
+  if (!first) return afterAllPlain(m, open);
+  const int32_t running = m.indexOf(first);
+  if (CaptureSlot* const slot = slotOf(m, open)) {
+    GroupFrame& frame = frameOf(m, open);
+    const SavedSlot before = saved(m, *slot);
+    auto& choice = m.push<PlainCaptureChoice>(ChoiceKind::kPlainCapture);
+    choice.captureAt = before.at;
+    choice.captureLength = before.length;
+    choice.remaining = frame.remainingAtIteration;
+    choice.tag.setNode(running);
+    frame.remainingAtIteration = m.remaining();
+    *slot = {m.at, 0};
+  } else {
+    m.push<PlaceChoice>(ChoiceKind::kPlain).tag.setNode(running);
   }
-  return goOn(m, m.indexOf(first) + 1);
+  return goOn(m, running + 1);
+}
+
+Next openPlain(MatchContext& m) {
+  const int32_t next = nextItem(m.nodes, m.node);
+  if (!m.hasQuantifier(next)) return enterPlain(m);
+  const RxNode& quantifier = m.nodes[next];
+  if (quantifier.op2 == 0) return goOn(m, next + 1);
+  if (quantifier.code == RX_REPEAT || quantifier.op1 > 0) return enterPlain(m);
+  m.push<PlaceChoice>(ChoiceKind::kPlainEnter);
+  return goOn(m, next + 1);
 }
 
 Next leavePlain(MatchContext& m, const RxNode& open) {
-  if (open.code == RX_CAPTURE) {
-    const int32_t length = m.frames[open.op1].group.remainingAtIteration - m.remaining();
-    m.captures[open.op3] = {m.at - length, length};
+  if (CaptureSlot* const slot = slotOf(m, open)) {
+    const int32_t length = frameOf(m, open).remainingAtIteration - m.remaining();
+    *slot = {m.at - length, length};
   }
-  return goOn(m, m.node + 1);
+  return goOn(m, m.node + (m.hasQuantifier(m.node + 1) ? 2 : 1));
 }
 
 // Passes over a group that is to be matched no times.
 Next passOver(MatchContext& m, const Group& group) {
-  m.push(ChoiceKind::kOptions).options = static_cast<uint8_t>(m.options);
+  auto& choice = m.choices.push<OptionsChoice>();
+  choice.options = m.options;
+  choice.tag = {ChoiceKind::kOptions, 0};
   return leave(m, group);
 }
 
@@ -186,138 +227,130 @@ int32_t findBar(const RxNode* nodes, int32_t from, int32_t end, int32_t serial) 
   return -1;
 }
 
-void linkGroups(ulkRegExpState& state) {
-  RxNode* const nodes = state.nodes();
-  const bool changesOptions = std::any_of(nodes, nodes + state.numNodes, [](const RxNode& node) {
-    return node.code == RX_OPTIONS || node.code == RX_OPTGROUP;
-  });
-  RxNode* topLevel = nullptr;
-  for (RxNode* node = nodes; node != nodes + state.numNodes; ++node) {
-    // The frame of a group that is still open holds the last node to link its bars to.
-    if (isGroupOpen(*node)) {
-      node->text = nullptr;
-      state.frames[std::abs(node->op1)].group.openNode = static_cast<int32_t>(node - nodes);
-    } else if (node->code == RX_ALT) {
-      node->text = nullptr;
-      if (node->op1 == kTopLevel) {
-        if (topLevel) topLevel->text = node;
-        topLevel = node;
-      } else {
-        int32_t& last = state.frames[std::abs(node->op1)].group.openNode;
-        nodes[last].text = node;
-        last = static_cast<int32_t>(node - nodes);
-      }
-    } else if (node->code == RX_END) {
-      node->text = nullptr;
-    }
-  }
-  if (changesOptions) return;
-  for (int32_t i = 0; i < state.numNodes; ++i)
-    if (isPlain(state, i)) nodes[nextItem(nodes, i) - 1].text = &nodes[i];
-}
-
 Next stepGroupOpen(MatchContext& m) {
-  if (m.nodes[m.node + m.nodes[m.node].op2 + 1].text) return openPlain(m);
+  const RxNode& open = m.nodes[m.node];
+  if (m.nodes[m.node + open.op2 + 1].text) return openPlain(m);
   const Group group = groupAt(m, m.node);
   if (group.most == 0) return passOver(m, group);
 
   const bool mayLeave = group.lazy && group.least < 1;
-  Choice& choice = remember(m, group, mayLeave ? ChoiceKind::kLazyLeave : ChoiceKind::kAlternative, false);
-  GroupFrame& frame = frameOf(m, group);
+  rememberOpened(m, group, mayLeave ? ChoiceKind::kLazyLeave : ChoiceKind::kAlternative);
+  GroupFrame& frame = frameOf(m, open);
   frame.minLeft = group.least;
   frame.maxLeft = group.most;
-  frame.openNode = m.node;
   frame.remainingAtIteration = m.remaining();
-  frame.iterationLength = 0;
   if (mayLeave) return leave(m, group);
 
-  if (CaptureSlot* slot = slotOf(m, group)) *slot = {m.at, 0};
-  m.options = bodyOptions(group, choice);
-  return enterBody(m, group, choice);
+  if (CaptureSlot* const slot = slotOf(m, open)) *slot = {m.at, 0};
+  setBodyOptions(m, open, m.options);
+  return enterBody(m, group);
 }
 
 // What a lazy group tries first, going on behind it, has failed.
-Next retryLazyLeave(MatchContext& m, Choice& choice) {
-  const Group group = groupAt(m, choice.node);
-  m.moveTo(choice.at);
-  m.options = bodyOptions(group, choice);
-  if (CaptureSlot* slot = slotOf(m, group); slot && !choice.further) *slot = {m.at, 0};
-  if (frameOf(m, group).maxLeft < 1) return failGroup(m, choice);
-  return enterBody(m, group, choice);
+Next retryLazyLeave(MatchContext& m) {
+  const auto& choice = m.choices.top<GroupChoice>();
+  const Group group = groupAt(m, choice.tag.node());
+  m.moveTo(choice.at());
+  setBodyOptions(m, group.open, choice.options());
+  if (CaptureSlot* const slot = slotOf(m, group.open); slot && !choice.further()) *slot = {m.at, 0};
+  if (frameOf(m, group.open).maxLeft < 1) return failGroup(m, group.open);
+  return enterBody(m, group);
 }
 
-// Takes the branch that the condition chooses. Without a second branch, a condition that does not hold passes
-// over the group, whose end is not reached.
-Next branch(MatchContext& m, Choice& choice, bool conditionHolds) {
-  const Group group = groupAt(m, choice.node);
+// Without a second branch, a condition that does not hold passes over the group, whose end is not reached.
+Next branch(MatchContext& m, bool conditionHolds) {
+  ChoiceTag& tag = m.choices.tag();
+  const Group group = groupAt(m, tag.node());
   const RxNode& condition = m.nodes[group.body];
   const int32_t first = group.body + (isLookaround(condition) ? condition.op2 + 2 : 1);
-  if (conditionHolds) return runAlternative(m, group, choice, first);
-  const int32_t bar = findBar(m.nodes, first, group.endNode, group.open.op1);
-  if (bar < 0) {
-    choice.kind = ChoiceKind::kLeft;
+  if (conditionHolds) return runAlternative(m, group.body - 1, first);
+  const RxNode* const bar = nextBar(group.open);
+  if (!bar) {
+    tag.setKind(ChoiceKind::kLeft);
     return goOn(m, group.next);
   }
-  m.options = static_cast<uint32_t>(m.nodes[bar].op2);
-  return runAlternative(m, group, choice, bar + 1);
+  m.setOptions(bar->op2);
+  return runAlternative(m, group.body - 1, m.indexOf(bar) + 1);
 }
 
 // An alternative of a plain group has failed.
-Next retryPlain(MatchContext& m, Choice& choice) {
+Next retryPlain(MatchContext& m) {
+  auto& choice = m.choices.top<PlaceChoice>();
+  const RxNode& barOrOpen = m.nodes[choice.tag.node()];
   m.moveTo(choice.at);
-  m.surplus = 0;
-  if (const RxNode* const bar = hopefulAlternative(m, nextBar(m.nodes[choice.plain.bar]))) {
-    choice.plain.bar = m.indexOf(bar);
-    return goOn(m, choice.plain.bar + 1);
+  m.surplus.clear();
+  if (const RxNode* const bar = hopefulAlternative(m, nextBar(barOrOpen))) {
+    choice.tag.setNode(m.indexOf(bar));
+    return goOn(m, m.indexOf(bar) + 1);
   }
-  const RxNode& open = m.nodes[choice.node];
-  m.frames[open.op1].group.remainingAtIteration = choice.plain.remainingAtIteration;
-  restoreSlot(m, open, choice.plain.captureAt, choice.plain.captureLength);
-  m.pop();
-  return Next::kFail;
+  m.choices.pop<PlaceChoice>();
+  return afterAllPlain(m, openOfPlain(m, barOrOpen));
+}
+
+Next retryPlainCapture(MatchContext& m) {
+  auto& choice = m.choices.top<PlainCaptureChoice>();
+  const RxNode& barOrOpen = m.nodes[choice.tag.node()];
+  m.moveTo(choice.at);
+  m.surplus.clear();
+  if (const RxNode* const bar = hopefulAlternative(m, nextBar(barOrOpen))) {
+    choice.tag.setNode(m.indexOf(bar));
+    return goOn(m, m.indexOf(bar) + 1);
+  }
+  const RxNode& open = openOfPlain(m, barOrOpen);
+  frameOf(m, open).remainingAtIteration = choice.remaining;
+  m.captures[open.op3] = restored(m, {choice.captureAt, choice.captureLength});
+  m.choices.pop<PlainCaptureChoice>();
+  return afterAllPlain(m, open);
+}
+
+// What a lazy plain group tries first, going on behind it, has failed.
+Next retryPlainEnter(MatchContext& m) {
+  const auto& choice = m.choices.top<PlaceChoice>();
+  m.moveTo(choice.at);
+  m.node = choice.tag.node();
+  m.choices.pop<PlaceChoice>();
+  return enterPlain(m);
 }
 
 // An alternative has failed.
-Next retryAlternative(MatchContext& m, Choice& choice) {
-  const Group group = groupAt(m, choice.node);
-  GroupFrame& frame = frameOf(m, group);
-  m.moveTo(choice.at);
-  m.surplus = 0;
-  m.options = bodyOptions(group, choice);
-  frame.inBody = 0;
+Next retryAlternative(MatchContext& m) {
+  auto& choice = m.choices.top<GroupChoice>();
+  const RxNode& barOrOpen = m.nodes[choice.tag.node()];
+  const RxNode& open = openOf(m, choice);
+  GroupFrame& frame = frameOf(m, open);
+  m.moveTo(choice.at());
+  m.surplus.clear();
   frame.remainingAtIteration = m.remaining();
 
-  if (group.open.code != RX_COND) {
-    // The node before an alternative's first is the open node or a bar.
-    if (const RxNode* const bar = nextBar(m.nodes[choice.group.alternative - 1])) {
-      m.options = static_cast<uint32_t>(bar->op2);
-      return runAlternative(m, group, choice, m.indexOf(bar) + 1);
+  if (open.code != RX_COND) {
+    if (const RxNode* const bar = nextBar(barOrOpen)) {
+      m.setOptions(bar->op2);
+      return runAlternative(m, m.indexOf(bar), m.indexOf(bar) + 1);
     }
   }
 
-  if (frame.minLeft >= 1 || group.lazy) return failGroup(m, choice);
-  if (!choice.further) restoreSlot(m, choice);
-  choice.kind = ChoiceKind::kLeft;
-  choice.group.alternative = group.endNode;  // all of them have been tried
+  const Group group = groupAt(m, m.indexOf(&open));
+  if (frame.minLeft >= 1 || group.lazy) return failGroup(m, open);
+  if (CaptureSlot* const slot = slotOf(m, open); slot && !choice.further()) *slot = slotBefore(m, choice);
+  choice.tag = {choice.further() ? ChoiceKind::kGaveUp : ChoiceKind::kLeft, group.body - 1};
   return leave(m, group);
 }
 
 // Nothing more can be tried. When a further iteration of a group whose body is one repeat of one character
 // has failed, what is left of the earlier iterations' choices may be followed by one more iteration only:
 // trying all divisions of the text into iterations would take exponential time.
-Next retryLeft(MatchContext& m, Choice& choice) {
-  const RxNode& open = m.nodes[choice.node];
-  const int32_t end = choice.node + open.op2 + 1;
-  const bool prune =
-      choice.further && choice.group.alternative == end && m.nodes[end].op3 == kRepeatMarkRepeated;
-  failGroup(m, choice);
-  if (prune) m.frames[open.op1].group.maxLeft = 2;
+Next retryLeft(MatchContext& m) {
+  const ChoiceTag tag = m.choices.tag();
+  const RxNode& open = m.nodes[tag.node()];
+  failGroup(m, open);
+  const RxNode& end = m.nodes[nextItem(m.nodes, m.indexOf(&open)) - 1];
+  if (tag.kind() == ChoiceKind::kGaveUp && end.op3 == kRepeatMarkRepeated) frameOf(m, open).maxLeft = 2;
   return Next::kFail;
 }
 
-Next retryOptions(MatchContext& m, Choice& choice) {
-  m.options = choice.options;
-  m.pop();
+Next retryOptions(MatchContext& m) {
+  m.options = m.choices.top<OptionsChoice>().options;
+  m.choices.pop<OptionsChoice>();
   return Next::kFail;
 }
 
@@ -326,36 +359,29 @@ Next stepGroupEnd(MatchContext& m) {
   if (const void* open = m.nodes[m.node].text) return leavePlain(m, *static_cast<const RxNode*>(open));
   GroupFrame& frame = m.frames[m.nodes[m.node].op1].group;
   const Group group = groupAt(m, frame.openNode);
-  Choice& choice = remember(m, group, ChoiceKind::kLeft, true);
-  choice.group.alternative = group.body;
+  rememberFurther(m, group);
 
   const int32_t consumed = frame.remainingAtIteration - m.remaining();
   frame.remainingAtIteration = m.remaining();
-  frame.iterationLength += consumed;
-  if (frame.inBody) {
-    frame.inBody = 0;
-    --frame.maxLeft;
-    --frame.minLeft;
-    frame.iterationLength = consumed;
-  }
-  if (CaptureSlot* slot = slotOf(m, group)) *slot = {m.at - frame.iterationLength, frame.iterationLength};
+  --frame.maxLeft;
+  --frame.minLeft;
+  if (CaptureSlot* const slot = slotOf(m, group.open)) *slot = {m.at - consumed, consumed};
 
   // An empty iteration ends the loop, however often the group is still to be matched.
-  if ((frame.maxLeft < 1 && !group.lazy) || frame.iterationLength == 0) return leave(m, group);
+  if ((frame.maxLeft < 1 && !group.lazy) || consumed == 0) return leave(m, group);
   if (group.lazy && frame.minLeft < 1) {
-    choice.kind = ChoiceKind::kLazyLeave;
+    m.choices.tag().setKind(ChoiceKind::kLazyLeave);
     return leave(m, group);
   }
-  m.options = bodyOptions(group, choice);
-  return enterBody(m, group, choice);
+  setBodyOptions(m, group.open, m.options);
+  return enterBody(m, group);
 }
 
 // The end of an alternative: of the current run's, or of a group's that then ends.
 Next stepBar(MatchContext& m) {
   const int32_t serial = m.nodes[m.node].op1;
   if (serial < 1) return Next::kMatched;
-  const int32_t openNode = m.frames[serial].group.openNode;
-  m.node = openNode + m.nodes[openNode].op2 + 1;
+  m.node = nextItem(m.nodes, m.frames[serial].group.openNode) - 1;
   return stepGroupEnd(m);
 }
 

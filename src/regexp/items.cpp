@@ -3,26 +3,12 @@
 #include <cstring>
 
 #include "regexp/bytes.h"
+#include "regexp/class_sets.h"
 #include "unicode/unicode.h"
 
 namespace ulk {
 
 namespace {
-
-bool rangeAccepts(const RxNode& member, Utf8Char character, uint8_t byte, uint32_t options) {
-  const int32_t low = member.op1;
-  const int32_t high = member.op2;
-  if (character.length == 1 && low < 256 && high < 256) {
-    const auto inRange = [&](int32_t c) { return low <= c && c <= high; };
-    if (inRange(byte)) return true;
-    return (options & RX_OPT_CASELESS) && isAsciiLetter(byte) && inRange(byte ^ 0x20);
-  }
-  if (options & RX_OPT_CASELESS) {
-    const int32_t folded = foldCase(character.value);
-    return foldCase(low) <= folded && folded <= foldCase(high);
-  }
-  return low <= character.value && character.value <= high;
-}
 
 int32_t charTypeLength(const RxNode& item, const uint8_t* at, uint32_t options) {
   if (!inByteSet(*at, byteSetOf(item.op1, options))) return kNoMatch;
@@ -30,8 +16,7 @@ int32_t charTypeLength(const RxNode& item, const uint8_t* at, uint32_t options) 
 }
 
 int32_t classLength(const RxNode& item, const uint8_t* at, uint32_t options) {
-  if (*at < 0x80) return classAcceptsByte(item, *at, options) ? 1 : kNoMatch;
-  const Utf8Char character = decodeMultibyte(at);
+  const Utf8Char character = decodeUtf8(at);
   return classAccepts(item, character, *at, options) ? character.length : kNoMatch;
 }
 
@@ -62,34 +47,13 @@ bool propertyAccepts(const RxNode& node, int32_t codePoint) {
       return acceptsCategory(codePoint, static_cast<uint32_t>(node.op1), node.op2 != 0);
     case RX_UNIRANGE:
       return (node.op1 <= codePoint && codePoint <= node.op2) != (node.op3 != 0);
-    case RX_SCRIPT:
-      return inRanges(codePoint, static_cast<const CodePointRange*>(node.text), node.op3) != (node.op2 != 0);
+    case RX_SCRIPT: {
+      const auto first = static_cast<int32_t>(static_cast<const CodePointRange*>(node.text)->first);
+      return (scriptOf(codePoint) == scriptOf(first)) != (node.op2 != 0);
+    }
     default:
       return false;
   }
-}
-
-bool memberAccepts(const RxNode& member, Utf8Char character, uint8_t byte, uint32_t options) {
-  const int32_t byteOrCodePoint = character.length == 1 ? byte : character.value;
-  switch (member.code) {
-    case RX_CHAR:
-      return sameByte(member.op1, byteOrCodePoint, options) != (member.op3 != 0);
-    case RX_RANGE:
-      return rangeAccepts(member, character, byte, options) != (member.op3 != 0);
-    case RX_CHARTYPE:
-      return inByteSet(byte, byteSetOf(member.op1, options)) != (member.op3 != 0);
-    case RX_CODEPOINT:
-      return codePointAccepts(member, character.value, options) != (member.op3 != 0);
-    default:
-      return propertyAccepts(member, character.value);
-  }
-}
-
-bool classAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options) {
-  const RxNode* member = &header + 1;
-  const RxNode* const end = member + header.op2;
-  while (member != end && !memberAccepts(*member, character, byte, options)) ++member;
-  return (member != end) != (header.op1 != 0);
 }
 
 int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at) {

@@ -21,15 +21,6 @@ inline bool isItem(const RxNode& node) {
 // read on inside a UTF-8 sequence that the text's end cuts.
 int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at);
 
-// The set of single bytes that the class accepts, null if it has none for these options.
-inline const ByteSet256* classSet(const RxNode& header, uint32_t options) {
-  const bool madeForThese = header.op3 == static_cast<int32_t>(options & RX_OPT_CASELESS);
-  return madeForThese ? static_cast<const ByteSet256*>(header.text) : nullptr;
-}
-
-// Whether the class accepts a character that is this single byte.
-inline bool classAcceptsByte(const RxNode& header, uint8_t byte, uint32_t options);
-
 // The index of the node after the item, where its quantifier stands if it has one.
 inline int32_t afterItem(const MatchContext& m, int32_t item) {
   const RxNode& node = m.nodes[item];
@@ -43,21 +34,10 @@ inline bool failsAtLiteral(const MatchContext& m, int32_t node) {
   return itemLength(m, item, m.at) == kNoMatch;
 }
 
-// Whether the class accepts a character; `byte` is its first byte.
-bool classAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options);
-
-// One class member's answer, its own negation included.
-bool memberAccepts(const RxNode& member, Utf8Char character, uint8_t byte, uint32_t options);
-
 // Whether a code-point node accepts a character, without a member's negation.
 bool codePointAccepts(const RxNode& node, int32_t codePoint, uint32_t options);
 
 // Whether a category, range or script node accepts a character.
 bool propertyAccepts(const RxNode& node, int32_t codePoint);
-
-inline bool classAcceptsByte(const RxNode& header, uint8_t byte, uint32_t options) {
-  if (const ByteSet256* set = classSet(header, options)) return set->contains(byte);
-  return classAccepts(header, {byte < 0x80 ? byte : byte - 256, 1}, byte, options);
-}
 
 }  // namespace ulk

@@ -1,6 +1,6 @@
 #include "regexp/matcher.h"
 
-#include <cstring>
+#include <cstddef>
 
 #include "regexp/bytes.h"
 #include "regexp/items.h"
@@ -9,13 +9,17 @@ namespace ulk {
 
 namespace {
 
-// Choices that a search starts with, on the stack of every call, and the most that it can have. Each step
-// leaves at most one choice, but for conditions in lookarounds, which nest at most as deep as groups do. So a
-// search at the default limit never comes to the end of them; one with a higher limit that does is out of
-// budget.
-constexpr int32_t kShallowChoices = 64;
-constexpr int32_t kDeepChoices = kDefaultMatchLimit + kMaxSerial;
-constexpr int32_t kMargin = 4;  // a step or a retry leaves fewer
+// The memory for choices. A search starts on a little; one that needs more goes on where there is enough for
+// the default limit, if no more is left of its own limit, and else on as much as a thread can be expected to
+// have.
+//
+// A step leaves one choice of 28 bytes at most, and a run's larger one is dropped when the run ends; runs
+// nest at most as deep as groups do. So within the default limit the memory suffices; a search with a higher
+// limit that comes to the end of it is out of budget.
+constexpr size_t kShallow = 2048;
+constexpr size_t kDefault = kDefaultMatchLimit * 28 + kMaxDepth * kLargestChoice + kShallow;
+constexpr size_t kDeep = size_t{800} << 10;
+constexpr size_t kMargin = 4;  // a step or a retry leaves fewer records
 
 enum class Outcome { kMatch, kNoMatch, kOutOfChoices };
 
@@ -74,7 +78,7 @@ Next stepItem(MatchContext& m) {
 }
 
 Next stepOptions(MatchContext& m) {
-  m.options = static_cast<uint32_t>(m.nodes[m.node].op1);
+  m.setOptions(m.nodes[m.node].op1);
   return goOn(m, m.node + 1);
 }
 
@@ -123,39 +127,45 @@ Next step(MatchContext& m) {
 }
 
 Next retry(MatchContext& m) {
-  Choice& choice = m.top();
-  switch (choice.kind) {
+  switch (m.choices.tag().kind()) {
     case ChoiceKind::kGreedyBytes:
     case ChoiceKind::kGreedyChars:
     case ChoiceKind::kGreedySequences:
     case ChoiceKind::kGreedyBackref:
-      return retryGreedy(m, choice);
+      return retryGreedy(m);
     case ChoiceKind::kLazy:
-      return retryLazy(m, choice);
+      return retryLazy(m);
     case ChoiceKind::kLazyCodePoint:
-      return retryLazyCodePoint(m, choice);
+      return retryLazyCodePoint(m);
     case ChoiceKind::kLazyProperty:
-      return retryLazyProperty(m, choice);
+      return retryLazyProperty(m);
     case ChoiceKind::kPlain:
-      return retryPlain(m, choice);
+      return retryPlain(m);
+    case ChoiceKind::kPlainCapture:
+      return retryPlainCapture(m);
+    case ChoiceKind::kPlainEnter:
+      return retryPlainEnter(m);
     case ChoiceKind::kAlternative:
-      return retryAlternative(m, choice);
+      return retryAlternative(m);
     case ChoiceKind::kLazyLeave:
-      return retryLazyLeave(m, choice);
+      return retryLazyLeave(m);
     case ChoiceKind::kLeft:
-      return retryLeft(m, choice);
+    case ChoiceKind::kGaveUp:
+      return retryLeft(m);
     case ChoiceKind::kOptions:
-      return retryOptions(m, choice);
+      return retryOptions(m);
     case ChoiceKind::kLookaround:
-      return retryLookaround(m, choice);
+      return retryLookaround(m);
     case ChoiceKind::kCondition:
-      return retryCondition(m, choice);
+      return retryCondition(m);
     case ChoiceKind::kAtomic:
-      return retryAtomic(m, choice);
+      return retryAtomic(m);
     case ChoiceKind::kAtomicLazy:
-      return retryAtomicLazy(m, choice);
+      return retryAtomicLazy(m);
     case ChoiceKind::kAtomicIteration:
-      return retryAtomicIteration(m, choice);
+      return retryAtomicIteration(m);
+    case ChoiceKind::kSurplus:
+      return retrySurplus(m);
   }
   return Next::kFail;
 }
@@ -164,11 +174,11 @@ Outcome run(MatchContext& m, Next next) {
   for (;;) {
     switch (next) {
       case Next::kGoOn:
-        if (m.numChoices > m.maxChoices - kMargin && m.budget >= 0) return Outcome::kOutOfChoices;
+        if (!m.choices.hasRoomFor(kMargin) && m.budget >= 0) return Outcome::kOutOfChoices;
         next = step(m);
         break;
       case Next::kFail:
-        if (m.numChoices == 0) return Outcome::kNoMatch;
+        if (m.choices.empty()) return Outcome::kNoMatch;
         next = retry(m);
         break;
       case Next::kMatched:
@@ -179,13 +189,12 @@ Outcome run(MatchContext& m, Next next) {
   }
 }
 
-// Goes on with all the choices that there can be. They stay in the frame of this one function, so that the
-// ordinary search never touches that much stack.
-__attribute__((noinline)) Outcome runDeep(MatchContext& m) {
-  Choice choices[kDeepChoices + kMargin];
-  std::memcpy(choices, m.choices, sizeof(Choice) * static_cast<size_t>(m.numChoices));
-  m.choices = choices;
-  m.maxChoices = kDeepChoices + kMargin;
+// Goes on with that much memory for choices. It stays in the frame of this one function, so that the ordinary
+// search never touches so much stack.
+template <size_t kSize>
+__attribute__((noinline)) Outcome runIn(MatchContext& m) {
+  alignas(RunChoice) std::byte memory[kSize];
+  m.choices.moveTo(memory, kSize);
   Outcome outcome = run(m, Next::kGoOn);
   if (outcome == Outcome::kOutOfChoices) {
     m.budget = -1;
@@ -197,12 +206,12 @@ __attribute__((noinline)) Outcome runDeep(MatchContext& m) {
 }  // namespace
 
 bool rxMatch(MatchContext& m) {
-  Choice choices[kShallowChoices];
-  m.choices = choices;
-  m.numChoices = 0;
-  m.maxChoices = kShallowChoices;
+  alignas(RunChoice) std::byte memory[kShallow];
+  m.choices = {};
+  m.choices.use(memory, kShallow);
   Outcome outcome = run(m, Next::kGoOn);
-  if (outcome == Outcome::kOutOfChoices) outcome = runDeep(m);
+  if (outcome == Outcome::kOutOfChoices)
+    outcome = m.budget <= kDefaultMatchLimit ? runIn<kDefault>(m) : runIn<kDeep>(m);
   return outcome == Outcome::kMatch;
 }
 

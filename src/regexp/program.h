@@ -18,6 +18,9 @@ enum RxOption : uint32_t {
   RX_OPT_GLOBAL = 16,    // g: find or replace all matches; only in the options string
 };
 
+// Those that the matcher looks at.
+inline constexpr uint32_t kMatcherOptions = RX_OPT_DOTALL | RX_OPT_MULTILINE | RX_OPT_CASELESS;
+
 // Every node code with its operands. The codes are contiguous, so that code - RX_CHAR is a dense index.
 enum RxCode : uint32_t {
   RX_CHAR = 0x10000000,  // op1 byte; op3 options of a top-level literal, or the negation of a class member
@@ -50,6 +53,10 @@ enum RxCode : uint32_t {
   kRxCodeEnd             // one past the last code
 };
 
+// Until the program is finished, this stands where a group was opened that says no more than its body: op1
+// simpleWidth of the body, 2 for all above 1; op2 its length in nodes; op3 how many of them are no gaps.
+inline constexpr uint32_t kGap = kRxCodeEnd;
+
 inline constexpr int32_t kUnbounded = 0x3FFFFFFF;  // the maximum of "*"; no bound ever exceeds it
 inline constexpr int32_t kMaxBound = 65535;        // the largest bound that can be written in braces
 inline constexpr int32_t kLeadingDotStar = 128;    // RX_ASSERT operand: at the text start or after a newline
@@ -80,6 +87,21 @@ inline int32_t nextItem(const RxNode* nodes, int32_t i) {
   const RxNode& node = nodes[i];
   if (isGroupOpen(node)) return i + node.op2 + 2;
   return node.code == RX_CLASS ? i + node.op2 + 1 : i + 1;
+}
+
+// The options in force after the node, in the order of the pattern.
+inline uint32_t optionsAfter(const RxNode& node, uint32_t options) {
+  switch (node.code) {
+    case RX_OPTIONS:
+      return static_cast<uint32_t>(node.op1);
+    case RX_OPTGROUP:
+      return static_cast<uint32_t>(node.op3);
+    case RX_ALT:
+    case RX_END:
+      return static_cast<uint32_t>(node.op2);
+    default:
+      return options;
+  }
 }
 
 // Fixed width in characters of nodes[first, last), or -1 when its alternatives differ. For a range without

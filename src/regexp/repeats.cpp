@@ -8,6 +8,7 @@
 #include "kernels/find_unit.h"
 #include "regexp/byte_sets.h"
 #include "regexp/bytes.h"
+#include "regexp/class_sets.h"
 #include "regexp/follow.h"
 #include "regexp/items.h"
 #include "regexp/matcher.h"
@@ -65,7 +66,7 @@ int32_t takeBytes(MatchContext& m, const RxNode& item, int32_t most) {
 int32_t takeItems(MatchContext& m, const RxNode& item, int32_t most) {
   const uint32_t options = m.options;
   if (isOneByte(item, options)) return takeBytes(m, item, most);
-  const ByteSet256* const set = item.code == RX_CLASS ? classSet(item, options) : nullptr;
+  const Set128* const set = item.code == RX_CLASS ? classSet(item, options) : nullptr;
   if (set) return takeCharacters(m, item, most, [set](uint8_t byte) { return set->contains(byte); });
   if (item.code == RX_CHARTYPE) {
     const uint8_t wanted = byteSetOf(item.op1, options);
@@ -112,71 +113,106 @@ const uint8_t* previousSequence(const uint8_t* from, const uint8_t* at) {
   return at;
 }
 
+// The word that a greedy repeat's record begins with, unless it gives back bytes.
+int32_t& startOf(GreedyChoice& choice) {
+  return (reinterpret_cast<GreedyItemsChoice*>(&choice + 1) - 1)->start;
+}
+
+void popGreedy(MatchContext& m) {
+  if (m.choices.tag().kind() == ChoiceKind::kGreedyBytes) {
+    m.choices.pop<GreedyChoice>();
+  } else {
+    m.choices.pop<GreedyItemsChoice>();
+  }
+}
+
 // Takes back the last of the items.
-void giveBack(const MatchContext& m, Choice& choice) {
-  const uint8_t* const from = m.textStart + choice.greedy.startAt;
+void giveBack(const MatchContext& m, GreedyChoice& choice) {
   const uint8_t* const at = m.textStart + choice.at;
-  switch (choice.kind) {
+  switch (choice.tag.kind()) {
     case ChoiceKind::kGreedyBytes:
       --choice.at;
       break;
     case ChoiceKind::kGreedyChars:
-      choice.at = static_cast<int32_t>(previousCharacter(from, at) - m.textStart);
+      choice.at = m.offsetOf(previousCharacter(m.textStart + startOf(choice), at));
       break;
     case ChoiceKind::kGreedySequences:
-      choice.at = static_cast<int32_t>(previousSequence(from, at) - m.textStart);
+      choice.at = m.offsetOf(previousSequence(m.textStart + startOf(choice), at));
       break;
     default:
-      choice.at -= choice.greedy.itemLength;
+      choice.at -= static_cast<uint32_t>(startOf(choice));
       break;
   }
-  --choice.greedy.spare;
+  choice.spare += -1;
 }
 
 // Takes back items until what follows may begin where the repeat then ends. False when it cannot.
-bool giveBackToFollow(MatchContext& m, Choice& choice, const Follow& follow) {
-  const int32_t spare = choice.greedy.spare;
+bool giveBackToFollow(MatchContext& m, GreedyChoice& choice, const Follow& follow) {
+  const int32_t spare = choice.spare.number();
   bool found = false;
   if (follow.note.disjoint()) {
-    choice.greedy.spare = 0;  // wherever the repeat ends earlier, one of its items is next
-  } else if (choice.kind == ChoiceKind::kGreedyBytes) {
+    choice.spare.setNumber(0);  // wherever the repeat ends earlier, one of its items is next
+  } else if (choice.tag.kind() == ChoiceKind::kGreedyBytes) {
     const uint8_t* at = m.textStart + choice.at;
     const uint8_t* const least = at - spare;
     while (at > least && !found) found = follow.admits(m, --at);
-    choice.at = static_cast<int32_t>(at - m.textStart);
-    choice.greedy.spare = static_cast<int32_t>(at - least);
+    choice.at = m.offsetOf(at);
+    choice.spare.setNumber(static_cast<int32_t>(at - least));
   } else {
-    while (choice.greedy.spare > 0 && !found) {
+    while (choice.spare.number() > 0 && !found) {
       giveBack(m, choice);
       found = follow.admits(m, m.textStart + choice.at);
     }
   }
-  follow.payForTries(m, spare - choice.greedy.spare - (found ? 1 : 0));
+  follow.payForTries(m, spare - choice.spare.number() - (found ? 1 : 0));
   return found;
+}
+
+// Leaves the choice of a greedy repeat that began at `start` and has taken `count` items.
+GreedyChoice& pushGreedy(MatchContext& m, const RxNode& item, const uint8_t* start, int32_t count) {
+  const auto length = static_cast<int32_t>(m.at - start);
+  const ChoiceKind kind = greedyKind(item, length == count);
+  if (kind == ChoiceKind::kGreedyBytes) return m.push<GreedyChoice>(kind);
+  GreedyItemsChoice& choice = m.choices.push<GreedyItemsChoice>();
+  choice.start = item.code == RX_BACKREF ? length / count : static_cast<int32_t>(start - m.textStart);
+  choice.greedy.at = m.offset();
+  choice.greedy.tag = {kind, m.node};
+  return choice.greedy;
+}
+
+// Gives back as much as the next try needs, and makes it.
+Next retryGreedyWith(MatchContext& m, GreedyChoice& choice, const Follow& follow) {
+  if (!follow.set || !follow.canPay(m, choice.spare.number())) {
+    giveBack(m, choice);
+  } else if (!giveBackToFollow(m, choice, follow)) {
+    popGreedy(m);
+    return Next::kFail;
+  }
+  m.moveTo(choice.at);
+  const int32_t next = choice.tag.node() + 1;
+  if (choice.spare.number() == 0) popGreedy(m);
+  return goOn(m, next);
 }
 
 Next stepGreedy(MatchContext& m, const RxNode& item, int32_t quantifier) {
   const RxNode& bounds = m.nodes[quantifier];
   const int32_t least = bounds.op1;
   const int32_t most = std::min(bounds.op2, m.remaining());
-  const int32_t start = m.offset();
+  const uint8_t* const start = m.at;
   const int32_t count = takeItems(m, item, std::max(least, most));
   if (count < least) return Next::kFail;
 
-  m.node = quantifier + 1;
   const int32_t spare = count - least;
-  if (spare == 0) return Next::kGoOn;
+  if (spare == 0) return goOn(m, quantifier + 1);
   // At the program's end nothing can make the repeat give back.
-  if (m.node == m.endNode && m.run == kNoRun && !m.nonEmpty && m.budget >= 0) return Next::kMatched;
-  Choice& choice = m.push(ChoiceKind::kGreedyBytes);
-  const int32_t length = choice.at - start;
-  choice.kind = greedyKind(item, length == count);
-  choice.options = static_cast<uint8_t>(m.options);
-  choice.greedy = {start, item.code == RX_BACKREF ? length / count : 0, spare};
-  const Follow follow = followOf(m, quantifier, m.options);
-  if (!follow.excludes(m) || !follow.canPay(m, spare + 1)) return Next::kGoOn;
+  if (quantifier + 1 == m.endNode && m.run == kNoRun && !m.nonEmpty && m.budget >= 0) return Next::kMatched;
+  m.node = quantifier;
+  const Follow follow = followOf(m, quantifier);
+  GreedyChoice& choice = pushGreedy(m, item, start, count);
+  choice.spare = {spare, follow.set != nullptr};
+  if (!follow.excludes(m) || !follow.canPay(m, int64_t{spare} + 1)) return goOn(m, quantifier + 1);
   follow.payForTries(m, 1);
-  return retryGreedy(m, choice);
+  return retryGreedyWith(m, choice, follow);
 }
 
 // A lazy repeat of one byte looks for the literal that follows it before it tries anything, and places
@@ -187,30 +223,33 @@ bool looksForLiteral(const MatchContext& m, const RxNode& item, int32_t next) {
 }
 
 // The repeat has no choice left.
-Next fail(MatchContext& m) {
-  m.pop();
+Next failRepeat(MatchContext& m) {
+  m.choices.pop<LazyChoice>();
   return Next::kFail;
 }
 
-// The bytes of a lazy repeat of one byte stay counted in the match length when it fails in the end.
-Next failLazy(MatchContext& m, const Choice& choice) {
-  if (m.nodes[choice.node].code == RX_CHAR) m.surplus += choice.lazy.count;
-  return fail(m);
+// The bytes that a lazy repeat of one byte has taken stay counted when it finally fails: callers know the
+// lengths that come of it.
+Next failLazy(MatchContext& m, LazyChoice& choice) {
+  if (m.nodes[choice.tag.node()].code == RX_CHAR) m.surplus += choice.count.number();
+  return failRepeat(m);
 }
 
-bool takeOneMore(MatchContext& m, Choice& choice, const RxNode& item) {
-  if (choice.lazy.count >= choice.lazy.most) return false;
+bool takeOneMore(MatchContext& m, LazyChoice& choice, const RxNode& item) {
+  if (choice.count.number() >= choice.most) return false;
   const int32_t length = itemLength(m, item, m.at);
   if (length == kNoMatch) return false;
   m.at += length;
-  ++choice.lazy.count;
+  choice.count += 1;
   return true;
 }
 
+int32_t stillAllowed(const LazyChoice& choice) { return choice.most - choice.count.number(); }
+
 // Takes items of one byte as long as what follows cannot begin before them, and pays for the tries.
-void takeHopelessItems(MatchContext& m, Choice& choice, const RxNode& item, const Follow& follow) {
+void takeHopelessItems(MatchContext& m, LazyChoice& choice, const RxNode& item, const Follow& follow) {
   const int32_t affordable = m.budget / follow.note.steps();
-  const int32_t most = std::min({choice.lazy.most - choice.lazy.count, m.remaining(), affordable});
+  const int32_t most = std::min({stillAllowed(choice), m.remaining(), affordable});
   const uint8_t* const end = m.at + std::max(most, 0);
   const auto take = [&](auto accepts) {
     const uint8_t* at = m.at;
@@ -218,7 +257,7 @@ void takeHopelessItems(MatchContext& m, Choice& choice, const RxNode& item, cons
     return static_cast<int32_t>(at - m.at);
   };
   int32_t taken = 0;
-  const ByteSet256* const set = item.code == RX_CLASS ? classSet(item, m.options) : nullptr;
+  const Set128* const set = item.code == RX_CLASS ? classSet(item, m.options) : nullptr;
   if (set) {
     taken = take([set](uint8_t byte) { return set->contains(byte); });
   } else if (item.code == RX_CHARTYPE) {
@@ -226,15 +265,15 @@ void takeHopelessItems(MatchContext& m, Choice& choice, const RxNode& item, cons
     taken = take([wanted](uint8_t byte) { return inByteSet(byte, wanted); });
   }
   m.at += taken;
-  choice.lazy.count += taken;
+  choice.count += taken;
   follow.payForTries(m, taken);
 }
 
 // Takes items of one byte up to the next place of the literal. False if they do not reach one.
-bool takeToLiteral(MatchContext& m, Choice& choice, const RxNode& item, int32_t literal) {
+bool takeToLiteral(MatchContext& m, LazyChoice& choice, const RxNode& item, int32_t literal) {
   const auto atLiteral = [&] { return m.at < m.textEnd && *m.at == literal; };
   if (atLiteral()) return true;
-  const int32_t most = choice.lazy.most - choice.lazy.count;
+  const int32_t most = stillAllowed(choice);
   int32_t taken = 0;
   if (item.code == RX_CHAR) {
     taken = takeItems(m, item, most);
@@ -245,22 +284,27 @@ bool takeToLiteral(MatchContext& m, Choice& choice, const RxNode& item, int32_t 
     taken = found < 0 ? std::min(left, most) : found;
     m.at += taken;
   }
-  choice.lazy.count += taken;
+  choice.count += taken;
   return atLiteral();
 }
 
 // Without budget nothing can be tried any more; the items are still counted.
-Next exhaustLazy(MatchContext& m, Choice& choice, const RxNode& item) {
-  if (item.code == RX_CHAR) choice.lazy.count += takeItems(m, item, choice.lazy.most - choice.lazy.count);
+Next exhaustLazy(MatchContext& m, LazyChoice& choice, const RxNode& item) {
+  if (item.code == RX_CHAR) choice.count += takeItems(m, item, stillAllowed(choice));
   return failLazy(m, choice);
+}
+
+Follow followOf(const MatchContext& m, const LazyChoice& choice, int32_t quantifier) {
+  return choice.count.flag() ? ulk::followOf(m, quantifier) : noFollow(m, quantifier);
 }
 
 // Tries what follows the repeat at the present count, or at the next one where it may be tried and can
 // succeed.
-Next continueLazy(MatchContext& m, Choice& choice) {
-  const RxNode& item = m.nodes[choice.node];
-  const int32_t next = afterItem(m, choice.node) + 1;
-  const Follow follow = followOf(m, next - 1, choice.options);
+Next continueLazy(MatchContext& m, LazyChoice& choice) {
+  const int32_t node = choice.tag.node();
+  const RxNode& item = m.nodes[node];
+  const int32_t next = afterItem(m, node) + 1;
+  const Follow follow = followOf(m, choice, next - 1);
   if (follow.set && m.budget > 0) takeHopelessItems(m, choice, item, follow);
   const bool looks = looksForLiteral(m, item, next);
   for (;;) {
@@ -275,57 +319,66 @@ Next continueLazy(MatchContext& m, Choice& choice) {
 }
 
 // Takes the character at the position into a lazy repeat of code points or properties.
-bool takeCharacter(MatchContext& m, Choice& choice, Utf8Char character) {
+bool takeCharacter(MatchContext& m, LazyChoice& choice, Utf8Char character) {
   m.at += character.length;
-  return ++choice.lazy.count <= choice.lazy.most && m.at <= m.textEnd;
+  choice.count += 1;
+  return choice.count.number() <= choice.most && m.at <= m.textEnd;
+}
+
+// The character that a lazy code point looks at. Behind the end of the text no more is read than it takes to
+// tell whether it is that code point: nothing of several bytes is ASCII.
+Utf8Char characterFor(const MatchContext& m, const RxNode& item) {
+  const bool isAscii = item.op1 >= 0 && item.op1 < 0x80 && !(m.options & RX_OPT_CASELESS);
+  if (isAscii && m.at == m.textEnd) return {static_cast<int8_t>(*m.at), 1};
+  return decodeUtf8(m.at);
 }
 
 // A lazy code point looks at the character first, also at the end of the text: one that differs makes the run
 // match as it stands, whatever follows in the program.
-Next continueLazyCodePoint(MatchContext& m, Choice& choice) {
+Next continueLazyCodePoint(MatchContext& m, LazyChoice& choice) {
+  const int32_t node = choice.tag.node();
   for (;;) {
-    const Utf8Char character = decodeUtf8(m.at);
-    if (!codePointAccepts(m.nodes[choice.node], character.value, m.options)) return Next::kMatched;
+    const RxNode& item = m.nodes[node];
+    const Utf8Char character = characterFor(m, item);
+    if (!codePointAccepts(item, character.value, m.options)) return Next::kMatched;
     if (m.budget >= 0) {
       choice.at = m.offset();
-      return goOn(m, choice.node + 2);
+      return goOn(m, node + 2);
     }
-    if (!takeCharacter(m, choice, character)) return fail(m);
+    if (!takeCharacter(m, choice, character)) return failRepeat(m);
   }
 }
 
 // A lazy property takes every character, but tries what follows only before one that has the property.
-Next continueLazyProperty(MatchContext& m, Choice& choice) {
+Next continueLazyProperty(MatchContext& m, LazyChoice& choice) {
+  const int32_t node = choice.tag.node();
   for (;;) {
     const Utf8Char character = decodeUtf8(m.at);
-    if (m.budget < 0) return fail(m);
-    if (propertyAccepts(m.nodes[choice.node], character.value)) {
+    if (m.budget < 0) return failRepeat(m);
+    if (propertyAccepts(m.nodes[node], character.value)) {
       choice.at = m.offset();
-      return goOn(m, choice.node + 2);
+      return goOn(m, node + 2);
     }
-    if (!takeCharacter(m, choice, character)) return fail(m);
+    if (!takeCharacter(m, choice, character)) return failRepeat(m);
   }
 }
 
-// Stands for the options of a lazy repeat's items when they were not taken with the same ones.
-constexpr uint8_t kMixedOptions = 0xFF;
-
-Next stepLazy(MatchContext& m, const RxNode& item, const RxNode& quantifier) {
-  const int32_t least = quantifier.op1;
-  const int32_t most = std::min(quantifier.op2, m.remaining());
+Next stepLazy(MatchContext& m, const RxNode& item, int32_t quantifier) {
+  const int32_t least = m.nodes[quantifier].op1;
+  const int32_t most = std::min(m.nodes[quantifier].op2, m.remaining());
   if (least > m.remaining() || !takeRequiredItems(m, item, least)) return Next::kFail;
-  Choice& choice = m.push(ChoiceKind::kLazy);
-  choice.options = static_cast<uint8_t>(m.options);
-  choice.lazy = {least, most};
+  LazyChoice& choice = m.push<LazyChoice>(ChoiceKind::kLazy);
+  choice.most = most;
+  choice.count = {least, ulk::followOf(m, quantifier).set != nullptr};
   switch (item.code) {
     case RX_CODEPOINT:
-      choice.kind = ChoiceKind::kLazyCodePoint;
-      return m.at <= m.textEnd ? continueLazyCodePoint(m, choice) : fail(m);
+      choice.tag.setKind(ChoiceKind::kLazyCodePoint);
+      return m.at <= m.textEnd ? continueLazyCodePoint(m, choice) : failRepeat(m);
     case RX_CATEGORY:
     case RX_UNIRANGE:
     case RX_SCRIPT:
-      choice.kind = ChoiceKind::kLazyProperty;
-      return m.at <= m.textEnd ? continueLazyProperty(m, choice) : fail(m);
+      choice.tag.setKind(ChoiceKind::kLazyProperty);
+      return m.at <= m.textEnd ? continueLazyProperty(m, choice) : failRepeat(m);
     default:
       return continueLazy(m, choice);
   }
@@ -334,39 +387,39 @@ Next stepLazy(MatchContext& m, const RxNode& item, const RxNode& quantifier) {
 }  // namespace
 
 Next stepRepeat(MatchContext& m, int32_t item, int32_t quantifier) {
-  const RxNode& node = m.nodes[quantifier];
-  if (node.code == RX_REPEAT_LAZY) return stepLazy(m, m.nodes[item], node);
+  if (m.nodes[quantifier].code == RX_REPEAT_LAZY) return stepLazy(m, m.nodes[item], quantifier);
   return stepGreedy(m, m.nodes[item], quantifier);
 }
 
-Next retryGreedy(MatchContext& m, Choice& choice) {
-  if (m.budget < 0) return fail(m);
-  const Follow follow = followOf(m, choice.node - 1, choice.options);
-  if (!follow.set || !follow.canPay(m, choice.greedy.spare)) {
-    giveBack(m, choice);
-  } else if (!giveBackToFollow(m, choice, follow)) {
-    return fail(m);
+Next retryGreedy(MatchContext& m) {
+  auto& choice = m.choices.top<GreedyChoice>();
+  if (m.budget < 0) {
+    popGreedy(m);
+    return Next::kFail;
   }
-  m.moveTo(choice.at);
-  if (choice.greedy.spare == 0) m.pop();
-  return goOn(m, choice.node);
+  const int32_t quantifier = choice.tag.node();
+  return retryGreedyWith(m, choice, choice.spare.flag() ? followOf(m, quantifier) : noFollow(m, quantifier));
 }
 
-Next retryLazy(MatchContext& m, Choice& choice) {
-  if (choice.options != m.options) choice.options = kMixedOptions;
-  const RxNode& item = m.nodes[choice.node];
+Next retryLazy(MatchContext& m) {
+  auto& choice = m.choices.top<LazyChoice>();
+  const int32_t node = choice.tag.node();
+  if (choice.count.flag() && !ulk::followOf(m, afterItem(m, node)).set) choice.count.setFlag(false);
   m.moveTo(choice.at);
-  return takeOneMore(m, choice, item) ? continueLazy(m, choice) : failLazy(m, choice);
+  return takeOneMore(m, choice, m.nodes[node]) ? continueLazy(m, choice) : failLazy(m, choice);
 }
 
-Next retryLazyCodePoint(MatchContext& m, Choice& choice) {
+Next retryLazyCodePoint(MatchContext& m) {
+  auto& choice = m.choices.top<LazyChoice>();
   m.moveTo(choice.at);
-  return takeCharacter(m, choice, decodeUtf8(m.at)) ? continueLazyCodePoint(m, choice) : fail(m);
+  const Utf8Char character = characterFor(m, m.nodes[choice.tag.node()]);
+  return takeCharacter(m, choice, character) ? continueLazyCodePoint(m, choice) : failRepeat(m);
 }
 
-Next retryLazyProperty(MatchContext& m, Choice& choice) {
+Next retryLazyProperty(MatchContext& m) {
+  auto& choice = m.choices.top<LazyChoice>();
   m.moveTo(choice.at);
-  return takeCharacter(m, choice, decodeUtf8(m.at)) ? continueLazyProperty(m, choice) : fail(m);
+  return takeCharacter(m, choice, decodeUtf8(m.at)) ? continueLazyProperty(m, choice) : failRepeat(m);
 }
 
 }  // namespace ulk

@@ -8,6 +8,7 @@
 
 #include "frame/export.h"
 #include "frame/primitives.h"
+#include "regexp/lengths.h"
 #include "regexp/replace_template.h"
 #include "regexp/search.h"
 #include "regexp/state.h"
@@ -16,6 +17,7 @@ using namespace ulk;
 
 namespace {
 
+// Bytes of the source or the template; none where the length is below 1, wherever they were to begin.
 struct Piece {
   const uint8_t* text;
   int64_t length;
@@ -44,6 +46,7 @@ class Replacement {
 
   int64_t expand(const ulkRegExpFind* records, int32_t numRecords, int64_t room);
   Piece pieceOf(const ReplaceItem& item, const ulkRegExpFind* records) const;
+  Piece sourceFrom(int64_t begin, int64_t end) const;
   void write(Piece piece, int64_t position);
 
   const uint8_t* const source_;
@@ -61,6 +64,12 @@ Piece Replacement::pieceOf(const ReplaceItem& item, const ulkRegExpFind* records
   if (record.lenFound < 1) return {record.pFound, record.lenFound};
   const int64_t reach = source_ + length_ - record.pFound;
   return {record.pFound, std::clamp<int64_t>(reach, 0, record.lenFound)};
+}
+
+// The source between two places. A match may reach beyond it, and so may a place that is made from its
+// length.
+Piece Replacement::sourceFrom(int64_t begin, int64_t end) const {
+  return {begin < end ? source_ + begin : nullptr, end - begin};
 }
 
 // Bytes that would come before the destination are dropped.
@@ -97,7 +106,7 @@ Progress Replacement::copy() {
 Progress Replacement::replaceFirst(const ulkRegExpFind* records, int32_t numRecords) {
   const int64_t before = records[0].pFound - source_;
   const int64_t matchEnd = before + records[0].lenFound;
-  const Piece tail = {source_ + matchEnd, length_ - matchEnd};
+  const Piece tail = sourceFrom(matchEnd, length_);
   if (before > 0 && before >= capacity_) return {0, 0};
   write({source_, before}, 0);
   written_ = before;
@@ -121,7 +130,7 @@ Progress Replacement::replaceAll(const ulkRegExpFind* records, int32_t numRecord
     const int64_t matchStart = records[i].pFound - source_;
     // After an empty match, one may be found inside the character that the last one has taken: the gap is
     // negative.
-    const Piece gap = {source_ + used, matchStart - used};
+    const Piece gap = sourceFrom(used, matchStart);
     if (gap.length != 0) {
       if (gap.length >= capacity_ - written_) return {used, written_};
       write(gap, written_);
@@ -133,7 +142,7 @@ Progress Replacement::replaceAll(const ulkRegExpFind* records, int32_t numRecord
     written_ += expanded;
     used = matchStart + records[i].lenFound;
   }
-  const Piece tail = {source_ + used, length_ - used};
+  const Piece tail = sourceFrom(used, length_);
   if (tail.length >= capacity_ - written_) return {used, written_};
   write(tail, written_);
   return {tail.length, written_ + tail.length};
@@ -159,7 +168,7 @@ ULK_EXPORT ulkStatus ULK_CALL ulksRegExpReplace_8u(const uint8_t* pSrc, int32_t*
   const int32_t numRecords = rxFindForReplace(pSrc, *pSrcLen, pRegExpState, pFind, pNumFind);
   const Progress progress =
       Replacement(pSrc, *pSrcLen, pDst, *pDstLen, *pReplaceState).run(pFind, numRecords, *pRegExpState);
-  *pSrcLen = static_cast<int32_t>(progress.source);
-  *pDstLen = static_cast<int32_t>(progress.destination);
+  *pSrcLen = saturated(progress.source);
+  *pDstLen = saturated(progress.destination);
   return ulkOk;
 }

@@ -67,7 +67,7 @@ class Search {
         end_(text + cutAtTrailingLiteral(state, text, length)) {
     m_.node = 0;
     m_.endNode = state.numNodes;
-    m_.options = state.options;
+    m_.options = state.options & kMatcherOptions;
     m_.budget = state.matchLimit;
     m_.nonEmpty = false;
     m_.numCaptures = state.numCaptures;
@@ -114,7 +114,7 @@ const uint8_t* Search::nextStart(const uint8_t* at) const {
 
 bool Search::matchAlternative(int32_t first) {
   m_.at = m_.matchStart;
-  m_.surplus = 0;
+  m_.surplus.clear();
   m_.node = first;
   m_.run = kNoRun;
   if (first < m_.numNodes && failsAtLiteral(m_, first)) {
@@ -132,7 +132,7 @@ bool Search::matchAt(const uint8_t* start) {
   const int32_t firstBar = startFilterOf(state_).firstBar;
   const RxNode* bar = firstBar < 0 ? nullptr : m_.nodes + firstBar;
   for (; bar; bar = nextBar(*bar)) {
-    m_.options = static_cast<uint32_t>(bar->op2);
+    m_.setOptions(bar->op2);
     if (matchAlternative(m_.indexOf(bar) + 1)) return true;
   }
   return false;
@@ -182,6 +182,7 @@ ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords, bool whol
     if (outOfBudget()) return ulkErrMatchLimit;
 
     const CaptureSlot match = state_.captures[0];
+    if (!staysInText(match.start, match.length, end_)) break;
     start = match.start + std::max(match.length, 1);
     if (match.length != 0 || numWritten_ >= lastFit || match.start >= end_) continue;
 

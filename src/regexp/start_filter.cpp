@@ -101,6 +101,9 @@ bool beginsWithLiterals(const ulkRegExpState& state, const StartFilter& filter) 
   const RxNode* const nodes = state.nodes();
   const Alternatives ways = firstAlternatives(nodes, state.numNodes, filter.firstBar);
   if (filter.item >= 0 || !ways.firstBar || !isLiteral(state, ways.first)) return false;
+  // All of them are compared with the options that the attempt begins with.
+  const auto changesOptions = [](const RxNode& node) { return node.code == RX_OPTIONS; };
+  if (std::any_of(nodes, nodes + ways.first, changesOptions)) return false;
   if (filter.firstBar < 0) {
     // A group that may be left out is not the only beginning.
     const int32_t next = nextItem(nodes, ways.first - 1);
@@ -172,11 +175,12 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
 
   // An option change at the start is in force from the second attempt on; the filter is for those.
   FirstBytes items(state);
-  if (!hasFrames || !items.ofProgram(state.options)) return filter;
+  const RxNode* const firstBar = filter.firstBar < 0 ? nullptr : nodes + filter.firstBar;
+  if (!hasFrames || !items.ofProgram(state.options, firstBar)) return filter;
   filter.options = static_cast<uint8_t>(items.exitOptions);
   if (filter.options != state.options) {
     items = FirstBytes(state);
-    if (!items.ofProgram(filter.options) || items.exitOptions != filter.options) return filter;
+    if (!items.ofProgram(filter.options, firstBar) || items.exitOptions != filter.options) return filter;
   }
   filter.steps = items.steps;
   filter.boundarySteps = items.boundarySteps;
@@ -198,11 +202,11 @@ Alternatives firstAlternatives(const RxNode* nodes, int32_t numNodes, int32_t fi
   return {first, firstBar < 0 ? nullptr : &nodes[firstBar]};
 }
 
-void prepareSearch(ulkRegExpState& state) {
+void prepareSearch(ulkRegExpState& state, SpareWords spare) {
   SpareFrames frames(state);
   const bool hasFrames = frames.take() == kStartSetFrame && frames.take() == kStartPairFrame;
   linkGroups(state);
-  makeClassSets(state, frames);
+  makeClassSets(state, spare);
   makeFollowSets(state, frames);
   state.frames[0].start = filterFor(state, hasFrames);
 }

@@ -8,12 +8,13 @@
 
 #include <cstdint>
 
+#include "regexp/class_sets.h"
 #include "regexp/state.h"
 
 namespace ulk {
 
 // Makes what searching needs besides the program; the last step of every compile.
-void prepareSearch(ulkRegExpState& state);
+void prepareSearch(ulkRegExpState& state, SpareWords spare);
 
 inline const StartFilter& startFilterOf(const ulkRegExpState& state) { return state.frames[0].start; }
 

@@ -23,7 +23,14 @@ size_t asciiPrefix(const uint8_t* text, size_t length) {
   return i;
 }
 
-constexpr ptrdiff_t kStride = 4096;  // how far to look before paying, lest a small budget reads a long text
+// How far to look before paying, lest a small budget reads a long text. A search for a string has to set up
+// and to look beyond the stride as well, so a long one takes longer strides.
+constexpr ptrdiff_t kStride = 4096;
+
+ptrdiff_t strideOf(const ulkRegExpState& state, const StartFilter& filter) {
+  const bool isString = filter.kind == StartKind::kString || filter.kind == StartKind::kCaselessString;
+  return isString ? std::max<ptrdiff_t>(kStride, 4 * ptrdiff_t{state.nodes()[filter.item].op2}) : kStride;
+}
 
 bool isQuantified(const ulkRegExpState& state, int32_t item) {
   const int32_t next = nextItem(state.nodes(), item);
@@ -44,6 +51,7 @@ Starts::Starts(MatchContext& m, const ulkRegExpState& state)
       filter_(startFilterOf(state)),
       set_(state.frames[kStartSetFrame].bytes),
       pair_(state.frames[kStartPairFrame].pair),
+      stride_(strideOf(state, filter_)),
       beginsWithItem_(filter_.item >= 0 && !isQuantified(state, filter_.item)),
       ways_(firstAlternatives(state.nodes(), state.numNodes, filter_.firstBar)),
       asciiEnd_(nullptr),
@@ -61,7 +69,7 @@ const uint8_t* Starts::characterAfter(const uint8_t* at) const {
 // Where the ASCII text ends that begins at this place, or how far that is known.
 const uint8_t* Starts::asciiEnd(const uint8_t* at) {
   if (asciiEnd_ <= at)
-    asciiEnd_ = at + asciiPrefix(at, static_cast<size_t>(std::min(m_.textEnd - at, kStride)));
+    asciiEnd_ = at + asciiPrefix(at, static_cast<size_t>(std::min(m_.textEnd - at, stride_)));
   return asciiEnd_;
 }
 
@@ -211,8 +219,8 @@ int32_t Starts::hopelessSteps(const uint8_t* at) const {
 // run where the program may go on fail, each after trying to go on from every place between. Passes over them
 // when `at` is one of them; otherwise notes up to where there is something to try.
 const uint8_t* Starts::passRun(const uint8_t* at) {
-  constexpr int64_t kPlenty = 1 << 17;  // so many tries exhaust every budget
-  const Follow follow = followOf(m_, filter_.run, m_.options);
+  constexpr int64_t kPlenty = 1 << 17;  // the sum of the tries of so many attempts exhausts every budget
+  const Follow follow = followOf(m_, filter_.run);
   if (at >= runEnd_) {
     runEnd_ = at;
     while (runEnd_ < m_.textEnd && *runEnd_ < 0x80 && set_.contains(*runEnd_)) ++runEnd_;
@@ -235,8 +243,12 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
     return at;
   }
   const int64_t attempts = boundary ? 1 : end - at;
-  const int64_t tries = std::clamp<int64_t>(end - at - least + 1, 0, kPlenty);
-  pay(attempts * filter_.steps + (boundary ? tries : tries * (tries + 1) / 2) * follow.note.steps());
+  int64_t tries = std::max<int64_t>(end - at - least + 1, 0);
+  if (!boundary) {
+    tries = std::min(tries, kPlenty);
+    tries = tries * (tries + 1) / 2;
+  }
+  pay(attempts * filter_.steps + tries * follow.note.steps());
   return at + attempts;
 }
 
@@ -295,7 +307,7 @@ bool Starts::passPairless(const uint8_t*& at, const uint8_t* end) {
 const uint8_t* Starts::skip(const uint8_t* at) {
   constexpr ptrdiff_t kNear = 8;
   while (at < m_.textEnd && m_.budget >= 0) {
-    const uint8_t* const end = at + std::min(m_.textEnd - at, kStride);
+    const uint8_t* const end = at + std::min(m_.textEnd - at, stride_);
     if (filter_.kind == StartKind::kBoundary) {
       at = passNonBoundaries(at, end);
       if (at >= end) continue;

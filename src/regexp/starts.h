@@ -18,7 +18,9 @@ class Starts {
   // The first position from `at` on that needs an attempt, at most the text's end; pays for those before it.
   // Where the budget does not suffice, it is exhausted and the position returned does not matter.
   const uint8_t* next(const uint8_t* at) {
-    if (at < attemptsEnd_ || filter_.kind == StartKind::kAny || filter_.options != m_.options) return at;
+    if (at < attemptsEnd_ || filter_.kind == StartKind::kAny ||
+        (filter_.options & kMatcherOptions) != m_.options)
+      return at;
     return skip(at);
   }
 
@@ -47,6 +49,7 @@ class Starts {
   const StartFilter& filter_;
   const ByteSet256& set_;
   const StartPair& pair_;
+  const ptrdiff_t stride_;
   const bool beginsWithItem_;  // that every match begins with, once
   const Alternatives ways_;
   const uint8_t* asciiEnd_;     // of the ASCII text that was looked at last

@@ -27,19 +27,26 @@ struct CaptureSlot {
   int32_t length;
 };
 
-// The iteration bookkeeping of one group, indexed by the group's serial. Lookarounds and atomic groups never
-// use theirs.
+// The iteration bookkeeping of one group, indexed by the group's serial. Lookarounds and atomic groups use
+// only the first field of theirs.
 struct GroupFrame {
+  int32_t openNode;              // index of the group's open node; written by the compiler
   int32_t minLeft;               // iterations still required
   int32_t maxLeft;               // iterations still allowed
-  int32_t openNode;              // index of the group's open node
   int32_t remainingAtIteration;  // text left when the current iteration began
-  int32_t captureNumber;         // not needed: the open node tells the capture slot
-  int32_t inBody;                // 1 while an iteration's body is running
-  int32_t undo;  // not needed: a failed group-end step puts its frame back whole, so nothing is uncounted
-  int32_t iterationLength;  // bytes consumed by the current iteration
+  int32_t unused[4];
 };
 static_assert(sizeof(GroupFrame) == 32);
+
+// What the linking of a program knows of a group, indexed in the same way (group_links.cpp). The first field
+// stays when the group's frame takes the place.
+struct OpenGroupLink {
+  int32_t open;  // index of its open node
+  int32_t last;  // and of its last bar so far, else the same
+  int32_t numAtOnce;
+  bool isOpen;  // the end has not been reached
+  bool refersToItself;
+};
 
 // A set of bytes, one bit each.
 struct ByteSet256 {
@@ -95,6 +102,7 @@ inline constexpr int32_t kStartPairFrame = kNumFrames - 2;
 // last frame down.
 union WorkFrame {
   GroupFrame group;
+  OpenGroupLink link;
   ByteSet256 bytes;
   StartFilter start;
   StartPair pair;

@@ -12,49 +12,55 @@ namespace ulk {
 
 namespace {
 
-// Starts a run of the group's body at m.at. The choice keeps the place of the step itself.
-Next startRun(MatchContext& m, ChoiceKind kind, int32_t first, int32_t endNode, const uint8_t* bodyAt) {
-  Choice& choice = m.push(kind);
-  choice.options = static_cast<uint8_t>(m.options);
-  choice.run.alternative = first;
-  choice.run.endNode = m.endNode;
-  choice.run.outerRun = m.run;
-  choice.run.surplus = m.surplus;
-  choice.run.bodyAt = static_cast<int32_t>(bodyAt - m.textStart);
-  m.run = m.numChoices - 1;
+// Starts a run of the group's body at `bodyAt`. The choice keeps the place of the step itself.
+RunChoice& startRun(MatchContext& m, ChoiceKind kind, int32_t first, int32_t endNode, const uint8_t* bodyAt) {
+  const uint32_t run = m.choices.used();
+  auto& choice = m.push<RunChoice>(kind);
+  choice.options = m.options;
+  choice.bar = first - 1;
+  choice.endNode = m.endNode;
+  choice.outerRun = m.run;
+  choice.surplus = m.surplus;
+  choice.bodyAt = m.offsetOf(bodyAt);
+  m.run = run;
   m.endNode = endNode;
-  m.surplus += choice.at - choice.run.bodyAt;  // going back does not shorten the match
+  m.surplus += m.at - bodyAt;  // going back does not shorten the match
   m.at = bodyAt;
-  return goOn(m, first);
+  m.node = first;
+  return choice;
 }
 
-// Ends the run of this choice: position, match length and options are those of the step again.
-void endRun(MatchContext& m, const Choice& choice) {
-  m.numChoices = m.run;
-  m.endNode = choice.run.endNode;
-  m.run = choice.run.outerRun;
-  m.surplus = choice.run.surplus;
+// Ends the current run: position, match length and options are those of the step again.
+RunChoice endRun(MatchContext& m) {
+  const RunChoice choice = m.choices.at<RunChoice>(m.run);
+  m.choices.cutBack(m.run);
+  m.endNode = choice.endNode;
+  m.run = choice.outerRun;
+  m.surplus = choice.surplus;
   m.options = choice.options;
-  m.node = choice.node;
+  m.node = choice.tag.node();
   m.moveTo(choice.at);
+  return choice;
 }
 
 // Runs the next alternative of the body. False when there is none.
-bool startNextAlternative(MatchContext& m, Choice& choice) {
-  const RxNode& open = m.nodes[choice.node];
-  const int32_t bar = findBar(m.nodes, choice.run.alternative, choice.node + open.op2 + 1, open.op1);
-  if (bar < 0) return false;
-  choice.run.alternative = bar + 1;
-  m.options = static_cast<uint32_t>(m.nodes[bar].op2);
-  m.surplus = choice.run.surplus + choice.at - choice.run.bodyAt;
-  m.moveTo(choice.run.bodyAt);
-  m.node = bar + 1;
+bool startNextAlternative(MatchContext& m) {
+  auto& choice = m.choices.at<RunChoice>(m.run);
+  const RxNode* const bar = nextBar(m.nodes[choice.bar]);
+  if (!bar) return false;
+  choice.bar = m.indexOf(bar);
+  m.setOptions(bar->op2);
+  m.surplus = choice.surplus;
+  m.surplus += int64_t{choice.at} - choice.bodyAt;
+  m.moveTo(choice.bodyAt);
+  m.node = choice.bar + 1;
   return true;
 }
 
 Next startLookaround(MatchContext& m, const uint8_t* bodyAt) {
   const int32_t end = m.node + m.nodes[m.node].op2 + 1;
-  return startRun(m, ChoiceKind::kLookaround, m.node + 1, end, bodyAt);
+  startRun(m, ChoiceKind::kLookaround, m.node + 1, end, bodyAt);
+  return Next::kGoOn;
 }
 
 bool isNegative(const RxNode& lookaround) {
@@ -101,9 +107,9 @@ Atomic atomicAt(const MatchContext& m, int32_t openNode) {
 Next greedyIteration(MatchContext& m, int32_t minLeft, int32_t maxLeft) {
   const Atomic group = atomicAt(m, m.node);
   if (maxLeft < 1) return goOn(m, group.next);
-  startRun(m, ChoiceKind::kAtomic, m.node + 1, group.end, m.at);
-  m.top().run.minLeft = minLeft;
-  m.top().run.maxLeft = maxLeft;
+  RunChoice& choice = startRun(m, ChoiceKind::kAtomic, m.node + 1, group.end, m.at);
+  choice.minLeft = minLeft;
+  choice.maxLeft = maxLeft;
   return Next::kGoOn;
 }
 
@@ -114,32 +120,37 @@ Next lazyIteration(MatchContext& m, int32_t minLeft, int32_t maxLeft) {
 // Goes on after the group first if it has been matched often enough.
 Next lazyTurn(MatchContext& m, int32_t minLeft, int32_t maxLeft) {
   if (minLeft > 0) return lazyIteration(m, minLeft, maxLeft);
-  Choice& choice = m.push(ChoiceKind::kAtomicLazy);
-  choice.run.minLeft = minLeft;
-  choice.run.maxLeft = maxLeft;
+  auto& choice = m.push<AtomicChoice>(ChoiceKind::kAtomicLazy);
+  choice.minLeft = minLeft;
+  choice.maxLeft = maxLeft;
   return goOn(m, atomicAt(m, m.node).next);
+}
+
+// Goes on behind what an iteration has consumed, which may be said to be more than there is text.
+void passConsumed(MatchContext& m, int32_t consumed) {
+  if (!staysInText(m.at, consumed, m.textEnd)) {
+    auto& choice = m.choices.push<SurplusChoice>();
+    choice.surplus = m.surplus;
+    choice.tag = {ChoiceKind::kSurplus, 0};
+  }
+  m.at = endOfLength(m.at, consumed, m.textEnd, m.surplus);
 }
 
 // An iteration has matched up to m.at. What it consumed is read from the match length, and never less than
 // nothing.
-Next leaveAtomic(MatchContext& m, const Choice& choice) {
-  const int32_t begun = choice.at - static_cast<int32_t>(m.matchStart - m.textStart) + choice.run.surplus;
-  const int32_t consumed = std::max(m.matchLength() - begun, 0);
-  const int32_t minLeft = choice.run.minLeft;
-  const int32_t maxLeft = choice.run.maxLeft;
-  endRun(m, choice);
+Next leaveAtomic(MatchContext& m) {
+  const int32_t length = m.matchLength();
+  const RunChoice choice = endRun(m);
+  const int32_t consumed = saturated(int64_t{length} - m.matchLength());
   const Atomic group = atomicAt(m, m.node);
-  if (consumed == 0) {
+  if (consumed < 1) {
     // A lazy group's empty iteration makes the run around it match as it stands.
     return group.lazy ? Next::kMatched : goOn(m, group.next);
   }
-  if (group.lazy) {
-    m.at += consumed;
-    return lazyTurn(m, minLeft - 1, maxLeft - 1);
-  }
-  if (minLeft < 1) m.push(ChoiceKind::kAtomicIteration);
-  m.at += consumed;
-  return greedyIteration(m, minLeft - 1, maxLeft - 1);
+  if (!group.lazy && choice.minLeft < 1) m.push<PlaceChoice>(ChoiceKind::kAtomicIteration);
+  passConsumed(m, consumed);
+  return group.lazy ? lazyTurn(m, choice.minLeft - 1, choice.maxLeft - 1)
+                    : greedyIteration(m, choice.minLeft - 1, choice.maxLeft - 1);
 }
 
 }  // namespace
@@ -148,14 +159,15 @@ Next stepLookahead(MatchContext& m) { return startLookaround(m, m.at); }
 
 Next stepLookbehind(MatchContext& m) {
   const RxNode& open = m.nodes[m.node];
-  if (m.offset() < open.op3) return assertLookaround(m, isNegative(open));
+  if (int64_t{m.offset()} < open.op3) return assertLookaround(m, isNegative(open));
   return startLookaround(m, lookbehindStart(m, open.op3));
 }
 
 // Runs the lookaround that is the condition of the conditional whose choice is the newest one.
 Next stepCondition(MatchContext& m, int32_t lookaround) {
   m.node = lookaround;
-  return startRun(m, ChoiceKind::kCondition, lookaround, lookaround + m.nodes[lookaround].op2 + 2, m.at);
+  startRun(m, ChoiceKind::kCondition, lookaround, nextItem(m.nodes, lookaround), m.at);
+  return Next::kGoOn;
 }
 
 Next stepAtomic(MatchContext& m) {
@@ -168,53 +180,55 @@ Next stepAtomic(MatchContext& m) {
 
 // The current run has matched.
 Next leaveRun(MatchContext& m) {
-  const Choice& choice = m.choices[m.run];
-  switch (choice.kind) {
+  switch (m.choices.at<RunChoice>(m.run).tag.kind()) {
     case ChoiceKind::kAtomic:
-      return leaveAtomic(m, choice);
-    case ChoiceKind::kCondition: {
-      endRun(m, choice);
-      return branch(m, m.top(), true);
-    }
-    default: {
-      endRun(m, choice);
+      return leaveAtomic(m);
+    case ChoiceKind::kCondition:
+      endRun(m);
+      return branch(m, true);
+    default:
+      endRun(m);
       return assertLookaround(m, !isNegative(m.nodes[m.node]));
-    }
   }
 }
 
-Next retryLookaround(MatchContext& m, Choice& choice) {
-  if (startNextAlternative(m, choice)) return Next::kGoOn;
-  endRun(m, choice);
+Next retryLookaround(MatchContext& m) {
+  if (startNextAlternative(m)) return Next::kGoOn;
+  endRun(m);
   return assertLookaround(m, isNegative(m.nodes[m.node]));
 }
 
-Next retryCondition(MatchContext& m, Choice& choice) {
-  endRun(m, choice);
-  return branch(m, m.top(), false);
+Next retryCondition(MatchContext& m) {
+  endRun(m);
+  return branch(m, false);
 }
 
-Next retryAtomic(MatchContext& m, Choice& choice) {
-  if (startNextAlternative(m, choice)) return Next::kGoOn;
-  endRun(m, choice);
+Next retryAtomic(MatchContext& m) {
+  if (startNextAlternative(m)) return Next::kGoOn;
+  const RunChoice choice = endRun(m);
   const Atomic group = atomicAt(m, m.node);
-  return group.lazy || choice.run.minLeft > 0 ? Next::kFail : goOn(m, group.next);
+  return group.lazy || choice.minLeft > 0 ? Next::kFail : goOn(m, group.next);
 }
 
-Next retryAtomicLazy(MatchContext& m, Choice& choice) {
-  const int32_t minLeft = choice.run.minLeft;
-  const int32_t maxLeft = choice.run.maxLeft;
+Next retryAtomicLazy(MatchContext& m) {
+  const AtomicChoice choice = m.choices.top<AtomicChoice>();
+  m.choices.pop<AtomicChoice>();
   m.moveTo(choice.at);
-  m.node = choice.node;
-  m.pop();
-  return lazyIteration(m, minLeft, maxLeft);
+  m.node = choice.tag.node();
+  return lazyIteration(m, choice.minLeft, choice.maxLeft);
 }
 
-Next retryAtomicIteration(MatchContext& m, Choice& choice) {
+Next retryAtomicIteration(MatchContext& m) {
+  const PlaceChoice choice = m.choices.top<PlaceChoice>();
+  m.choices.pop<PlaceChoice>();
   m.moveTo(choice.at);
-  const int32_t next = atomicAt(m, choice.node).next;
-  m.pop();
-  return goOn(m, next);
+  return goOn(m, atomicAt(m, choice.tag.node()).next);
+}
+
+Next retrySurplus(MatchContext& m) {
+  m.surplus = m.choices.top<SurplusChoice>().surplus;
+  m.choices.pop<SurplusChoice>();
+  return Next::kFail;
 }
 
 }  // namespace ulk

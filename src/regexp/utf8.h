@@ -2,7 +2,6 @@
 // that are characters by themselves.
 #pragma once
 
-#include <bit>
 #include <cstdint>
 
 namespace ulk {
@@ -14,20 +13,19 @@ struct Utf8Char {
 
 inline bool isContinuation(uint8_t byte) { return (byte & 0xC0) == 0x80; }
 
+// The same for a sequence of any length, malformed ones included.
+Utf8Char decodeLongMultibyte(const uint8_t* at);
+
 // The character at `at`, whose first byte is 0x80 or more. Reads on only while bytes are continuation bytes.
 inline Utf8Char decodeMultibyte(const uint8_t* at) {
-  constexpr int32_t kLargest[] = {0x7F, 0x7FF, 0xFFFF, 0x1FFFFF, 0x3FFFFFF};  // that fits one byte less
   const uint8_t lead = *at;
-  const Utf8Char alone{static_cast<int8_t>(lead), 1};
-  const int continuations = std::countl_one(static_cast<uint8_t>(lead << 1));
-  if (continuations == 0 || continuations >= 6) return alone;
-  int32_t value = lead & (0x3F >> continuations);
-  for (int i = 1; i <= continuations; ++i) {
-    if (!isContinuation(at[i])) return alone;
-    value = (value << 6) | (at[i] & 0x3F);
+  if (lead < 0xC2) return {static_cast<int8_t>(lead), 1};  // 0xC0 and 0xC1 would write ASCII in two bytes
+  if (lead < 0xE0 && isContinuation(at[1])) return {(lead & 0x1F) << 6 | (at[1] & 0x3F), 2};
+  if ((lead & 0xF0) == 0xE0 && isContinuation(at[1]) && isContinuation(at[2])) {
+    const int32_t value = (lead & 0xF) << 12 | (at[1] & 0x3F) << 6 | (at[2] & 0x3F);
+    if (value > 0x7FF) return {value, 3};
   }
-  if (value <= kLargest[continuations - 1]) return alone;
-  return {value, continuations + 1};
+  return decodeLongMultibyte(at);
 }
 
 inline Utf8Char decodeUtf8(const uint8_t* at) {

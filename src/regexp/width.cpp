@@ -89,6 +89,10 @@ int64_t simpleWidth(const RxNode* nodes, int32_t first, int32_t last) {
         break;
       case RX_REPEAT:
         break;
+      case kGap:
+        width += node.op1;
+        i += node.op2;
+        break;
       default:
         return -1;
     }

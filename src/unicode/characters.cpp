@@ -5,6 +5,10 @@
 // of its record, one byte, in blocks of 128; equal blocks (most are empty) are kept once. A lookup is three
 // dependent loads, and the tables take 28 KB: 8.5 KB block numbers, 19 KB blocks, 0.7 KB records.
 
+#include <array>
+#include <bit>
+#include <iterator>
+
 #include "unicode/unicode.h"
 
 namespace ulk {
@@ -22,12 +26,14 @@ struct CharacterRecord {
 
 #include "unicode/characters_table.inc"
 
-const CharacterRecord& recordOf(int32_t codePoint) {
-  if (codePoint < 0 || codePoint > kMaxCodePoint) return kRecords[0];
+int32_t recordNumber(int32_t codePoint) {
+  if (codePoint < 0 || codePoint > kMaxCodePoint) return 0;
   constexpr int32_t kBlockSize = 1 << kBlockShift;
   const int32_t start = kBlockOf[codePoint >> kBlockShift] * kBlockSize;
-  return kRecords[kRecordOf[start + codePoint % kBlockSize]];
+  return kRecordOf[start + codePoint % kBlockSize];
 }
+
+const CharacterRecord& recordOf(int32_t codePoint) { return kRecords[recordNumber(codePoint)]; }
 
 // Categories intersect when they are of one major class and one of them is the whole class or they share a
 // subcategory.
@@ -36,14 +42,77 @@ bool intersects(uint32_t category, uint32_t mask) {
   return !(mask & kSubcategoryBits) || (category & mask & kSubcategoryBits);
 }
 
-}  // namespace
-
-bool acceptsCategory(int32_t codePoint, uint32_t mask, bool negated) {
-  const CharacterRecord& record = recordOf(codePoint);
+bool accepts(const CharacterRecord& record, bool beyondLast, uint32_t mask, bool negated) {
   if (record.source != kUnlisted && intersects(record.mask, mask) != negated) return true;
   // A ranged character that was refused goes on as an unassigned one, so \p{Cn} accepts an ideograph. What
   // lies above the last line of the data counts as nothing at all.
-  return record.source != kListed && mask == kUnassigned && codePoint <= kLastListed;
+  return record.source != kListed && mask == kUnassigned && !beyondLast;
+}
+
+// A kind is what accepts() looks at. Above the last line there are two: the ranges of private use and the
+// rest.
+struct Kinds {
+  static constexpr int32_t kPrivateBeyond = 0;
+  static constexpr int32_t kUnlistedBeyond = 1;
+
+  std::array<uint8_t, std::size(kRecords)>
+      of{};  // a record, for code points that are not above the last line
+  std::array<CharacterRecord, kMaxKinds> records{};
+  uint32_t ascii[kMaxKinds][4]{};  // the characters of each kind
+  uint64_t inAscii = 0;            // the kinds that have any
+  int32_t count = 0;
+
+  constexpr Kinds() {
+    add({kRanged, 0x2004, 0});
+    add(kRecords[0]);
+    for (size_t i = 0; i < of.size(); ++i) {
+      int32_t kind = kUnlistedBeyond + 1;
+      while (kind < count && !same(records[static_cast<size_t>(kind)], kRecords[i])) ++kind;
+      if (kind == count) add(kRecords[i]);
+      of[i] = static_cast<uint8_t>(kind);
+    }
+    static_assert(kBlockShift == 7, "ASCII is the first block");
+    for (uint32_t c = 0; c < 0x80; ++c) {
+      const uint8_t kind = of[kRecordOf[kBlockOf[0] * 0x80u + c]];
+      ascii[kind][c >> 5] |= 1u << (c & 31);
+      inAscii |= uint64_t{1} << kind;
+    }
+  }
+
+ private:
+  static constexpr bool same(const CharacterRecord& a, const CharacterRecord& b) {
+    return a.source == b.source && a.mask == b.mask;
+  }
+  constexpr void add(const CharacterRecord& record) { records[static_cast<size_t>(count++)] = record; }
+};
+constexpr Kinds kKinds;
+
+}  // namespace
+
+bool acceptsCategory(int32_t codePoint, uint32_t mask, bool negated) {
+  return accepts(recordOf(codePoint), codePoint > kLastListed, mask, negated);
+}
+
+int32_t kindOf(int32_t codePoint) {
+  const int32_t number = recordNumber(codePoint);
+  if (codePoint <= kLastListed) return kKinds.of[static_cast<size_t>(number)];
+  return kRecords[number].source == kRanged ? Kinds::kPrivateBeyond : Kinds::kUnlistedBeyond;
+}
+
+uint64_t acceptedKinds(uint32_t mask, bool negated) {
+  uint64_t kinds = 0;
+  for (int32_t kind = 0; kind < kKinds.count; ++kind) {
+    const CharacterRecord& record = kKinds.records[static_cast<size_t>(kind)];
+    if (accepts(record, kind <= Kinds::kUnlistedBeyond, mask, negated)) kinds |= uint64_t{1} << kind;
+  }
+  return kinds;
+}
+
+void addAsciiOfKinds(uint64_t kinds, uint32_t (&words)[4]) {
+  for (kinds &= kKinds.inAscii; kinds; kinds &= kinds - 1) {
+    const auto& ascii = kKinds.ascii[std::countr_zero(kinds)];
+    for (int i = 0; i < 4; ++i) words[i] |= ascii[i];
+  }
 }
 
 bool isMark(int32_t codePoint) { return recordOf(codePoint).mask & kMark; }

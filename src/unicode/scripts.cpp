@@ -1,8 +1,12 @@
 // Scripts: for each an ascending array of ranges, exactly as the data file has them, about 1300 ranges or 10
 // KB in all. Neighbouring ranges are not merged, because a compiled expression records how many its script
 // has.
+//
+// No code point is in two scripts, so what a search asks is which one it is in: every code point has the
+// number of its script, one byte, in blocks of 128 as in characters.cpp. Those tables take 25 KB.
 
 #include <cstddef>
+#include <iterator>
 
 #include "unicode/unicode.h"
 
@@ -15,6 +19,8 @@ constexpr Script script(const char* name, const CodePointRange (&ranges)[N]) {
 }
 
 #include "unicode/scripts_table.inc"
+
+static_assert(std::size(kScripts) < kMaxScripts);
 
 bool startsWithName(const char* text, const char* name) {
   while (*name && *text == *name) {
@@ -33,21 +39,11 @@ const Script* findScript(const char* text) {
   return nullptr;
 }
 
-bool inRanges(int32_t codePoint, const CodePointRange* ranges, int32_t numRanges) {
-  const uint32_t wanted = static_cast<uint32_t>(codePoint);  // a negative value lies above every range
-  int32_t low = 0;
-  int32_t high = numRanges;
-  while (low < high) {
-    const int32_t middle = (low + high) / 2;
-    if (wanted < ranges[middle].first) {
-      high = middle;
-    } else if (wanted > ranges[middle].last) {
-      low = middle + 1;
-    } else {
-      return true;
-    }
-  }
-  return false;
+int32_t scriptOf(int32_t codePoint) {
+  if (codePoint < 0 || codePoint > kLastInScript) return 0;
+  constexpr int32_t kBlockSize = 1 << kScriptBlockShift;
+  const int32_t start = kScriptBlockOf[codePoint >> kScriptBlockShift] * kBlockSize;
+  return kNumberOf[start + codePoint % kBlockSize];
 }
 
 }  // namespace ulk

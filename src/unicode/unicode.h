@@ -23,6 +23,15 @@ struct CodePointRange {
 // category that exists.
 bool acceptsCategory(int32_t codePoint, uint32_t mask, bool negated);
 
+// What a category can tell of a code point, as a number below kMaxKinds: code points of one kind are accepted
+// by the same categories, so many categories are tested like one.
+inline constexpr int32_t kMaxKinds = 64;
+int32_t kindOf(int32_t codePoint);
+
+// The kinds that acceptsCategory accepts, one bit each, and the ASCII characters of some kinds.
+uint64_t acceptedKinds(uint32_t mask, bool negated);
+void addAsciiOfKinds(uint64_t kinds, uint32_t (&words)[4]);
+
 // True for a combining mark: Mn, Mc or Me.
 bool isMark(int32_t codePoint);
 
@@ -39,8 +48,9 @@ struct Script {
 // past the first that differs.
 const Script* findScript(const char* text);
 
-// True when codePoint lies in one of the ranges, which are in ascending order and do not overlap.
-bool inRanges(int32_t codePoint, const CodePointRange* ranges, int32_t numRanges);
+// The number of the script that the code point belongs to, below kMaxScripts; 0 if it belongs to none.
+inline constexpr int32_t kMaxScripts = 96;
+int32_t scriptOf(int32_t codePoint);
 
 // The first block, in Unicode's order, whose name ("InBasicLatin") starts with the given text; null if there
 // is none.

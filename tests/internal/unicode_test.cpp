@@ -248,32 +248,51 @@ TEST(Scripts, KnownMembers) {
       {"Hiragana}", 0x3042},
   };
   for (const auto& known : kKnown) {
-    for (const Script& script : allScripts()) {
-      EXPECT_EQ(inRanges(known.codePoint, script.ranges, script.numRanges), &script == findScript(known.name))
-          << std::hex << known.codePoint << " in " << script.name;
-    }
+    const auto first = static_cast<int32_t>(findScript(known.name)->ranges->first);
+    EXPECT_EQ(scriptOf(known.codePoint), scriptOf(first)) << std::hex << known.codePoint;
   }
 }
 
-TEST(Ranges, AgreeWithAWalkAtEveryBound) {
+TEST(Scripts, EveryCodePointHasTheNumberOfTheScriptWhoseRangesHoldIt) {
+  std::vector<int32_t> expected(0x110100, 0);
+  int32_t number = 0;
   for (const Script& script : allScripts()) {
-    const std::span ranges(script.ranges, static_cast<size_t>(script.numRanges));
-    const auto walk = [&](int64_t c) {
-      return std::any_of(ranges.begin(), ranges.end(),
-                         [&](auto range) { return range.first <= c && c <= range.last; });
-    };
-    std::vector<int32_t> bounds = {-1, -128, INT32_MIN, 0x110000, INT32_MAX};
-    for (const CodePointRange& range : ranges) {
-      const auto first = static_cast<int32_t>(range.first);
-      const auto last = static_cast<int32_t>(range.last);
-      bounds.insert(bounds.end(), {first - 1, first, (first + last) / 2, last, last + 1});
-    }
-    for (int32_t c : bounds) {
-      EXPECT_EQ(inRanges(c, script.ranges, script.numRanges), walk(c))
-          << std::hex << c << " in " << script.name;
-    }
+    ++number;
+    for (const CodePointRange& range : std::span(script.ranges, static_cast<size_t>(script.numRanges)))
+      std::fill(expected.begin() + range.first, expected.begin() + range.last + 1, number);
   }
-  EXPECT_FALSE(inRanges('a', nullptr, 0));
+  for (size_t c = 0; c < expected.size(); ++c)
+    ASSERT_EQ(scriptOf(static_cast<int32_t>(c)), expected[c]) << std::hex << c;
+  for (int32_t c : {-1, -128, INT32_MIN, INT32_MAX}) EXPECT_EQ(scriptOf(c), 0);
+}
+
+// All that a category tells of a code point, the kind tells.
+TEST(Categories, AcceptWholeKinds) {
+  struct Kinds {
+    uint32_t mask;
+    bool negated;
+    uint64_t accepted;
+  };
+  std::vector<Kinds> all;
+  for (const Category& category : kCategories)
+    for (const bool negated : {false, true})
+      all.push_back({category.mask, negated, acceptedKinds(category.mask, negated)});
+  const auto check = [&](int32_t c) {
+    const int32_t kind = kindOf(c);
+    return std::all_of(all.begin(), all.end(), [&](const Kinds& kinds) {
+      return ((kinds.accepted >> kind & 1) != 0) == acceptsCategory(c, kinds.mask, kinds.negated);
+    });
+  };
+  for (int32_t c = -300; c < 0x3000; ++c) ASSERT_TRUE(check(c)) << std::hex << c;
+  for (int32_t c = 0x3000; c < 0x110100; c += 11) ASSERT_TRUE(check(c)) << std::hex << c;
+  for (int32_t c : {INT32_MIN, 0xE01EF, 0xE01F0, INT32_MAX}) EXPECT_TRUE(check(c)) << std::hex << c;
+
+  for (const Kinds& kinds : all) {
+    uint32_t words[4] = {};
+    addAsciiOfKinds(kinds.accepted, words);
+    for (int32_t c = 0; c < 0x80; ++c)
+      ASSERT_EQ((words[c / 32] >> c % 32 & 1) != 0, acceptsCategory(c, kinds.mask, kinds.negated)) << c;
+  }
 }
 
 TEST(Blocks, APrefixSelectsTheFirst) {

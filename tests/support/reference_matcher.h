@@ -24,7 +24,7 @@ struct ReferenceFind {
   ulkStatus status = ulkOk;
   int32_t numFind = 0;                   // what the caller's count holds after the search
   std::vector<ReferenceRecord> records;  // those that were written, in order
-  int64_t steps = 0;                     // taken in the whole call: the least limit that does not run out
+  int64_t steps = 0;                     // taken in the whole call: with this limit it does not run out
   int32_t bytesRead = 0;                 // the furthest byte that was looked at lies before this one
   bool tooDeep = false;                  // gave up for want of stack: the rest means nothing
   bool tooLong = false;                  // gave up because `maxWork` was reached

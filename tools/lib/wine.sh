@@ -73,6 +73,6 @@ wine_works() {
 # Makes 32-bit Wine usable if it is not yet.
 set_up_wine() {
   wine_works && return
-  echo "set-up: fetching Wine for 32-bit programs into $wine_cache" >&2
+  tell "fetching Wine for 32-bit programs into $wine_cache"
   fetch_wine && wine_works
 }
