@@ -76,6 +76,7 @@ void Links::bar(RxNode& node) {
 
 void Links::backref(int32_t capture) {
   if (capture > numCaptures_) return;
+  if (state_.captures[capture].length <= 0 || state_.captures[capture].length>999) return;
   OpenGroupLink& group = state_.frames[state_.captures[capture].length].link;
   if (group.isOpen) group.refersToItself = true;
 }
@@ -117,6 +118,7 @@ void Links::add(int32_t index) {
 }  // namespace
 
 void linkGroups(ulkRegExpState& state) {
+  for (int i = 0; i < 1000; ++i) state.captures[i].length = 0;
   Links links(state);
   for (int32_t i = 0; i < state.numNodes; ++i) {
     links.add(i);

@@ -236,7 +236,7 @@ class Generator {
       if (c_.oneIn(oneInOptions_)) all.parts.push_back(optionChange());
       all.parts.push_back(item());
     }
-    if (c_.oneIn(2 * oneInOptions_)) all.parts.push_back(optionChange());
+    if (c_.oneIn(oneInOptions_)) all.parts.push_back(optionChange());
     return all;
   }
 
@@ -259,15 +259,13 @@ class Generator {
     piece.quantifier = bounds.text;
     piece.least = bounds.least;
     piece.most = bounds.most;
-    if (c_.oneIn(4)) piece.quantifier += "?";
+    if (c_.oneIn(oneInLazy_)) piece.quantifier += "?";
   }
 
   Piece optionChange() { return leaf(kOptionChanges[c_.below(mostOptions_)]); }
 
   Piece plain() {
-    uint32_t kind = c_.below(kPlainKinds);
-    while (!(plainKinds_ >> kind & 1)) kind = (kind + 1) % kPlainKinds;
-    switch (kind) {
+    switch (c_.oneIn(oneInOthers_) ? c_.below(kPlainKinds) : favourite_) {
       case 0:
       case 1:
       case 2:
@@ -386,13 +384,15 @@ class Generator {
   static constexpr uint32_t kPlainKinds = 16;
 
   Choices& c_;
-  // Each expression has much of a few things and nothing of others, so that things of one kind meet.
-  const uint32_t plainKinds_ = 1 + c_.below((1 << kPlainKinds) - 1);
+  // Each expression has much of a few things and little of others, so that things of one kind meet.
+  const uint32_t favourite_ = c_.below(kPlainKinds);
+  const uint32_t oneInOthers_ = c_.pick(kFrequencies);
   const uint32_t oneInBars_ = c_.pick(kFrequencies);
-  const uint32_t oneInOptions_ = 3 * c_.pick(kFrequencies);
+  const uint32_t oneInOptions_ = 2 * c_.pick(kFrequencies);
   const uint32_t mostOptions_ = c_.oneIn(2) ? 2 : std::size(kOptionChanges);
   const uint32_t oneInGroups_ = c_.pick(kFrequencies);
   const uint32_t oneInQuantified_ = c_.pick(kFrequencies);
+  const uint32_t oneInLazy_ = c_.pick(kFrequencies);
   std::vector<Piece> used_;
   int depth_ = 0;
   int numGroups_ = 0;
@@ -477,7 +477,7 @@ class TextGenerator {
   }
 
   std::string longText() {
-    const size_t length = c_.oneIn(40) ? kLongest : 12300 + c_.below(3700);
+    const size_t length = 12300 + c_.below(3700);
     std::string unit = c_.oneIn(3) ? scrap(100) : c_.oneIn(2) ? std::string(1, c_.pick(alphabet_)) : "word ";
     if (unit.empty()) unit = " ";
     std::string text;

@@ -85,7 +85,7 @@ struct GeneratedSearch {
   int32_t limitShare = 0;  // one limit to try is this share of the steps needed, in 256ths
 };
 
-constexpr size_t kLongest = 140000;  // bytes of a text
+constexpr size_t kLongest = 16000;  // bytes of a text
 
 GeneratedSearch generateSearch(Choices& choices, const GeneratedExpression& expression, bool isLong);
 
