@@ -448,14 +448,11 @@ bool RecordMaker::chooseParts(int64_t room) {
   return size_ <= room;
 }
 
-// Which of the further sets stand in the record, and whether the members hold the others.
+// Which of the further sets stand in the record, and whether the members hold the others. A script, which
+// needs its `text`, leaves over enough room for all of them.
 void RecordMaker::placeSets(int64_t room) {
   facts_.numStored = static_cast<uint32_t>(std::min<int64_t>(numFurther_, (room - size_) / kWordsPerSet));
-  const auto numWords = static_cast<int32_t>(kWordsPerSet * (numFurther_ - facts_.numStored));
-  const RxNode* const members = &header_ + 1;
-  facts_.walk = numWords > header_.op2 || std::any_of(members, members + numWords, [](const RxNode& member) {
-                  return member.code == RX_SCRIPT;
-                });
+  facts_.walk = kWordsPerSet * static_cast<int32_t>(numFurther_ - facts_.numStored) > header_.op2;
 }
 
 void RecordMaker::writeSets(uint32_t* record) {
