@@ -10,12 +10,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "support/expression_cases.h"
 #include "support/guarded.h"
+#include "support/outcome.h"
 #include "ulkch.h"
 
 #ifndef ULKCH_TEST_DATA_DIR
@@ -93,40 +93,6 @@ std::string compile(const Expression& expression, ulkRegExpState* state) {
   return "";
 }
 
-constexpr int32_t kSpareRecords = 3;
-const uint8_t kCanary = 0;  // its address marks a record that nobody wrote
-
-bool isUntouched(const ulkRegExpFind& record) { return record.pFound == &kCanary && record.lenFound == -99; }
-
-std::string asText(const ulkRegExpFind& record, const uint8_t* text) {
-  if (record.pFound == nullptr && record.lenFound == -1) return "-";
-  if (isUntouched(record)) return "untouched";
-  return std::to_string(record.pFound - text) + "+" + std::to_string(record.lenFound);
-}
-
-// Searches and writes the outcome in the notation of the files.
-std::string search(const uint8_t* text, size_t length, ulkRegExpState* state, int32_t capacity) {
-  std::vector<ulkRegExpFind> records(static_cast<size_t>(capacity + kSpareRecords), {&kCanary, -99});
-  int32_t count = capacity;
-  const ulkStatus status =
-      ulksRegExpFind_8u(text, static_cast<int32_t>(length), state, records.data(), &count);
-
-  const auto lastWritten = std::find_if_not(records.rbegin(), records.rend(), isUntouched);
-  const auto numWritten = static_cast<int32_t>(std::distance(lastWritten, records.rend()));
-  std::string outcome;
-  if (status == ulkErrMatchLimit)
-    outcome = "limit " + std::to_string(count);
-  else if (status != ulkOk)
-    return "status " + std::to_string(status);
-  else if (count == 0)
-    outcome = "none";
-  else if (numWritten != count)
-    return "count " + std::to_string(count) + " but wrote " + std::to_string(numWritten);
-  for (int32_t i = 0; i < numWritten; ++i)
-    outcome += (outcome.empty() ? "" : " ") + asText(records[static_cast<size_t>(i)], text);
-  return outcome;
-}
-
 // One search with one compiled state, at one place of the text and in every format that must not matter.
 void checkSearch(const Search& expected, const uint8_t* text, ulkRegExpState* state) {
   const bool ascii =
@@ -139,7 +105,9 @@ void checkSearch(const Search& expected, const uint8_t* text, ulkRegExpState* st
     const auto find = [&](int32_t limit, int32_t capacity) {
       ulksRegExpSetMatchLimit(limit, state);
       ulksRegExpSetFormat(format, state);
-      return search(text, expected.text.size(), state, capacity);
+      return asText(outcomeOf(text, capacity, [&](ulkRegExpFind* records, int32_t* count) {
+        return ulksRegExpFind_8u(text, static_cast<int32_t>(expected.text.size()), state, records, count);
+      }));
     };
     EXPECT_EQ(find(expected.limit.value_or(10000), expected.capacity), expected.expected);
     if (!expected.steps) continue;
@@ -151,10 +119,10 @@ void checkSearch(const Search& expected, const uint8_t* text, ulkRegExpState* st
   }
 }
 
-// The text with one NUL behind it, which a search may look at, and nothing readable further on.
+// The text with what a search may look at behind it, and nothing readable further on.
 void checkSearchAtGuards(const Search& expected, ulkRegExpState* state) {
   std::vector<uint8_t> bytes(expected.text.begin(), expected.text.end());
-  bytes.push_back(0);
+  bytes.insert(bytes.end(), expected.behind.begin(), expected.behind.end());
   GuardedUnits<uint8_t> pages(bytes.size());
   checkSearch(expected, pages.endingAtGuard(bytes), state);
   checkSearch(expected, pages.startingAtGuard(bytes), state);

@@ -118,6 +118,12 @@ bool readExpression(LineReader line, Expression* expression) {
 }
 
 bool readSetting(LineReader* line, Search* search) {
+  if (line->take("behind=")) {
+    search->behind.clear();
+    const bool read = line->quoted(&search->behind);
+    line->skipBlanks();
+    return read;
+  }
   int32_t value = 0;
   const std::string name = line->take("limit=")      ? "limit"
                            : line->take("capacity=") ? "capacity"

@@ -16,8 +16,9 @@
 //     status codes
 //
 // An expression without further lines must compile. Before its text a search may set limit=N, capacity=N
-// (records, 64 unless given) and format=0|1. Without a format, a text of ASCII bytes is searched in both
-// formats with the same result, any other in format 1.
+// (records, 64 unless given), format=0|1 and behind="..." (the bytes that can be read behind the text, a
+// zero byte unless given). Without a format, a text of ASCII bytes is searched in both formats with the same
+// result, any other in format 1.
 //
 // Escapes: \\ \" \n \r \t \0 \xHH, and \<N:...> for N times what stands up to the ">". Other bytes stand for
 // themselves; the files are UTF-8.
@@ -36,6 +37,7 @@ namespace ulk_test {
 struct Search {
   int line = 0;
   std::string text;
+  std::string behind = std::string(1, '\0');
   std::optional<int32_t> format;
   std::optional<int32_t> limit;
   int32_t capacity = 64;
