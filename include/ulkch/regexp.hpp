@@ -33,6 +33,7 @@ class text : public bytes {
   text(const char* terminated) noexcept : bytes(terminated), is_terminated_(true) {}
   text(const std::string& string) noexcept : bytes(string), is_terminated_(true) {}
   text(std::string_view view) noexcept : bytes(view) {}
+  text(bytes view) noexcept : bytes(view) {}
   template <class Container,
             class = std::enable_if_t<detail::holds_units<Container, 1>::value &&
                                      !std::is_convertible_v<const Container&, std::string_view>>>
@@ -301,7 +302,7 @@ inline sight sight_of(std::string_view pattern) noexcept {
       near = true;
     }
   }
-  if (near && pattern.find('|') != pattern.npos) return sight::wide;
+  if (near && pattern.find('|') != std::string_view::npos) return sight::wide;
   return near ? sight::near : sight::own;
 }
 
@@ -481,7 +482,7 @@ class regexp {
 
   [[nodiscard]] bool is_framed() const noexcept { return sight_ == detail::sight::wide; }
   ulkStatus compile_every();
-  ulkStatus compile_framed(std::string options);
+  ulkStatus compile_framed(const std::string& options);
   all_records collect(const detail::readable& in, std::size_t per_match, std::size_t most);
   ulkStatus find_plain(const detail::readable& in, std::size_t most, matches& into);
   ulkStatus exclude_more(const detail::readable& in, std::int32_t end);
@@ -527,9 +528,9 @@ inline regexp::compiled regexp::compile(std::string_view pattern, std::string_vi
     none.error_offset = offset;
     return none;
   };
-  if (options.find_first_of(std::string_view("g\0", 2)) != options.npos)
+  if (options.find_first_of(std::string_view("g\0", 2)) != std::string_view::npos)
     return refused(ulkErrRegExpOptions, 0);
-  if (const std::size_t zero = pattern.find('\0'); zero != pattern.npos)
+  if (const std::size_t zero = pattern.find('\0'); zero != std::string_view::npos)
     return refused(ulkErrRegExpSyntax, zero);
 
   regexp made;
@@ -540,7 +541,7 @@ inline regexp::compiled regexp::compile(std::string_view pattern, std::string_vi
   if (status != ulkOk) return refused(status, static_cast<std::size_t>(offset));
   if (detail::ends_in_escape(pattern)) return refused(ulkErrRegExpSyntax, pattern.size());
   made.count_groups();
-  made.sight_ = options.find('x') == options.npos ? detail::sight_of(pattern) : detail::sight::wide;
+  made.sight_ = options.find('x') == std::string_view::npos ? detail::sight_of(pattern) : detail::sight::wide;
   return made;
 }
 
@@ -560,7 +561,7 @@ inline ulkStatus regexp::compile_every() {
   return status;
 }
 
-inline ulkStatus regexp::compile_framed(std::string options) {
+inline ulkStatus regexp::compile_framed(const std::string& options) {
   // The group of the frame would make a reference of an escape that was an octal number without it.
   if (groups_ >= 9 && pattern_.find('\\' + std::to_string(groups_ + 1)) != std::string::npos)
     return ulkErrRegExpBackRef;

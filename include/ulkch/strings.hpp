@@ -21,7 +21,7 @@
 #include <stdexcept>
 #endif
 
-#include "../ulkch.h"
+#include "ulkch.h"
 
 namespace ulkch {
 
@@ -129,6 +129,8 @@ class basic_units {
 
   constexpr basic_units() noexcept = default;
   constexpr basic_units(view_type view) noexcept : view_(view) {}
+  basic_units(const Unit* data, std::size_t size) noexcept
+      : view_(reinterpret_cast<const Char*>(data), size) {}
   constexpr basic_units(const Char* terminated) noexcept : view_(terminated) {}
   basic_units(const std::basic_string<Char>& string) noexcept : view_(string) {}
   template <class Container, class = std::enable_if_t<detail::holds_units<Container, sizeof(Unit)>::value &&
@@ -500,7 +502,7 @@ namespace detail {
 inline std::size_t utf8_piece(std::string_view text, std::size_t most) noexcept {
   if (text.size() <= most) return text.size();
   std::size_t lead = most;
-  while (lead > most - 5 && static_cast<unsigned char>(text[lead - 1]) < 0xC0) --lead;
+  while (lead > most - 4 && static_cast<unsigned char>(text[lead - 1]) < 0xC0) --lead;
   return static_cast<unsigned char>(text[lead - 1]) < 0xC0 ? most : lead - 1;
 }
 
