@@ -130,7 +130,7 @@ const Items& members() {
       {"z-\\x{100}", {"~", "\xC3\xA9", "Z"}},
       {"\\x80-\\xff", {"\xA9", "\xC3\xBF"}},
       {"\\x{ffffff80}-a", {"\xA9", "a", "b"}},
-      {"\\x{ffffff00}-\\x{62}", {"\xE9", "a", "c"}},
+      {"\\x{80000000}-\\x{62}", {"\xE9", "a", "c"}},
       {"\\p{Lu}", {"A"}},
       {"\\P{L}", {"1"}},
       {"\\p{Han}", {"\xE6\xBC\xA2"}},
@@ -477,7 +477,7 @@ class TextGenerator {
   }
 
   std::string longText() {
-    const size_t length = 12300 + c_.below(3700);
+    const size_t length = c_.oneIn(40) ? kLongest : 12300 + c_.below(3700);
     std::string unit = c_.oneIn(3) ? scrap(100) : c_.oneIn(2) ? std::string(1, c_.pick(alphabet_)) : "word ";
     if (unit.empty()) unit = " ";
     std::string text;
@@ -487,7 +487,7 @@ class TextGenerator {
   }
 
  private:
-  static constexpr size_t kStride = 4096;
+  static constexpr size_t kStride = 4096;  // of the search for places to start at
 
   // Over what stands at the start, at the end or about the end of a stride.
   void place(std::string& text, const std::string& scrap) {
@@ -558,7 +558,7 @@ GeneratedExpression generateExpression(Choices& choices) {
 GeneratedSearch generateSearch(Choices& choices, const GeneratedExpression& expression, bool isLong) {
   TextGenerator generator(choices, expression.tree);
   const std::string all = isLong ? generator.longText() : generator.shortText();
-  const size_t most = std::min<size_t>(all.size(), isLong ? 16000 : 40);
+  const size_t most = std::min<size_t>(all.size(), isLong ? kLongest : 40);
   const size_t length = choices.oneIn(2) ? most - std::min<size_t>(most, choices.below(6)) : most;
   GeneratedSearch search = {expression.pattern, expression.options, all.substr(0, length), ""};
   const uint32_t kind = choices.below(6);

@@ -85,6 +85,8 @@ struct GeneratedSearch {
   int32_t limitShare = 0;  // one limit to try is this share of the steps needed, in 256ths
 };
 
+constexpr size_t kLongest = 140000;  // bytes of a text
+
 GeneratedSearch generateSearch(Choices& choices, const GeneratedExpression& expression, bool isLong);
 
 }  // namespace ulk_test

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 
 #include "regexp/search.h"
 #include "regexp/state.h"
@@ -34,24 +35,12 @@ std::string escaped(const std::string& bytes) {
   return "\"" + text + "\"";
 }
 
-std::string row(const GeneratedSearch& search, const std::string& behind, int32_t limit,
-                const std::string& expected) {
-  const std::string pattern = escaped(search.pattern);
-  const bool plain = std::all_of(search.pattern.begin(), search.pattern.end(), isPlain);
-  return (plain ? "/" + search.pattern + "/" : pattern) + search.options +
-         "\n  format=" + std::to_string(search.format) + " limit=" + std::to_string(limit) +
-         " capacity=" + std::to_string(search.capacity) + " behind=" + escaped(behind) + " " +
-         escaped(search.text) + " = " + expected + "\n";
-}
-
 // ---- a search that reads what it must not read ends the program, but not without a word
 
-const GeneratedSearch* running = nullptr;
-const std::string* runningBehind = nullptr;
+std::function<std::string()> running;  // tells the search that the library is asked for
 
 void tellAndExit(int) {
-  std::fprintf(stderr, "read beyond what it may read:\n%s",
-               row(*running, *runningBehind, kNoLimit, "?").c_str());
+  std::fprintf(stderr, "# reads what it must not read, or writes\n%s?\n", running().c_str());
   std::_Exit(3);
 }
 
@@ -85,54 +74,68 @@ void dropGroups(GeneratedSearch& search, Accept accept) {
 
 }  // namespace
 
+// Into a state that holds no zeros at first.
 bool Comparison::compile(const std::string& pattern, const std::string& options) {
   const std::string source = options + "/" + pattern;
-  if (source == compiled_) return state_ != nullptr;
-  ulkRegExpState* state = nullptr;
+  if (source == source_) return compiles_;
+  source_ = source;
+  int32_t size = 0;
   int32_t errorOffset = 0;
-  ulksRegExpInitAlloc(pattern.c_str(), options.c_str(), &state, &errorOffset);
-  state_.reset(state);
-  compiled_ = source;
-  return state != nullptr;
+  ulksRegExpGetSize(pattern.c_str(), &size);
+  state_.assign(static_cast<size_t>(size) / sizeof(uint64_t) + 1, 0xA5A5A5A5A5A5A5A5);
+  compiles_ = ulksRegExpInit(pattern.c_str(), options.c_str(), state(), &errorOffset) == ulkOk;
+  return compiles_;
 }
 
+// A search that runs out of steps may look at what one with steps enough looks at.
 Outcome Comparison::reference(const GeneratedSearch& search, int32_t limit) {
-  const auto* text = reinterpret_cast<const uint8_t*>(textAndBehind_.data());
-  found_ = referenceFind(*state_, text, static_cast<int32_t>(search.text.size()), limit, search.capacity,
+  const std::string all = search.text + search.behind + '\0';
+  const auto* text = reinterpret_cast<const uint8_t*>(all.data());
+  found_ = referenceFind(*state(), text, static_cast<int32_t>(search.text.size()), limit, search.capacity,
                          search.replace, search.format, mostWork_);
+  const size_t known = limit == kNoLimit ? search.text.size() : textAndBehind_.size();
+  textAndBehind_ = all.substr(0, std::max(known, static_cast<size_t>(found_.bytesRead)));
   return {search.replace ? static_cast<ulkStatus>(found_.records.size()) : found_.status, found_.numFind,
           found_.records};
 }
 
-// The text ends, with what a search must read behind it, where the memory ends.
+// The text ends, with what the reference has read behind it, where the memory ends.
 Outcome Comparison::library(const GeneratedSearch& search, int32_t limit) {
   auto* text = reinterpret_cast<uint8_t*>(pages_.end()) - textAndBehind_.size();
   std::memcpy(text, textAndBehind_.data(), textAndBehind_.size());
-  ulksRegExpSetMatchLimit(limit, state_.get());
-  ulksRegExpSetFormat(search.format, state_.get());
+  ulksRegExpSetMatchLimit(limit, state());
+  ulksRegExpSetFormat(search.format, state());
   const auto length = static_cast<int32_t>(search.text.size());
   return outcomeOf(text, search.capacity, [&](ulkRegExpFind* records, int32_t* count) -> ulkStatus {
     // The number of records to be used stands for the status, which no one looks at.
-    if (search.replace) return ulk::rxFindForReplace(text, length, state_.get(), records, count);
-    return ulksRegExpFind_8u(text, length, state_.get(), records, count);
+    if (search.replace) return ulk::rxFindForReplace(text, length, state(), records, count);
+    return ulksRegExpFind_8u(text, length, state(), records, count);
   });
 }
 
+std::string Comparison::row(const GeneratedSearch& search, int32_t limit) const {
+  const bool plain = std::all_of(search.pattern.begin(), search.pattern.end(), isPlain);
+  return (plain ? "/" + search.pattern + "/" : escaped(search.pattern)) + search.options +
+         "\n  format=" + std::to_string(search.format) + " limit=" + std::to_string(limit) +
+         " capacity=" + std::to_string(search.capacity) +
+         " behind=" + escaped(textAndBehind_.substr(search.text.size())) + " " + escaped(search.text) + " = ";
+}
+
 // Only a repeated group leaves more choices than there is room for, and only in a long text.
-bool Comparison::mayLackRoom(const GeneratedSearch& search, const Outcome& outcome) const {
+bool Comparison::mayLackRoom(const GeneratedSearch& search, const Outcome& outcome) {
   constexpr int32_t kRoom = 10000;
   if (search.text.size() < 4096 || found_.steps < kRoom) return false;
   const bool ranOut =
       search.replace || outcome.status == ulkErrMatchLimit || outcome.records.size() < found_.records.size();
-  const ulk::RxNode* const nodes = state_->nodes();
-  for (int32_t i = 1; i < state_->numNodes; ++i)
+  const ulk::RxNode* const nodes = state()->nodes();
+  for (int32_t i = 1; i < state()->numNodes; ++i)
     if (nodes[i - 1].code == ulk::RX_END && ulk::isQuantifier(nodes[i])) return ranOut;
   return false;
 }
 
 std::optional<std::string> Comparison::difference(const GeneratedSearch& search) {
   if (!compile(search.pattern, search.options)) return std::nullopt;
-  textAndBehind_ = search.text + search.behind + '\0';
+  std::signal(SIGSEGV, tellAndExit);
   ++numSearches;
   Outcome expected = reference(search, kNoLimit);
   if (found_.gaveUp()) {
@@ -140,26 +143,21 @@ std::optional<std::string> Comparison::difference(const GeneratedSearch& search)
     return std::nullopt;
   }
   if (expected.count > 0) ++numMatches;
-  if (!std::getenv("LOOSE"))
-    textAndBehind_.resize(std::max(search.text.size(), static_cast<size_t>(found_.bytesRead)));
-  const std::string behind = textAndBehind_.substr(search.text.size());
-  running = &search;
-  runningBehind = &behind;
-  std::signal(SIGSEGV, tellAndExit);
-
   const auto steps = static_cast<int32_t>(found_.steps);
-  for (const int32_t limit :
-       {kNoLimit, steps, steps - 1, static_cast<int32_t>(found_.steps * search.limitShare / 256)}) {
+  const auto some = static_cast<int32_t>(found_.steps * search.limitShare / 256);
+  for (const int32_t limit : {kNoLimit, steps, steps - 1, some}) {
     if (limit < 0) continue;
     if (limit < steps) expected = reference(search, limit);
+    running = [&] { return row(search, limit); };
     const Outcome outcome = library(search, limit);
     if (outcome == expected) continue;
     if (limit >= steps && mayLackRoom(search, outcome)) {
       ++numNoRoom;
       return std::nullopt;
     }
-    return "# " + std::string(search.replace ? "as the search of a replacement, " : "") +
-           "the library says " + asText(outcome) + "\n" + row(search, behind, limit, asText(expected));
+    const std::string replacement = search.replace ? "as the search of a replacement, " : "";
+    return "# " + replacement + "the library says " + asText(outcome) + "\n" + row(search, limit) +
+           asText(expected) + "\n";
   }
   return std::nullopt;
 }

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
-#include "support/compiled.h"
 #include "support/generated_cases.h"
 #include "support/guarded.h"
 #include "support/outcome.h"
@@ -35,14 +35,17 @@ class Comparison {
  private:
   Outcome reference(const GeneratedSearch& search, int32_t limit);
   Outcome library(const GeneratedSearch& search, int32_t limit);
-  bool mayLackRoom(const GeneratedSearch& search, const Outcome& outcome) const;
+  std::string row(const GeneratedSearch& search, int32_t limit) const;
+  ulkRegExpState* state() { return reinterpret_cast<ulkRegExpState*>(state_.data()); }
+  bool mayLackRoom(const GeneratedSearch& search, const Outcome& outcome);
 
   const int64_t mostWork_;
-  std::string compiled_;
-  CompiledExpression state_;
-  std::string textAndBehind_;
-  ReferenceFind found_;  // what the reference said last
-  GuardedPages pages_{20480};
+  std::string source_;  // of the expression in `state_`
+  bool compiles_ = false;
+  std::vector<uint64_t> state_;
+  ReferenceFind found_;        // what the reference said last
+  std::string textAndBehind_;  // as far as the library may read
+  GuardedPages pages_{kLongest + 64};
 };
 
 }  // namespace ulk_test
