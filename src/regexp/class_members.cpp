@@ -221,8 +221,8 @@ void ClassMembers::finish() {
   }
 }
 
-int32_t ClassMembers::writeList(const RxNode& header, Interval Spans::*form, Interval* first) const {
-  Interval* end = first;
+int32_t ClassMembers::writeList(const RxNode& header, Interval Spans::*form, Interval* list) const {
+  Interval* end = list;
   for (int32_t i = 1; i <= header.op2; ++i) {
     const RxNode& member = (&header)[i];
     if (!hasSpans(member) || member.op3 != 0) continue;
@@ -239,7 +239,7 @@ int32_t ClassMembers::writeList(const RxNode& header, Interval Spans::*form, Int
       *end++ = {refused.high + 1, INT32_MAX};
     }
   }
-  return joinIntervals(first, static_cast<int32_t>(end - first));
+  return joinIntervals(list, static_cast<int32_t>(end - list));
 }
 
 int32_t ClassMembers::writePlain(const RxNode& header, Interval* list) const {
