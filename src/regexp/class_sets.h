@@ -27,17 +27,15 @@
 #include <cstdint>
 
 #include "regexp/program.h"
+#include "regexp/set128.h"
 #include "regexp/state.h"
 #include "regexp/utf8.h"
+#include "unicode/unicode.h"
 
 namespace ulk {
 
-// A set of numbers below 128, one bit each.
-struct Set128 {
-  uint32_t words[4];
-
-  bool contains(int32_t number) const { return (words[number >> 5] >> (number & 31)) & 1; }
-};
+inline constexpr int32_t kKindWords = kMaxKinds / 32;
+inline constexpr int32_t kListLengths = 2;
 
 // What is known about a class besides its record, packed into `op3` of its node.
 class ClassNote {
