@@ -1,5 +1,5 @@
 // Expressions beside PCRE2, its interpreter and its compiler to machine code (JIT): all matches in a text,
-// the first match in each of many short lines, and compiling.
+// the first match in each of many short lines, and compiling, also of long patterns.
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
@@ -205,28 +205,66 @@ void addLines(const Expression& expression) {
   }
 }
 
-void compileOurs(benchmark::State& state, const char* pattern) {
+void compileOurs(benchmark::State& state, const std::string& pattern) {
   int32_t size = 0;
   int32_t offset = 0;
-  ulksRegExpGetSize(pattern, &size);
+  ulksRegExpGetSize(pattern.c_str(), &size);
   std::vector<uint64_t> memory(static_cast<size_t>(size) / sizeof(uint64_t) + 1);
   auto* const compiled = reinterpret_cast<ulkRegExpState*>(memory.data());
-  for (auto _ : state) benchmark::DoNotOptimize(ulksRegExpInit(pattern, "m", compiled, &offset));
+  if (ulksRegExpInit(pattern.c_str(), "m", compiled, &offset) != ulkOk) std::abort();
+  for (auto _ : state) benchmark::DoNotOptimize(ulksRegExpInit(pattern.c_str(), "m", compiled, &offset));
 }
 
 #ifdef ULKCH_BENCH_PCRE2
 template <bool jit>
-void compilePcre2(benchmark::State& state, const char* pattern) {
+void compilePcre2(benchmark::State& state, const std::string& pattern) {
   for (auto _ : state) Pcre2Code(pattern, jit);
 }
 #endif
 
 void addCompile(const Expression& expression) {
   const std::string name = std::string("regexp/compile/") + expression.name;
-  benchmark::RegisterBenchmark((name + "/ulkch").c_str(), compileOurs, expression.pattern);
+  benchmark::RegisterBenchmark((name + "/ulkch").c_str(), compileOurs, std::string(expression.pattern));
 #ifdef ULKCH_BENCH_PCRE2
-  benchmark::RegisterBenchmark((name + "/pcre2").c_str(), compilePcre2<false>, expression.pattern);
-  benchmark::RegisterBenchmark((name + "/pcre2_jit").c_str(), compilePcre2<true>, expression.pattern);
+  benchmark::RegisterBenchmark((name + "/pcre2").c_str(), compilePcre2<false>,
+                               std::string(expression.pattern));
+  benchmark::RegisterBenchmark((name + "/pcre2_jit").c_str(), compilePcre2<true>,
+                               std::string(expression.pattern));
+#endif
+}
+
+// Patterns of 10 KB in which many pieces depend on many others, or on all around them.
+struct LongPattern {
+  const char* name;
+  const char* before;
+  int times;
+  const char* piece;
+  const char* behind;
+};
+
+const LongPattern kLongPatterns[] = {
+    {"optional_bytes", "", 5000, "b?", ""},
+    {"optional_classes", "", 800, "[a-f\xC3\xA9\xC4\x80]?", ""},
+    {"optional_properties", "", 1000, "[\\pL\\pN_]?", ""},
+    {"one_class", "[", 2000, "\xD1\x8F\xD0\xB0x", "]*"},
+    {"alternatives", "b*(?:", 5000, "a|", "c)"},
+    {"nested_groups", "", 200, "(?:a*", nullptr},
+    {"nested_literals", "", 200, "(?:ab.", nullptr},
+};
+
+void addLongCompile(const LongPattern& row) {
+  std::string pattern = row.before;
+  for (int i = 0; i < row.times; ++i) pattern += row.piece;
+  if (row.behind) {
+    pattern += row.behind;
+  } else {
+    for (int i = 0; i < 4000; ++i) pattern += "b?";
+    for (int i = 0; i < row.times; ++i) pattern += "cd)";
+  }
+  const std::string name = std::string("regexp/compile_long/") + row.name;
+  benchmark::RegisterBenchmark((name + "/ulkch").c_str(), compileOurs, pattern);
+#ifdef ULKCH_BENCH_PCRE2
+  benchmark::RegisterBenchmark((name + "/pcre2").c_str(), compilePcre2<false>, pattern);
 #endif
 }
 
@@ -236,6 +274,7 @@ void addExpressions() {
   for (const Expression& expression : kExpressions) addText(expression);
   for (const Expression& expression : kExpressions) addLines(expression);
   for (const Expression& expression : kExpressions) addCompile(expression);
+  for (const LongPattern& row : kLongPatterns) addLongCompile(row);
 }
 
 }  // namespace bench

@@ -23,7 +23,8 @@ endforeach()
 if(WIN32 AND LLVM_DLLTOOL_PROGRAM)
   install(FILES ${PROJECT_BINARY_DIR}/src/ulkch.lib DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()
-install(FILES include/ulkch.h ulkcore/ulkcore.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES include/ulkch.h include/ulkch.hpp ulkcore/ulkcore.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY include/ulkch DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 configure_package_config_file(
   cmake/ulkchConfig.cmake.in ulkchConfig.cmake

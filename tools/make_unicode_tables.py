@@ -217,7 +217,7 @@ def main():
     arguments = argparse.ArgumentParser(prog="tools/make_unicode_tables.py", description=__doc__,
                                         formatter_class=argparse.RawDescriptionHelpFormatter)
     arguments.add_argument("ucd_dir", type=Path, metavar="UCD_DIR", help="holds the files of Unicode " + VERSION)
-    arguments.add_argument("--check", action="store_true", help="write nothing, and fail when a table is not what the data gives")
+    arguments.add_argument("--check", action="store_true", help="write nothing; fail when a table is out of date")
     options = arguments.parse_args()
 
     ucd = options.ucd_dir

@@ -17,27 +17,25 @@
 //
 // There is always room. A state has the room of a node for each byte of the pattern. A class of n members,
 // from b bytes, has n + 1 nodes, so that of b - n - 1 nodes is left over: at least that of one, for the
-// brackets, where the first set goes. A member that is one byte in the pattern leaves nothing over, but goes
-// into the sets alone. Any other leaves over the room of a node, for the one interval in each list that a
-// code point may need, or that of two or more. The further sets may not fit behind many such members; then
-// they are kept in `text` of the members themselves, which none of those that are left uses, one word in
-// each. Where these are too few for that, a walk over them is fast enough.
+// brackets, where the first set goes. A member that is one byte in the pattern leaves nothing over, but needs
+// nothing besides the sets. Any other leaves over the room of a node or more: enough for an interval in each
+// list if it is a code point, for more if it is anything else. The further sets may find no room behind such
+// members; then `text` of the members themselves holds them, which only scripts use otherwise, one word each.
+// Where there are not enough of them for that, a walk over them is fast enough.
 #pragma once
 
 #include <cstdint>
 
 #include "regexp/program.h"
+#include "regexp/set128.h"
 #include "regexp/state.h"
 #include "regexp/utf8.h"
+#include "unicode/unicode.h"
 
 namespace ulk {
 
-// A set of numbers below 128, one bit each.
-struct Set128 {
-  uint32_t words[4];
-
-  bool contains(int32_t number) const { return (words[number >> 5] >> (number & 31)) & 1; }
-};
+inline constexpr int32_t kKindWords = kMaxKinds / 32;
+inline constexpr int32_t kListLengths = 2;
 
 // What is known about a class besides its record, packed into `op3` of its node.
 class ClassNote {

@@ -11,6 +11,10 @@ namespace ulk {
 
 namespace {
 
+// In place of the serial of a capture whose group is no longer in the program: an assertion that need not
+// hold goes with all that it contains, `(?=(a))*`.
+constexpr int32_t kNoSerial = 0;
+
 // One walk over the program, whatever is nested in what. Frames and capture slots, which no search needs yet,
 // keep what is known of groups.
 class Links {
@@ -47,7 +51,9 @@ Links::Links(ulkRegExpState& state)
       makesSurplus_(std::any_of(nodes_, nodes_ + state.numNodes, [](const RxNode& node) {
         const bool isLazyByte = node.code == RX_REPEAT_LAZY && (&node)[-1].code == RX_CHAR;
         return isLazyByte || node.code == RX_LOOKBEHIND || node.code == RX_NLOOKBEHIND;
-      })) {}
+      })) {
+  for (int32_t i = 1; i < state.numCaptures; ++i) state.captures[i].length = kNoSerial;
+}
 
 // Whether the repeat can make the run around it match as it stands, whatever its groups have got to.
 bool matchesAtOnce(const RxNode& item, const RxNode& quantifier) {
@@ -75,8 +81,7 @@ void Links::bar(RxNode& node) {
 }
 
 void Links::backref(int32_t capture) {
-  if (capture > numCaptures_) return;
-  if (state_.captures[capture].length <= 0 || state_.captures[capture].length>999) return;
+  if (capture > numCaptures_ || state_.captures[capture].length == kNoSerial) return;
   OpenGroupLink& group = state_.frames[state_.captures[capture].length].link;
   if (group.isOpen) group.refersToItself = true;
 }
@@ -118,7 +123,6 @@ void Links::add(int32_t index) {
 }  // namespace
 
 void linkGroups(ulkRegExpState& state) {
-  for (int i = 0; i < 1000; ++i) state.captures[i].length = 0;
   Links links(state);
   for (int32_t i = 0; i < state.numNodes; ++i) {
     links.add(i);

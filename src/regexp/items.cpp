@@ -26,11 +26,13 @@ int32_t backrefLength(const MatchContext& m, const RxNode& item, const uint8_t* 
   return sameBytes(group.start, at, group.length, m.options) ? group.length : kNoMatch;
 }
 
+// No ASCII character is a mark.
 int32_t sequenceLength(const MatchContext& m, const uint8_t* at) {
   Utf8Char character = decodeUtf8(at);
-  if (isMark(character.value)) return kNoMatch;
+  if (*at >= 0x80 && isMark(character.value)) return kNoMatch;
   const uint8_t* end = at + character.length;
-  while (end < m.textEnd && isMark((character = decodeUtf8(end)).value)) end += character.length;
+  while (end < m.textEnd && *end >= 0x80 && isMark((character = decodeMultibyte(end)).value))
+    end += character.length;
   return static_cast<int32_t>(end - at);
 }
 

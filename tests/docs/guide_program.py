@@ -1,40 +1,42 @@
-"""Makes a C program of a page's pieces of C, and a file with what the page says that it prints.
+"""Makes a program of a page's pieces of C or C++, and a file with what the page says that it prints.
 
-    guide_program.py PAGE PROGRAM OUTPUT
+    guide_program.py PAGE LANGUAGE PROGRAM OUTPUT
 
-Pieces are the blocks fenced with ```c. The program holds them one after the other and calls every function
-"static void NAME(void)" of theirs. What a piece prints stands in the plain block behind it; in the output the names of
-the functions stand between, so that each piece answers for its own.
+Pieces are the blocks fenced with ```c or ```cpp, whichever LANGUAGE says. The program holds them one after the other
+and calls every function "static void NAME(void)", in C++ "static void NAME()", of theirs. What a piece prints stands in
+the plain block behind it; in the output the names of the functions stand between, so that each piece answers for its
+own.
 """
 
 import re
 import sys
 from pathlib import Path
 
-page, program, output = map(Path, sys.argv[1:])
+page, language, program, output = Path(sys.argv[1]), sys.argv[2], Path(sys.argv[3]), Path(sys.argv[4])
 source, calls, expected = [], [], []
 lines = page.read_text(encoding="utf-8").split("\n")
-kind, block, functions = None, [], []
+kind, last_kind, block, functions = None, None, [], []
 for number, line in enumerate(lines, 1):
     if kind is None:
         if line.startswith("```"):
             kind, block = line[3:], []
-            if kind == "c":
+            if kind == language:
                 source.append(f'#line {number + 1} "{page.name}"')
     elif line == "```":
-        if kind == "c":
+        if kind == language:
             source += block
-            functions = re.findall(r"^static void (\w+)\(void\) \{$", "\n".join(block), re.MULTILINE)
+            functions = re.findall(r"^static void (\w+)\((?:void)?\) \{$", "\n".join(block), re.MULTILINE)
             calls += functions
             expected += [f"== {name}" for name in functions]
-        elif kind == "":
+        elif kind == "" and last_kind == language:
             expected += block
-        kind = None
+        kind, last_kind = None, kind
     else:
         block.append(line)
 
 if not calls:
     sys.exit(f"{page}: no function to call")
 body = "".join(f'  puts("== {name}");\n  {name}();\n' for name in calls)
-program.write_text("\n".join(source) + f"\n\nint main(void) {{\n{body}  return 0;\n}}\n", encoding="utf-8")
+end = f"int main(void) {{\n{body}  return 0;\n}}\n"
+program.write_text("#include <stdio.h>\n" + "\n".join(source) + "\n\n" + end, encoding="utf-8")
 output.write_text("\n".join(expected) + "\n", encoding="utf-8")

@@ -112,6 +112,9 @@ TEST(ClassSets, AgreeWithAWalkWhereRoomIsScarce) {
       "[Z-\xE2\x84\xAA]",
       "[a-z]",
       "[0-9]",
+      "[5-\xC4\xB0]",
+      "[\\x{80}]",
+      "[\xC4\x80\xC4\x82]",  // with a gap of one between them
       "[\\x{FFFFFF41}-\\x{FFFFFF5A}]",
       "[^\\x{FFFFFF41}-\\x{FFFFFF5A}]",
       "[\\x{80000000}-a]",

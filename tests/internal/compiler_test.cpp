@@ -219,6 +219,11 @@ TEST(Compiler, Groups) {
       {"(?:ab)+", "", "group#1/1 string:\"ab\" end#1 repeat:1..*"},
       {"(?:ab){x", "", "string:\"ab\" string:\"{x\" last=1"},
       {"(?:a)*", "", "char:a repeat:0..*"},
+      {"(?:(?:(?:a)))*(?:(?:b.)c)*((?:(?:de)f)\\d)", "",
+       "char:a repeat:0..* group#1/3 char:b type:. char:c end#1 repeat:0..* capture#2/3:1 string:\"de\" "
+       "char:f "
+       "type:d end#2 slots=2"},
+      {"(?:ab)(?#)*(?:a.)(?:bc)", "", "char:a char:b repeat:0..* char:a type:. string:\"bc\""},
       {"(?:ab*)(?:[ab])(?:a|b)(?:ab+?)", "",
        "char:a char:b repeat:0..* group#1/3 class[char:a char:b] end#1 group#2/3 char:a alt#2 char:b end#2 "
        "group#3/3 char:a char:b lazy:1..* end#3"},

@@ -26,6 +26,7 @@ FAMILIES = [
     Family("Expressions: all matches in 64 KiB", r"regexp/text/", r""),
     Family("Expressions: the first match in each short line", r"regexp/lines/", r""),
     Family("Expressions: compiling", r"regexp/compile/", r""),
+    Family("Expressions: compiling 10 KB", r"regexp/compile_long/", r""),
     Family("Replacement in 1 MiB", r"replace/", r""),
     Family("Sets of expressions over 1 MiB", r"sets/", r""),
 ]
