@@ -17,6 +17,25 @@ struct Item {
 };
 using Items = std::vector<Item>;
 
+Strings wordsOf(const std::string& text, const std::string& gap = " ") {
+  Strings words;
+  for (size_t at = 0, end = 0; end != text.npos; at = end + gap.size()) {
+    end = text.find(gap, at);
+    words.push_back(text.substr(at, end == text.npos ? end : end - at));
+  }
+  return words;
+}
+
+// From a list with three blanks between items and one between an item and its samples.
+Items itemsOf(const std::string& list) {
+  Items items;
+  for (const std::string& row : wordsOf(list, "   ")) {
+    const Strings words = wordsOf(row);
+    items.push_back({words[0], {words.begin() + 1, words.end()}});
+  }
+  return items;
+}
+
 const Items& phrases() {
   static const Items kPhrases = {
       {R"(\d{4}-\d\d-\d\d)", {"2024-05-17", "1999-1-01"}},
@@ -65,79 +84,23 @@ const Items& phrases() {
 
 // Each takes one character.
 const Items& singles() {
-  static const Items kSingles = {
-      {".", {"a", "\n", "\xC3\xA9"}},
-      {"\\d", {"1", "0"}},
-      {"\\w", {"a", "_", "Z"}},
-      {"\\s", {" ", "\n", "\v"}},
-      {"\\D", {"a", "\xE2\x82\xAC"}},
-      {"\\W", {"-", "\xC3\xA9", "\xA9"}},
-      {"\\S", {"a", "\xFF"}},
-      {"\\C", {"a", "\xC3"}},
-      {"\\X", {"a", "e\xCC\x81", "\xCC\x81"}},
-      {"[abc]", {"a", "c"}},
-      {"[^a]", {"b", "\n", "\xC3\xA9"}},
-      {"[^ab\\n]", {"c", "\xE2\x82\xAC"}},
-      {"[a-f0-9]", {"a", "7"}},
-      {"[ab1]", {"b", "1"}},
-      {"[^\\s\"]", {"a", "1"}},
-      {"[ABab]", {"a", "B"}},
-      {"[\xC3\xA0-\xC3\xBF]", {"\xC3\xA9", "\xC3\x89"}},
-      {"[\xCE\xB1\xCE\xB2]", {"\xCE\xB1", "\xCE\x92"}},
-      {"\\x{e9}", {"\xC3\xA9", "\xC3\x89"}},
-      {"\\x{3c3}", {"\xCF\x83", "\xCE\xA3"}},
-      {"\\x{20ac}", {"\xE2\x82\xAC"}},
-      {"\\x{61}", {"a", "A"}},
-      {"\\x{10428}", {"\xF0\x90\x90\xA8", "\xF0\x90\x90\x80"}},
-      {"\\x{ffffffe9}", {"\xE9"}},
-      {"\\pL", {"a", "\xC3\xA9", "\xE6\xBC\xA2"}},
-      {"\\p{Lu}", {"A", "\xC3\x89"}},
-      {"\\P{Nd}", {"a", "-"}},
-      {"\\p{Greek}", {"\xCE\xB1", "\xCF\x83"}},
-      {"\\p{^Han}", {"a", "\xE6\xBC\xA2"}},
-      {"\\p{Any}", {"a", "\xFF"}},
-      {"\\p{Mn}", {"\xCC\x81"}},
-  };
+  static const Items kSingles = itemsOf(
+      ". a \n é   \\d 1 0   \\w a _ Z   \\s \t \n \v   \\D a €   \\W - é \xA9   \\S a \xFF   \\C a \xC3   "
+      "\\X a e\xCC\x81 \xCC\x81   [abc] a c   [^a] b \n é   [^ab\\n] c €   [a-f0-9] a 7   [ab1] b 1   "
+      "[^\\s\"] a 1   [ABab] a B   [à-ÿ] é É   [αβ] α Β   \\x{e9} é É   \\x{3c3} σ Σ   \\x{20ac} €   "
+      "\\x{61} a A   \\x{10428} 𐐨 𐐀   \\x{ffffffe9} \xE9   \\pL a é 漢   \\p{Lu} A É   \\P{Nd} a -   "
+      "\\p{Greek} α σ   \\p{^Han} a 漢   \\p{Any} a \xFF   \\p{Mn} \xCC\x81");
   return kSingles;
 }
 
 const Items& members() {
-  static const Items kMembers = {
-      {"a", {"a"}},
-      {"b", {"b", "B"}},
-      {"A-F", {"B", "f"}},
-      {"0-9", {"5"}},
-      {"_", {"_"}},
-      {"\\-", {"-"}},
-      {" ", {" "}},
-      {"\\n", {"\n"}},
-      {"\\d", {"3"}},
-      {"\\w", {"x"}},
-      {"\\s", {"\t"}},
-      {"\\D", {"x"}},
-      {"\\W", {"\xC3\xA9"}},
-      {"\\S", {"x"}},
-      {"[:alpha:]", {"q", "Q"}},
-      {"[:digit:]", {"8"}},
-      {"[:^digit:]", {"x"}},
-      {"[:punct:]", {"!"}},
-      {"[:xdigit:]", {"e"}},
-      {"[:^word:]", {"-"}},
-      {"\xC3\xA9", {"\xC3\xA9", "\xE9"}},
-      {"\xC3\xA9-\xC3\xBF", {"\xC3\xB1", "\xC3\x91"}},
-      {"\\x{3b1}-\\x{3c9}", {"\xCF\x83", "\xCE\xA3"}},
-      {"\\x{e9}", {"\xC3\xA9", "\xC3\x89"}},
-      {"z-\\x{100}", {"~", "\xC3\xA9", "Z"}},
-      {"\\x80-\\xff", {"\xA9", "\xC3\xBF"}},
-      {"\\x{ffffff80}-a", {"\xA9", "a", "b"}},
-      {"\\x{80000000}-\\x{62}", {"\xE9", "a", "c"}},
-      {"\\p{Lu}", {"A"}},
-      {"\\P{L}", {"1"}},
-      {"\\p{Han}", {"\xE6\xBC\xA2"}},
-      {"\\Q^]\\E", {"^", "]"}},
-      {"\\101", {"A"}},
-      {"-", {"-"}},
-  };
+  static const Items kMembers = itemsOf(
+      "a a   b b B   A-F B f   0-9 5   _ _   \\- -   \t \t   \\n \n   \\d 3   \\w x   \\s \t   \\D x   "
+      "\\W é   \\S x   [:alpha:] q Q   [:digit:] 8   [:^digit:] x   [:punct:] !   [:xdigit:] e   [:^word:] - "
+      "  "
+      "é é \xE9   é-ÿ ñ Ñ   \\x{3b1}-\\x{3c9} σ Σ   \\x{e9} é É   z-\\x{100} ~ é Z   \\x80-\\xff \xA9 ÿ   "
+      "\\x{ffffff80}-a \xA9 a b   \\x{80000000}-\\x{62} \xE9 a c   \\p{Lu} A   \\P{L} 1   \\p{Han} 漢   "
+      "\\Q^]\\E ^ ]   \\101 A   - -");
   return kMembers;
 }
 
@@ -166,17 +129,9 @@ const char* const kWords[] = {"a",         "b",     "ab",   "abc", "aa",  "aab",
 
 // What is no well-formed character, and characters that are odd.
 const Strings& oddities() {
-  static const Strings kOddities = {
-      "\xC3",         "\xA9",
-      "\xE2\x82",     "\xF0\x9F\x98",
-      "\xC0\xAF",     "\xE0\x80\x80",
-      "\xFF",         "\xF8\x88\x80\x80\x80",
-      "\xFE\x80",     "\xFC\x84\x80\x80\x80\x80",
-      "\xED\xA0\x80", std::string(1, '\0'),
-      "\xC3\xA9",     "\xE2\x82\xAC",
-      "\xCC\x81",     "\xCE\xA3",
-      "\xCD\xB8",     "\xF4\x90\x80\x80",
-  };
+  static const Strings kOddities = wordsOf(
+      "\xC3 \xA9 \xE2\x82 \xF0\x9F\x98 \xC0\xAF \xE0\x80\x80 \xFF \xF8\x88\x80\x80\x80 \xFE\x80 "
+      "\xFC\x84\x80\x80\x80\x80 \xED\xA0\x80 é € \xCC\x81 Σ \xCD\xB8 \xF4\x90\x80\x80");
   return kOddities;
 }
 
@@ -468,7 +423,10 @@ class Sampler {
 class TextGenerator {
  public:
   TextGenerator(Choices& choices, const Piece& tree)
-      : c_(choices), sampler_(choices), tree_(tree), alphabet_(sampler_.sample(tree, 40) + "a b\n") {}
+      : c_(choices),
+        sampler_(choices),
+        tree_(tree),
+        alphabet_(sampler_.sample(tree, 40) + std::string("a b\n\0", 5)) {}
 
   std::string shortText() {
     std::string text;

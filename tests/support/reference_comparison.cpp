@@ -35,12 +35,12 @@ std::string escaped(const std::string& bytes) {
   return "\"" + text + "\"";
 }
 
-// ---- a search that reads what it must not read ends the program, but not without a word
+// ---- what reads or writes where it must not ends the program, but not without a word
 
-std::function<std::string()> running;  // tells the search that the library is asked for
+std::function<std::string()> running;  // tells the expression or the search that the library is given
 
 void tellAndExit(int) {
-  std::fprintf(stderr, "# reads what it must not read, or writes\n%s?\n", running().c_str());
+  std::fprintf(stderr, "# reads or writes where it must not\n%s\n", running().c_str());
   std::abort();
 }
 
@@ -79,6 +79,8 @@ bool Comparison::compile(const std::string& pattern, const std::string& options)
   const std::string source = options + "/" + pattern;
   if (source == source_) return compiles_;
   source_ = source;
+  std::signal(SIGSEGV, tellAndExit);
+  running = [&] { return escaped(pattern) + options + "\n"; };
   int32_t size = 0;
   int32_t errorOffset = 0;
   ulksRegExpGetSize(pattern.c_str(), &size);
@@ -123,7 +125,7 @@ std::string Comparison::row(const GeneratedSearch& search, int32_t limit) const 
 
 // Only a repeated group leaves more choices than there is room for, and only in a long text.
 bool Comparison::mayLackRoom(const GeneratedSearch& search, const Outcome& outcome) {
-  constexpr int32_t kRoom = 10000;
+  constexpr int32_t kRoom = 20000;  // in steps
   if (search.text.size() < 4096 || found_.steps < kRoom) return false;
   const bool ranOut =
       search.replace || outcome.status == ulkErrMatchLimit || outcome.records.size() < found_.records.size();
@@ -135,7 +137,6 @@ bool Comparison::mayLackRoom(const GeneratedSearch& search, const Outcome& outco
 
 std::optional<std::string> Comparison::difference(const GeneratedSearch& search) {
   if (!compile(search.pattern, search.options)) return std::nullopt;
-  std::signal(SIGSEGV, tellAndExit);
   ++numSearches;
   Outcome expected = reference(search, kNoLimit);
   if (found_.gaveUp()) {
