@@ -15,7 +15,9 @@
 namespace ulk_test {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(_WIN32)
+#if defined(__SANITIZE_ADDRESS__)
+constexpr uint64_t kCases = 10000;
+#elif defined(_WIN32)
 constexpr uint64_t kCases = 25000;
 #else
 constexpr uint64_t kCases = 100000;
