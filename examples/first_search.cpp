@@ -5,7 +5,7 @@
 
 int main() {
   const std::string text = "Questions? Write to help@example.com or sales@example.org.";
-  auto expression = ulkch::regexp::compile("(\\w+)@([\\w.]+\\w)", "i");
+  auto expression = ulkch::regexp::compile(R"((\w+)@([\w.]+\w))", "i");
   if (!expression) {
     std::cerr << ulkch::status_text(expression.status()) << " at byte " << expression.error_offset << '\n';
     return 1;

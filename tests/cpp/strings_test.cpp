@@ -103,11 +103,11 @@ TEST(CppStrings, ConvertsCase) {
 
 TEST(CppStrings, Hashes) {
   EXPECT_EQ(*ulkch::hash("ab"), 2u * 'a' ^ 'b');
+  EXPECT_EQ(*ulkch::hash(u"ab"), 2u * 'a' ^ 'b');
   EXPECT_EQ(*ulkch::hash_mscs("\0b"sv), 5381u);
+  EXPECT_EQ(*ulkch::hash_mscs(u"\0b"sv), 5381u);
   EXPECT_EQ(*ulkch::hash_sj2("ab"), 31u * 'a' + 'b');
-  EXPECT_EQ(*ulkch::hash(u"ab"), *ulkch::hash("ab"));
-  EXPECT_EQ(*ulkch::hash_mscs(u"ab"), *ulkch::hash_mscs("ab"));
-  EXPECT_EQ(*ulkch::hash_sj2(u"ab"), *ulkch::hash_sj2("ab"));
+  EXPECT_EQ(*ulkch::hash_sj2(u"ab"), 31u * 'a' + 'b');
 }
 
 TEST(CppStrings, TrimsWithoutCopying) {
