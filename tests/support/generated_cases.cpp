@@ -78,6 +78,9 @@ const Items& phrases() {
       {R"((["'])(?:(?!\1).)*\1)", {"'a'", "\"a'b\"", "'a"}},
       {R"(.*\.txt)", {"name.txt", ".txt.txt", "a.tx"}},
       {R"(.+?:)", {"ab:", ":", "a:b:"}},
+      {R"((?:a+?b|\w+)c)", {"aaac", "aabc", "ac"}},
+      {R"(\x{61}*?[bc])", {"aab", "aa", "b"}},
+      {R"((?:a*?b|(?:x|a))[ab])", {"aaa", "ab", "aac"}},
   };
   return kPhrases;
 }
@@ -96,9 +99,8 @@ const Items& singles() {
 const Items& members() {
   static const Items kMembers = itemsOf(
       "a a   b b B   A-F B f   0-9 5   _ _   \\- -   \t \t   \\n \n   \\d 3   \\w x   \\s \t   \\D x   "
-      "\\W é   \\S x   [:alpha:] q Q   [:digit:] 8   [:^digit:] x   [:punct:] !   [:xdigit:] e   [:^word:] - "
-      "  "
-      "é é \xE9   é-ÿ ñ Ñ   \\x{3b1}-\\x{3c9} σ Σ   \\x{e9} é É   z-\\x{100} ~ é Z   \\x80-\\xff \xA9 ÿ   "
+      "\\W é   \\S x   [:alpha:] q Q   [:digit:] 8   [:^digit:] x   [:punct:] !   [:xdigit:] e   [:^word:] -"
+      "   é é \xE9   é-ÿ ñ Ñ   \\x{3b1}-\\x{3c9} σ Σ   \\x{e9} é É   z-\\x{100} ~ é Z   \\x80-\\xff \xA9 ÿ   "
       "\\x{ffffff80}-a \xA9 a b   \\x{80000000}-\\x{62} \xE9 a c   \\p{Lu} A   \\P{L} 1   \\p{Han} 漢   "
       "\\Q^]\\E ^ ]   \\101 A   - -");
   return kMembers;
