@@ -17,7 +17,7 @@ namespace {
 // nest at most as deep as groups do. So within the default limit the memory suffices; a search with a higher
 // limit that comes to the end of it is out of budget.
 constexpr size_t kShallow = 2048;
-constexpr size_t kDefault = kDefaultMatchLimit * 28 + kMaxDepth * kLargestChoice + kShallow;
+constexpr size_t kDefault = size_t{kDefaultMatchLimit} * 28 + kMaxDepth * kLargestChoice + kShallow;
 constexpr size_t kDeep = size_t{800} << 10;
 constexpr size_t kMargin = 4;  // a step or a retry leaves fewer records
 
