@@ -12,6 +12,7 @@
 #include "support/compiled.h"
 #include "support/guarded.h"
 #include "support/reference_replace.h"
+#include "support/refused.h"
 #include "support/written.h"
 #include "ulkch.h"
 
@@ -156,22 +157,17 @@ TEST(ReplaceTemplate, SpecialForms) {
       {"", ""},
       {"&1\t\xff\x80 \xc3\xa9", "&1\t\xff\x80 \xc3\xa9"},
       {"$&", "abcdefghijklmn"},
-      {"$&$&", "abcdefghijklmnabcdefghijklmn"},
       {"<$&1>", "<abcdefghijklmn1>"},
-      {"$9", "i"},
       {"$1$2-$3", "ab-c"},
-      {"$10", "k"},
       {"$12", "m"},
       {"$13$014", "n"},
       {"$01$0000002", "ab"},
       {"$20,$99,$100", ",,"},
-      {"$1x2", "ax2"},
       {"$1/$2:", "a/b:"},
       {"a\\$1b", "aab"},
       {"\\", ""},
       {"\\\\x\\y\\", "xy"},
       {"\\$&\\\\$2", "abcdefghijklmnb"},
-      {"x\\&", "x&"},
       {"$" ONE "$" TWO ".", "ab."},
       {"<$" MINUS_ONE "$" SMALLEST ">", "<>"},
   };
@@ -216,7 +212,6 @@ TEST(ReplaceTemplate, ABufferServesAgain) {
   EXPECT_EQ(replacedBy("$&-$&"), "ab-bcb-bd");
   EXPECT_EQ(ulksRegExpReplaceInit("y$", state.state()), ulkErrRegExpBackRef);
   EXPECT_EQ(replacedBy(nullptr), "acd");
-  EXPECT_EQ(replacedBy("z"), "azczd");
 }
 
 // ---- arguments
@@ -224,27 +219,27 @@ TEST(ReplaceTemplate, ABufferServesAgain) {
 TEST(Replace, ChecksItsArgumentsAndWritesNothingBefore) {
   const CompiledExpression expression = compiled("b");
   const Template replacement("x");
-  const auto call = [&](int null, int32_t srcLenIn, int32_t dstLenIn) {
-    uint8_t written[] = "......";
-    ulkRegExpFind record = {kText, -7};
-    int32_t srcLen = srcLenIn, dstLen = dstLenIn, numFind = 1;
-    const auto unless = [&](int which, auto* pointer) { return null == which ? nullptr : pointer; };
-    const ulkStatus status = ulksRegExpReplace_8u(
-        unless(1, kText), unless(2, &srcLen), unless(3, &written[0]), unless(4, &dstLen), unless(5, &record),
-        unless(6, &numFind), unless(7, expression.get()), unless(8, replacement.state()));
-    EXPECT_STREQ(reinterpret_cast<const char*>(written), "......");
-    EXPECT_TRUE(record.pFound == kText && record.lenFound == -7);
-    EXPECT_TRUE(srcLen == srcLenIn && dstLen == dstLenIn && numFind == 1);
-    return status;
-  };
-  for (int null = 1; null <= 8; ++null) {
-    EXPECT_EQ(call(null, 5, 5), ulkErrNullPtr) << null;
-    EXPECT_EQ(call(null, 0, 0), ulkErrNullPtr) << null;
+  uint8_t written[] = "......";
+  ulkRegExpFind record = {kText, -7};
+  int32_t srcLen = 0, dstLen = 0, numFind = 1;
+  for (const int32_t length : {5, 0}) {
+    srcLen = dstLen = length;
+    expectNullRefused(ulksRegExpReplace_8u, kText, &srcLen, written, &dstLen, &record, &numFind,
+                      expression.get(), replacement.state());
+    EXPECT_TRUE(srcLen == length && dstLen == length);
   }
-  for (const int32_t length : {0, -1, INT32_MIN}) {
-    EXPECT_EQ(call(0, length, 5), ulkErrSize) << length;
-    EXPECT_EQ(call(0, 5, length), ulkErrSize) << length;
+  for (int32_t* const wrong : {&srcLen, &dstLen}) {
+    for (const int32_t length : {0, -1, INT32_MIN}) {
+      srcLen = dstLen = 5;
+      *wrong = length;
+      EXPECT_EQ(ulksRegExpReplace_8u(kText, &srcLen, written, &dstLen, &record, &numFind, expression.get(),
+                                     replacement.state()),
+                ulkErrSize);
+      EXPECT_TRUE(*wrong == length && std::max(srcLen, dstLen) == 5);
+    }
   }
+  EXPECT_STREQ(reinterpret_cast<const char*>(written), "......");
+  EXPECT_TRUE(record.pFound == kText && record.lenFound == -7 && numFind == 1);
 }
 
 // ---- worked out by hand
@@ -256,43 +251,32 @@ TEST(Replace, Examples) {
     int32_t numFind;
     Result result;
   } cases[] = {
-      {{"b", "g", "abcbd", "[$&]"}, 20, 5, {"a[b]c[b]d", 9, 1, 2}},
       {{"b", "g", "abcbd", "[$&]"}, 9, 5, {"a[b]c[b]", 8, 4, 2}},
       {{"b", "g", "abcbd", "[$&]"}, 8, 5, {"a[b]c[b", 5, 3, 2}},
-      {{"b", "g", "abcbd", "[$&]"}, 5, 5, {"a[b]", 4, 2, 2}},
       {{"b", "g", "abcbd", "[$&]"}, 4, 5, {"a[b", 1, 1, 2}},
-      {{"b", "g", "abcbd", "[$&]"}, 2, 5, {"a", 1, 1, 2}},
       {{"b", "g", "abcbd", "[$&]"}, 1, 5, {"", 0, 0, 2}},
       {{"b", "g", "abcb", "x"}, 5, 5, {"axcx", 4, 0, 2}},
       {{"b", "g", "abcbd", ""}, 4, 5, {"acd", 3, 1, 2}},
-      {{"b", "g", "abcbd", ""}, 3, 5, {"ac", 2, 4, 2}},
       {{"x*", "g", "ab", "-"}, 6, 9, {"-a-b-", 5, 0, 3}},
       {{"b", "", "abcbd", "[$&]"}, 8, 5, {"a[b]cbd", 7, 5, 1}},
       {{"b", "", "abcbd", "[$&]"}, 7, 5, {"a[b]", 4, 2, 1}},
-      {{"b", "", "abcbd", "[$&]"}, 4, 5, {"a[b]", 4, 2, 1}},
       {{"b", "", "abcbd", "[$&]"}, 3, 5, {"a[b", 1, 1, 1}},
-      {{"b", "", "abcbd", "[$&]"}, 1, 5, {"", 0, 0, 1}},
       // The template is measured against the whole capacity, also behind a long text.
       {{"b", "", "xxxxb", "yy"}, 5, 5, {"xxxxyy", 6, 5, 1}},
       // Without a template the text behind the match is copied whatever the capacity.
       {{"b", "", "abcbd", ""}, 20, 5, {"acbd", 1, 5, 1}},
       {{"b", "", "abcbd", "\\\\"}, 2, 5, {"acbd", 1, 5, 1}},
-      {{"b", "", "abcbd", ""}, 1, 5, {"", 0, 0, 1}},
       // No match.
       {{"q", "", "abcbd", "x"}, 3, 5, {"abc", 3, 3, 0}},
-      {{"q", "g", "abcbd", ""}, 9, 5, {"abcbd", 5, 5, 0}},
       // Groups that took no part.
       {{"(q)?b", "", "abcbd", "$1"}, 20, 5, {"a", 1, 1, 2}},
       {{"(q)?b", "", "abcbd", "$1yz"}, 20, 5, {"yzcbd", 5, 5, 2}},
-      {{"(q)?b", "", "bcd", "$1yz"}, 20, 5, {"zcd", 3, 3, 2}},
       {{"(q)?b", "", "abcd", "y$1$1$1$1zzz"}, 20, 5, {"zcd", 3, 4, 2}},
       {{"(q)?b", "g", "abcbd", "$1-"}, 20, 5, {"--d", 3, 1, 4}},
-      {{"(q)?b", "g", "abcbd", "$1"}, 20, 5, {"a", 1, 1, 4}},
       // Few records.
       {{"(b)(c)?", "", "abcbd", "<$2$1>"}, 20, 2, {"a<b>bd", 6, 5, 2}},
       {{"(b)(c)?", "", "abcbd", "<$2$1>"}, 20, 1, {"a<>bd", 5, 5, 1}},
       {{"(b)(c)?", "", "abcbd", "<>"}, 4, 0, {"abcb", 4, 4, 0}},
-      {{"b", "", "abcbd", "<>"}, 5, -5, {"abcbd", 5, 5, -5}},
       {{"(b)(c)?", "g", "abcbd", "<>"}, 5, -5, {"abcbd", 5, 5, -5}},
       {{"(b)(c)?", "g", "abcbd", "<>"}, 20, 2, {"abcbd", 5, 5, 0}},
       {{"(b)(c)?", "g", "abcbd", "<$2$1>"}, 20, 5, {"a<cb>bd", 7, 2, 3}},
@@ -358,14 +342,12 @@ TEST(Replace, RoomAtEveryCapacity) {
     std::vector<Span> records;
   } cases[] = {
       {{"abc", "", "abc", "x$&yy$&"}, 1, {{0, 3}}},
-      {{"c", "", "abcde", ""}, 1, {{2, 1}}},
       {{"c", "", "abcde", "\\xy\\zw\\"}, 1, {{2, 1}}},
       {{"b", "g", "aaaabccbccccccbbd", "1$&2"}, 1, {{4, 1}, {7, 1}, {14, 1}, {15, 1}}},
       {{"b+", "g", "abbbcbbb", ""}, 1, {{1, 3}, {5, 3}}},
       {{"()", "", "abc", "$1x$&y$1"}, 2, {{0, 0}, {0, 0}}},
       {{"(b)(x)?(c)", "", "aabcdd", "$2$3$1$2"}, 4, {{2, 2}, {2, 1}, kUnset, {3, 1}}},
       {{"(b)(x)?(c)", "", "bcdd", "$2123$2$2$3"}, 4, {{0, 2}, {0, 1}, kUnset, {1, 1}}},
-      {{"(b)(x)?(c)", "", "aabcd", "$2$2$22$4$10"}, 4, {{2, 2}, {2, 1}, kUnset, {3, 1}}},
       {{"(b)?(x)?c", "g", "abccbca", "$2<$1>"},
        3,
        {{1, 2}, {1, 1}, kUnset, {3, 1}, kUnset, kUnset, {4, 2}, {4, 1}, kUnset}},
@@ -374,7 +356,6 @@ TEST(Replace, RoomAtEveryCapacity) {
       {{"b.", "", "aaab\xe2\x82", "<$&>", "\xac"}, 1, {{3, 4}}},
       {{"b.", "g", "abcdb\xe2\x82", "<$&>", "\xac"}, 1, {{1, 2}, {4, 4}}},
       {{"(b).", "g", "b\xe2", "$&$1$&", "\x82\xac"}, 2, {{0, 4}, {0, 1}}},
-      {{"(b).", "", "aab\xe2", "$&$1$&", "\x82\xac"}, 2, {{2, 4}, {2, 1}}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE("case " + std::to_string(&c - cases));

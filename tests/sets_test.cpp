@@ -12,6 +12,7 @@
 
 #include "support/compiled.h"
 #include "support/guarded.h"
+#include "support/refused.h"
 #include "support/written.h"
 #include "ulkch.h"
 
@@ -102,8 +103,7 @@ TEST(Sets, Sizes) {
     EXPECT_EQ(static_cast<uint32_t>(Set::sizeOf(slots)), static_cast<uint32_t>(one + (slots - 1) * slot));
 
   int32_t size = -7;
-  EXPECT_EQ(ulksRegExpMultiGetSize(0, nullptr), ulkErrNullPtr);
-  EXPECT_EQ(ulksRegExpMultiGetSize(3, nullptr), ulkErrNullPtr);
+  for (const uint32_t slots : {0u, 3u}) EXPECT_EQ(ulksRegExpMultiGetSize(slots, nullptr), ulkErrNullPtr);
   EXPECT_EQ(ulksRegExpMultiGetSize(0, &size), ulkErrSize);
   EXPECT_EQ(size, -7);
 }
@@ -135,17 +135,14 @@ TEST(Sets, ChecksItsArgumentsBeforeItLooksAtTheSlots) {
       ASSERT_EQ(ulksRegExpMultiAdd(expression.get(), 6, set.get()), ulkOk);
     }
     const std::string before = set.bytes();
-    EXPECT_EQ(ulksRegExpMultiAdd(nullptr, 0, set.get()), ulkErrNullPtr);
-    EXPECT_EQ(ulksRegExpMultiAdd(expression.get(), 0, nullptr), ulkErrNullPtr);
-    EXPECT_EQ(ulksRegExpMultiAdd(expression.get(), 0, set.get()), ulkErrBadId);
+    for (const auto change : {ulksRegExpMultiAdd, ulksRegExpMultiModify}) {
+      for (const uint32_t id : {0u, 5u}) expectNullRefused(change, expression.get(), id, set.get());
+      EXPECT_EQ(change(expression.get(), 0, set.get()), ulkErrBadId);
+    }
+    EXPECT_EQ(ulksRegExpMultiModify(expression.get(), 9, set.get()), ulkErrIdNotFound);
     EXPECT_EQ(ulksRegExpMultiDelete(0, nullptr), ulkErrNullPtr);
     EXPECT_EQ(ulksRegExpMultiDelete(0, set.get()), ulkErrBadId);
     EXPECT_EQ(ulksRegExpMultiDelete(9, set.get()), ulkErrIdNotFound);
-    EXPECT_EQ(ulksRegExpMultiModify(nullptr, 0, set.get()), ulkErrNullPtr);
-    EXPECT_EQ(ulksRegExpMultiModify(nullptr, 5, set.get()), ulkErrNullPtr);
-    EXPECT_EQ(ulksRegExpMultiModify(expression.get(), 5, nullptr), ulkErrNullPtr);
-    EXPECT_EQ(ulksRegExpMultiModify(expression.get(), 0, set.get()), ulkErrBadId);
-    EXPECT_EQ(ulksRegExpMultiModify(expression.get(), 9, set.get()), ulkErrIdNotFound);
     EXPECT_EQ(set.bytes(), before);
   }
   EXPECT_EQ(ulksRegExpMultiAdd(expression.get(), 5, set.get()), ulkErrSetFull);
@@ -153,31 +150,24 @@ TEST(Sets, ChecksItsArgumentsBeforeItLooksAtTheSlots) {
 
 TEST(Sets, KeepTheirSlotsAsAListDoes) {
   const std::string text = "abcdefghijklmnopqrstuvwxyz";
-  std::vector<CompiledExpression> owners;
-  std::vector<ulkRegExpState*> expressions;
-  for (const char letter : text) {
-    owners.push_back(compiled(std::string(1, letter)));
-    expressions.push_back(owners.back().get());
-  }
+  std::vector<CompiledExpression> expressions;
+  for (const char letter : text) expressions.push_back(compiled(std::string(1, letter)));
   // Among them is what the memory of a set holds before it is one.
   constexpr uint32_t kIds[] = {0, 1, 2, 3, 0xA5A5A5A5, 0x80000000, 0xFFFFFFFF};
   std::mt19937 random(62);
   for (const uint32_t numSlots : {1u, 2u, 3u, 4u, 5u, 7u, 8u, 9u, 19u}) {
     Set set(numSlots);
     std::vector<Slot> slots(numSlots);
-    for (int step = 0; step < 300; ++step) {
+    for (size_t step = 0; step < 300; ++step) {
       const uint32_t id = kIds[random() % 7];
-      const auto isIn = [&](const Slot& slot) { return slot.id == id; };
-      const auto isFree = [](const Slot& slot) { return !slot.expression; };
-      const auto isUnused = [&](ulkRegExpState* expression) {
-        return std::none_of(slots.begin(), slots.end(),
-                            [&](const Slot& slot) { return slot.expression == expression; });
-      };
-      // Every expression is in one slot at most, for the sake of the parallel searches.
-      ulkRegExpState* const expression = *std::find_if(expressions.begin(), expressions.end(), isUnused);
       const auto operation = random() % 5;
-      const auto slot = operation > 1 ? std::find_if(slots.begin(), slots.end(), isFree)
-                                      : std::find_if(slots.begin(), slots.end(), isIn);
+      // Every expression is in one slot at most, for the sake of the parallel searches.
+      ulkRegExpState* const expression = expressions[step % (numSlots + 1)].get();
+      const auto isIn = [&](const Slot& slot) { return slot.expression == expression; };
+      if (operation > 0 && std::any_of(slots.begin(), slots.end(), isIn)) continue;
+      const auto slot = std::find_if(slots.begin(), slots.end(), [&](const Slot& candidate) {
+        return operation > 1 ? !candidate.expression : candidate.id == id;
+      });
       ulkStatus expected = operation > 1 ? ulkErrSetFull : ulkErrIdNotFound;
       if (id == 0) {
         expected = ulkErrBadId;
@@ -204,9 +194,7 @@ TEST(Sets, FindChecksItsArgumentsAndWritesNothingBefore) {
   const uint8_t text[] = "a";
   ulkRegExpFind record = {text, -7};
   ulkRegExpMultiFind result = {-1, 2, 1, -3, &record};
-  EXPECT_EQ(ulksRegExpMultiFind_8u(nullptr, 0, &result, set.get()), ulkErrNullPtr);
-  EXPECT_EQ(ulksRegExpMultiFind_8u(text, 0, &result, nullptr), ulkErrNullPtr);
-  EXPECT_EQ(ulksRegExpMultiFind_8u(text, 0, nullptr, set.get()), ulkErrNullPtr);
+  expectNullRefused(ulksRegExpMultiFind_8u, text, 0, &result, set.get());
   EXPECT_EQ(ulksRegExpMultiFind_8u(text, 0, &result, set.get()), ulkErrSize);
   EXPECT_EQ(ulksRegExpMultiFind_8u(text, INT32_MIN, &result, set.get()), ulkErrSize);
   EXPECT_TRUE(result.searched == -1 && result.id == 2 && result.numFind == 1 && result.status == -3);
@@ -253,8 +241,8 @@ TEST(Sets, ReportsWhatEachFindReturns) {
     EXPECT_EQ(results[i].numFind, cases[i].numFound);
     EXPECT_EQ(results[i].pFind, cases[i].hasRecords ? records[i] : nullptr);
   }
-  EXPECT_TRUE(results[kCases].searched == -1 && results[kCases].id == 2 && results[kCases].numFind == -3 &&
-              results[kCases].status == -4);
+  const ulkRegExpMultiFind& unused = results[kCases];
+  EXPECT_TRUE(unused.searched == -1 && unused.id == 2 && unused.numFind == -3 && unused.status == -4);
 }
 
 // A set of more expressions than a machine has processors, some slots free, over random texts.

@@ -56,17 +56,15 @@ TYPED_TEST(Primitives, CopyFromAnyAddressToAnyOther) {
 
 TYPED_TEST(Primitives, MoveBetweenOverlappingBlocks) {
   for (const size_t distance : std::initializer_list<size_t>{0, 1, 3, 8, 16, 50}) {
-    std::vector<TypeParam> units(200);
-    std::iota(units.begin(), units.end(), TypeParam{0});
-    const std::vector<TypeParam> original = units;
-    EXPECT_EQ(Blocks<TypeParam>::move(&units[0], &units[distance], 100), ulkOk);
-    EXPECT_TRUE(std::equal(original.begin(), original.begin() + 100,
-                           units.begin() + static_cast<ptrdiff_t>(distance)));
-    units = original;
-    EXPECT_EQ(Blocks<TypeParam>::move(&units[distance], &units[0], 100), ulkOk);
-    EXPECT_TRUE(
-        std::equal(units.begin(), units.begin() + 100, original.begin() + static_cast<ptrdiff_t>(distance)));
-    EXPECT_TRUE(std::equal(units.begin() + 100, units.end(), original.begin() + 100));
+    for (const bool up : {true, false}) {
+      std::vector<TypeParam> units(200);
+      std::iota(units.begin(), units.end(), TypeParam{0});
+      std::vector<TypeParam> expected = units;
+      const size_t from = up ? 0 : distance, to = distance - from;
+      for (size_t i = 0; i < 100; ++i) expected[to + i] = units[from + i];
+      EXPECT_EQ(Blocks<TypeParam>::move(&units[from], &units[to], 100), ulkOk);
+      EXPECT_EQ(units, expected) << distance;
+    }
   }
 }
 

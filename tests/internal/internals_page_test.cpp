@@ -7,23 +7,12 @@
 #include <iterator>
 #include <sstream>
 #include <string>
-#include <vector>
 
-#include "regexp/state.h"
+#include "support/compiled.h"
 #include "support/dump.h"
 
 namespace ulk {
 namespace {
-
-std::string programOf(const std::string& pattern, const std::string& options) {
-  int32_t size = 0;
-  int32_t offset = 0;
-  ulksRegExpGetSize(pattern.c_str(), &size);
-  std::vector<uint64_t> buffer(static_cast<size_t>(size) / sizeof(uint64_t) + 1);
-  auto* const state = reinterpret_cast<ulkRegExpState*>(buffer.data());
-  EXPECT_EQ(ulksRegExpInit(pattern.c_str(), options.c_str(), state, &offset), ulkOk);
-  return dump(*state);
-}
 
 std::string contentOf(const std::string& path) {
   std::ifstream stream(std::string(ULKCH_TEST_DATA_DIR) + "/../../" + path);
@@ -48,8 +37,8 @@ TEST(InternalsPage, ShowsTheProgramsThatAreMade) {
   int compared = 0;
   for (; std::getline(block, expression) && std::getline(block, program); ++compared) {
     const size_t end = expression.rfind('/');
-    EXPECT_EQ("  " + programOf(expression.substr(1, end - 1), expression.substr(end + 1)), program)
-        << expression;
+    ulk_test::StateBuffer compiled(expression.substr(1, end - 1), expression.substr(end + 1));
+    EXPECT_EQ("  " + dump(*compiled.state()), program) << expression;
   }
   EXPECT_GT(compared, 0);
 }
