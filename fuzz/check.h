@@ -38,7 +38,10 @@ inline void check(bool holds, const char* claim) {
 #define ULK_CHECK(condition) ::ulk_fuzz::check(condition, #condition)
 #endif
 
-constexpr size_t kAtEnd = 31;  // the greatest shift
+// Greater shifts than a target takes from its input: right before what cannot be touched, at an odd address
+// where the heap is watched, or at one for any structure.
+constexpr size_t kAtEnd = 31;
+constexpr size_t kAligned = 32;
 
 #ifdef ULK_WATCHED_HEAP
 
@@ -62,8 +65,8 @@ class WatchedBytes {
 
 #else
 
-// Guarded pages, which the bytes begin `shift` bytes behind the start of, or end with for the greatest shift,
-// and what lies next to the bytes. The pages are kept for the next one.
+// Guarded pages, which the bytes begin `shift` bytes behind the start of, or end with, and what lies next to
+// the bytes. The pages are kept for the next one.
 class WatchedBytes {
  public:
   WatchedBytes(size_t bytes, size_t shift) {
@@ -73,7 +76,7 @@ class WatchedBytes {
     const auto spare = std::find_if(spares().begin(), spares().end(), suffices);
     pages_ = spare != spares().end() ? std::move(*spare)
                                      : std::make_unique<ulk_test::GuardedPages>(bytes + kAtEnd);
-    start_ = shift == kAtEnd ? pages_->end() - bytes : pages_->begin() + shift;
+    start_ = shift >= kAtEnd ? pages_->end() - bytes : pages_->begin() + shift;
     begin_ = std::max(pages_->begin(), start_ - kMargin);
     end_ = std::min(pages_->end(), start_ + bytes + kMargin);
   }
@@ -90,7 +93,7 @@ class WatchedBytes {
  private:
   using Pages = std::unique_ptr<ulk_test::GuardedPages>;
   static std::vector<Pages>& spares() {
-    static std::vector<Pages> kept(8);
+    thread_local std::vector<Pages> kept(8);
     return kept;
   }
 
