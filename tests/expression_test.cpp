@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
+#include "fuzz/check.h"
 #include "support/compiled.h"
 #include "support/expression_cases.h"
-#include "support/guarded.h"
 #include "support/outcome.h"
 #include "ulkch.h"
 
@@ -69,9 +69,8 @@ void checkSearch(const Search& expected, const uint8_t* text, ulkRegExpState* st
 void checkSearchAtGuards(const Search& expected, ulkRegExpState* state) {
   std::vector<uint8_t> bytes(expected.text.begin(), expected.text.end());
   bytes.insert(bytes.end(), expected.behind.begin(), expected.behind.end());
-  GuardedUnits<uint8_t> pages(bytes.size());
-  checkSearch(expected, pages.endingAtGuard(bytes), state);
-  checkSearch(expected, pages.startingAtGuard(bytes), state);
+  for (const size_t shift : {ulk_fuzz::kAtEnd, size_t{0}})
+    checkSearch(expected, ulk_fuzz::Block<uint8_t>(bytes, shift).get(), state);
 }
 
 void checkExpression(const Expression& expression) {

@@ -11,14 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "support/deep_stack.h"
 #include "ulkch.h"
-
-#ifdef _WIN32
-#include <windows.h>
-#else
-#include <pthread.h>
-#include <sys/mman.h>
-#endif
 
 namespace {
 
@@ -27,7 +21,7 @@ constexpr size_t kFrameGrowth = 8;  // instrumented frames are several times as 
 #else
 constexpr size_t kFrameGrowth = 1;
 #endif
-constexpr size_t kThreadStack = (size_t{1} << 20) * kFrameGrowth;
+constexpr size_t kPainted = (size_t{1} << 20) * kFrameGrowth;     // of a stack that is larger
 constexpr size_t kMostUsed = (size_t{512} << 10) * kFrameGrowth;  // at the default limit
 constexpr size_t kMostUsedAtAll = (size_t{832} << 10) * kFrameGrowth;
 constexpr int32_t kDefaultLimit = 10000;
@@ -41,7 +35,6 @@ struct Search {
   ulkRegExpFind record;
   ulkStatus status;
   size_t stackUsed;
-  uintptr_t lowest;  // of the thread's stack; set by the thread itself on Windows
 };
 
 constexpr uint8_t kPaint = 0xC5;
@@ -59,57 +52,14 @@ __attribute__((noinline, no_sanitize("address"))) uintptr_t lowestUsed(uintptr_t
 
 __attribute__((noinline)) void searchOnPaintedStack(Search* search) {
   const auto frame = reinterpret_cast<uintptr_t>(__builtin_frame_address(0));
-  paint(search->lowest, frame - kOwnFrames);
+  paint(frame - kPainted, frame - kOwnFrames);
   int32_t count = 1;
   search->status =
       ulksRegExpFind_8u(reinterpret_cast<const uint8_t*>(search->text->data()),
                         static_cast<int32_t>(search->text->size()), search->state, &search->record, &count);
   if (count == 0) search->record = {nullptr, -1};
-  search->stackUsed = frame - lowestUsed(search->lowest);
+  search->stackUsed = frame - lowestUsed(frame - kPainted);
 }
-
-#ifdef _WIN32
-DWORD WINAPI threadMain(void* argument) {
-  auto* search = static_cast<Search*>(argument);
-  MEMORY_BASIC_INFORMATION region = {};
-  VirtualQuery(&region, &region, sizeof region);
-  search->lowest =
-      reinterpret_cast<uintptr_t>(region.AllocationBase) + (size_t{64} << 10);  // guard pages stay
-  searchOnPaintedStack(search);
-  return 0;
-}
-
-void run(Search* search) {
-  HANDLE thread =
-      CreateThread(nullptr, kThreadStack, threadMain, search, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
-  ASSERT_NE(thread, nullptr);
-  WaitForSingleObject(thread, INFINITE);
-  CloseHandle(thread);
-}
-#else
-void* threadMain(void* argument) {
-  searchOnPaintedStack(static_cast<Search*>(argument));
-  return nullptr;
-}
-
-void run(Search* search) {
-  constexpr size_t kGuard = size_t{64} << 10;
-  void* block =
-      mmap(nullptr, kGuard + kThreadStack, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  ASSERT_NE(block, MAP_FAILED);
-  mprotect(block, kGuard, PROT_NONE);
-  char* const stack = static_cast<char*>(block) + kGuard;
-  search->lowest = reinterpret_cast<uintptr_t>(stack);
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  pthread_attr_setstack(&attributes, stack, kThreadStack);
-  pthread_t thread;
-  ASSERT_EQ(pthread_create(&thread, &attributes, threadMain, search), 0);
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-  munmap(block, kGuard + kThreadStack);
-}
-#endif
 
 Search searchWith(const std::string& pattern, const std::string& text, int32_t limit) {
   int32_t errOffset = 0;
@@ -118,7 +68,7 @@ Search searchWith(const std::string& pattern, const std::string& text, int32_t l
   EXPECT_EQ(ulksRegExpInitAlloc(pattern.c_str(), "", &search.state, &errOffset), ulkOk) << errOffset;
   if (!search.state) return search;
   ulksRegExpSetMatchLimit(limit, search.state);
-  run(&search);
+  ulk_test::onDeepStack([&] { searchOnPaintedStack(&search); });
   ulksRegExpFree(search.state);
   return search;
 }
