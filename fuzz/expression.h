@@ -31,7 +31,7 @@ struct Found {
 class CString {
  public:
   explicit CString(const std::string& string)
-      : block_({string.c_str(), string.c_str() + string.size() + 1}, 0) {}
+      : block_({string.c_str(), string.c_str() + string.size() + 1}, kAtEnd) {}
   const char* get() const { return block_.get(); }
 
  private:
@@ -108,30 +108,30 @@ class CompiledExpression {
 
 class PreparedTemplate {
  public:
-  explicit PreparedTemplate(const std::string& text) : template_(text) {
-    int32_t size = 0;
-    ULK_CHECK(ulksRegExpReplaceGetSize(template_.get(), &size) == ulkOk);
-    buffer_ = std::malloc(static_cast<size_t>(size));
-    std::memset(buffer_, 0x5A, static_cast<size_t>(size));
-    status_ = ulksRegExpReplaceInit(template_.get(), static_cast<ulkRegExpReplaceState*>(buffer_));
+  explicit PreparedTemplate(const std::string& text)
+      : template_(text), block_(sizeOf(template_.get()), kAligned) {
+    status_ = ulksRegExpReplaceInit(template_.get(), state());
+    ULK_CHECK(block_.holds(block_.units()));
   }
-  PreparedTemplate(const PreparedTemplate&) = delete;
-  PreparedTemplate& operator=(const PreparedTemplate&) = delete;
-  ~PreparedTemplate() { std::free(buffer_); }
 
+  static size_t sizeOf(const char* text) {
+    int32_t size = 0;
+    ULK_CHECK(ulksRegExpReplaceGetSize(text, &size) == ulkOk);
+    return static_cast<size_t>(size);
+  }
   ulkStatus status() const { return status_; }
-  const ulkRegExpReplaceState* state() const { return static_cast<ulkRegExpReplaceState*>(buffer_); }
+  ulkRegExpReplaceState* state() const { return reinterpret_cast<ulkRegExpReplaceState*>(block_.get()); }
 
  private:
   CString template_;
-  void* buffer_;
+  Block<char> block_;
   ulkStatus status_;
 };
 
 // Find records that a call fills.
 class FindRecords {
  public:
-  explicit FindRecords(int32_t count) : block_(static_cast<size_t>(count), 0), count_(count) {}
+  explicit FindRecords(int32_t count) : block_(static_cast<size_t>(count), kAligned), count_(count) {}
 
   ulkRegExpFind* get() const { return block_.get(); }
 

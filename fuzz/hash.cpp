@@ -1,25 +1,18 @@
-// Hashing against the formulas.
+// Hashing.
 // Number: the alignment. Field: the text.
-#include "check.h"
+#include "hash.h"
+
 #include "input.h"
-#include "support/api.h"
-#include "support/reference_hash.h"
 
 using namespace ulk_fuzz;
-using ulk_test::Api;
 
 namespace {
 
 template <class Unit>
 void run(Input input) {
-  const size_t shift = input.numberTo(31);
+  const size_t shift = input.numberTo(kAtEnd);
   const auto units = unitsOf<Unit>(input.rest());
-  const Block<Unit> block(units, shift);
-  ulk_test::Hashes hashes = {77, 77, 77};
-  ULK_CHECK(Api<Unit>::hash(block.get(), lengthOf(units), &hashes.hash) == ulkOk);
-  ULK_CHECK(Api<Unit>::hashMSCS(block.get(), lengthOf(units), &hashes.hashMSCS) == ulkOk);
-  ULK_CHECK(Api<Unit>::hashSJ2(block.get(), lengthOf(units), &hashes.hashSJ2) == ulkOk);
-  ULK_CHECK(hashes == ulk_test::referenceHashes(units));
+  checkHash(units, shift, ulk_test::referenceHashes(units));
 }
 
 }  // namespace

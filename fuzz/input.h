@@ -14,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+#include "check.h"
+
 namespace ulk_fuzz {
 
 class Input {
@@ -36,6 +38,12 @@ class Input {
 
   // The next number, brought into the range 0 .. most.
   size_t numberTo(size_t most) { return static_cast<uint32_t>(number()) % (most + 1); }
+
+  Shifts shifts() {
+    const size_t text = numberTo(kAtEnd);
+    const size_t other = numberTo(kAtEnd);
+    return {text, other, numberTo(kAtEnd)};
+  }
 
   bool hasNumbers() const { return numbers_.find_first_of("0123456789") != std::string::npos; }
 
@@ -63,11 +71,6 @@ std::vector<Unit> unitsOf(const std::string& field) {
   std::vector<Unit> units(field.size() / sizeof(Unit));
   if (!units.empty()) std::memcpy(units.data(), field.data(), units.size() * sizeof(Unit));
   return units;
-}
-
-template <class Unit>
-int32_t lengthOf(const std::vector<Unit>& units) {
-  return static_cast<int32_t>(units.size());
 }
 
 }  // namespace ulk_fuzz

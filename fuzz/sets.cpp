@@ -1,11 +1,11 @@
-// Pattern sets against a list of the same expressions, and their search against searches one by one.
+// Pattern sets.
 // Numbers: the slots of the set, threads, match limit, alignment of the text, records of a slot; then what is
 // done with the set: the operation, the expression and the id of each step.
 // Fields: options; up to the last, a pattern each; the text.
+#include "sets.h"
+
 #include <memory>
 
-#include "check.h"
-#include "expression.h"
 #include "input.h"
 #include "support/test_core.h"
 #include "ulkch.h"
@@ -13,88 +13,6 @@
 using namespace ulk_fuzz;
 
 namespace {
-
-struct Slot {
-  CompiledExpression* expression = nullptr;
-  uint32_t id = 0;
-};
-
-class Set {
- public:
-  explicit Set(size_t numSlots) : slots_(numSlots) {
-    int32_t size = 0;
-    ULK_CHECK(ulksRegExpMultiGetSize(static_cast<uint32_t>(numSlots), &size) == ulkOk);
-    ULK_CHECK(ulksRegExpMultiInitAlloc(&set_, static_cast<uint32_t>(numSlots)) == ulkOk);
-    ULK_CHECK(ulk::testcore::lastSize() == size);
-  }
-  Set(const Set&) = delete;
-  Set& operator=(const Set&) = delete;
-  ~Set() { ulksRegExpMultiFree(set_); }
-
-  // An expression is in one slot at most, as a search on several threads wants it.
-  void add(CompiledExpression& expression, uint32_t id) {
-    if (slotHolding(&expression)) return;
-    Slot* const free = slotHolding(nullptr);
-    const ulkStatus status = ulksRegExpMultiAdd(expression.state(), id, set_);
-    ULK_CHECK(status == (id == 0 ? ulkErrBadId : !free ? ulkErrSetFull : ulkOk));
-    if (status == ulkOk) *free = {&expression, id};
-  }
-
-  void remove(uint32_t id) {
-    Slot* const slot = slotOf(id);
-    const ulkStatus status = ulksRegExpMultiDelete(id, set_);
-    ULK_CHECK(status == statusFor(id, slot));
-    if (status == ulkOk) *slot = {};
-  }
-
-  void modify(CompiledExpression& expression, uint32_t id) {
-    if (slotHolding(&expression)) return;
-    Slot* const slot = slotOf(id);
-    const ulkStatus status = ulksRegExpMultiModify(expression.state(), id, set_);
-    ULK_CHECK(status == statusFor(id, slot));
-    if (status == ulkOk) slot->expression = &expression;
-  }
-
-  void search(const SearchedText& text, int32_t numRecords) const {
-    std::vector<FindRecords> records;
-    const Block<ulkRegExpMultiFind> results(slots_.size(), 0);
-    for (size_t i = 0; i < slots_.size(); ++i) {
-      records.emplace_back(numRecords);
-      if (slots_[i].expression) results.get()[i] = {77, 77, numRecords, 77, records.back().get()};
-    }
-    const Block<ulkRegExpMultiFind> untouched(slots_.size(), 0);
-    const ulkStatus status = ulksRegExpMultiFind_8u(text.get(), text.length(), results.get(), set_);
-    ULK_CHECK(status == (text.length() < 1 ? ulkErrSize : ulkOk));
-    for (size_t i = 0; i < slots_.size() && status == ulkOk; ++i) {
-      const ulkRegExpMultiFind& result = results.get()[i];
-      if (!slots_[i].expression) {
-        ULK_CHECK(std::memcmp(&result, untouched.get() + i, sizeof result) == 0);
-        continue;
-      }
-      ULK_CHECK(result.searched == 1 && result.id == slots_[i].id && result.pFind == records[i].get());
-      const Found found = {result.status, result.numFind, records[i].written(text.get())};
-      ULK_CHECK(found == text.find(slots_[i].expression->state(), numRecords));
-    }
-  }
-
- private:
-  Slot* slotHolding(const CompiledExpression* expression) {
-    for (Slot& slot : slots_)
-      if (slot.expression == expression) return &slot;
-    return nullptr;
-  }
-  Slot* slotOf(uint32_t id) {
-    for (Slot& slot : slots_)
-      if (slot.expression && slot.id == id) return &slot;
-    return nullptr;
-  }
-  static ulkStatus statusFor(uint32_t id, const Slot* slot) {
-    return id == 0 ? ulkErrBadId : slot ? ulkOk : ulkErrIdNotFound;
-  }
-
-  std::vector<Slot> slots_;
-  ulkRegExpMultiState* set_ = nullptr;
-};
 
 using Expressions = std::vector<std::unique_ptr<CompiledExpression>>;
 
@@ -109,7 +27,15 @@ Expressions expressionsIn(const std::vector<std::string>& fields, const std::str
 }
 
 void run(Input input) {
-  Set set(1 + input.numberTo(15));
+  const auto numSlots = static_cast<uint32_t>(1 + input.numberTo(15));
+  int32_t size = 0;
+  ulkRegExpMultiState* allocated = nullptr;
+  ULK_CHECK(ulksRegExpMultiGetSize(numSlots, &size) == ulkOk);
+  ULK_CHECK(ulksRegExpMultiInitAlloc(&allocated, numSlots) == ulkOk);
+  ULK_CHECK(ulk::testcore::lastSize() == size);
+  const std::unique_ptr<ulkRegExpMultiState, void(ULK_CALL*)(ulkRegExpMultiState*)> owner(
+      allocated, ulksRegExpMultiFree);
+  ModelledSet set(allocated, numSlots);
   ulk::testcore::setNumThreads(1 + static_cast<int32_t>(input.numberTo(3)));
   const auto limit = static_cast<int32_t>(input.numberTo(5000));
   const size_t shift = input.numberTo(31);

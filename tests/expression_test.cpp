@@ -8,19 +8,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
+#include <map>
 #include <string>
 #include <vector>
 
+#include "fuzz/check.h"
+#include "support/compiled.h"
 #include "support/expression_cases.h"
-#include "support/guarded.h"
 #include "support/outcome.h"
 #include "ulkch.h"
-
-#ifndef ULKCH_TEST_DATA_DIR
-#define ULKCH_TEST_DATA_DIR "tests/data"
-#endif
 
 namespace ulk_test {
 namespace {
@@ -30,67 +26,17 @@ const char* const kFiles[] = {"items",      "repeats", "classes",      "properti
                               "limits",     "errors",  "conditionals", "everyday",           "syntax"};
 
 std::string pathOf(const std::string& name) {
-  const char* given = std::getenv("ULKCH_TEST_DATA");
-  const std::string directory = given ? given : ULKCH_TEST_DATA_DIR;
+  const std::string directory = ULKCH_TEST_DATA_DIR;
   return directory + (name == "syntax" ? "/../../docs/syntax.md" : "/" + name + ".txt");
 }
 
 std::string errorName(ulkStatus status) {
-  switch (status) {
-    case ulkErrRegExpSyntax:
-      return "syntax";
-    case ulkErrRegExpClass:
-      return "class";
-    case ulkErrRegExpBackRef:
-      return "backref";
-    case ulkErrRegExpGroup:
-      return "group";
-    case ulkErrRegExpQuantifier:
-      return "quantifier";
-    case ulkErrRegExpOptions:
-      return "options";
-    default:
-      return std::to_string(status);
-  }
-}
-
-// A state buffer of exactly the stated size, full of `fill`, with a guard zone behind it.
-class StateBuffer {
- public:
-  StateBuffer(const std::string& pattern, uint8_t fill) {
-    int32_t size = 0;
-    EXPECT_EQ(ulksRegExpGetSize(pattern.c_str(), &size), ulkOk);
-    size_ = static_cast<size_t>(size);
-    words_.resize((size_ + kZone) / sizeof(uint64_t) + 1);
-    std::memset(words_.data(), fill, size_);
-    std::memset(bytes() + size_, kZoneByte, kZone);
-  }
-
-  ulkRegExpState* state() { return reinterpret_cast<ulkRegExpState*>(words_.data()); }
-
-  bool zoneIntact() {
-    return std::all_of(bytes() + size_, bytes() + size_ + kZone,
-                       [](uint8_t byte) { return byte == kZoneByte; });
-  }
-
- private:
-  static constexpr size_t kZone = 64;
-  static constexpr uint8_t kZoneByte = 0xEE;
-  uint8_t* bytes() { return reinterpret_cast<uint8_t*>(words_.data()); }
-
-  size_t size_ = 0;
-  std::vector<uint64_t> words_;
-};
-
-// "" for success, else "error NAME OFFSET".
-std::string compile(const Expression& expression, ulkRegExpState* state) {
-  constexpr int32_t kUntouched = -77;
-  int32_t offset = kUntouched;
-  const ulkStatus status =
-      ulksRegExpInit(expression.pattern.c_str(), expression.options.c_str(), state, &offset);
-  if (status != ulkOk) return "error " + errorName(status) + " " + std::to_string(offset);
-  EXPECT_EQ(offset, kUntouched) << "a successful compile wrote the error offset";
-  return "";
+  const std::map<ulkStatus, std::string> kNames = {
+      {ulkErrRegExpSyntax, "syntax"},         {ulkErrRegExpClass, "class"},
+      {ulkErrRegExpBackRef, "backref"},       {ulkErrRegExpGroup, "group"},
+      {ulkErrRegExpQuantifier, "quantifier"}, {ulkErrRegExpOptions, "options"}};
+  const auto found = kNames.find(status);
+  return found == kNames.end() ? std::to_string(status) : found->second;
 }
 
 // One search with one compiled state, at one place of the text and in every format that must not matter.
@@ -123,21 +69,25 @@ void checkSearch(const Search& expected, const uint8_t* text, ulkRegExpState* st
 void checkSearchAtGuards(const Search& expected, ulkRegExpState* state) {
   std::vector<uint8_t> bytes(expected.text.begin(), expected.text.end());
   bytes.insert(bytes.end(), expected.behind.begin(), expected.behind.end());
-  GuardedUnits<uint8_t> pages(bytes.size());
-  checkSearch(expected, pages.endingAtGuard(bytes), state);
-  checkSearch(expected, pages.startingAtGuard(bytes), state);
+  for (const size_t shift : {ulk_fuzz::kAtEnd, size_t{0}})
+    checkSearch(expected, ulk_fuzz::Block<uint8_t>(bytes, shift).get(), state);
 }
 
 void checkExpression(const Expression& expression) {
   for (const uint8_t fill : {uint8_t{0xA5}, uint8_t{0}}) {
-    StateBuffer buffer(expression.pattern, fill);
-    ASSERT_EQ(compile(expression, buffer.state()), expression.error);
-    EXPECT_TRUE(buffer.zoneIntact()) << "the compile wrote past the size of its state";
+    StateBuffer buffer(expression.pattern, expression.options, fill);
+    const int32_t offset = buffer.errorOffset();
+    if (buffer.status() == ulkOk) {
+      ASSERT_EQ("", expression.error);
+      EXPECT_EQ(offset, StateBuffer::kUntouched) << "a successful compile wrote the error offset";
+    } else {
+      ASSERT_EQ("error " + errorName(buffer.status()) + " " + std::to_string(offset), expression.error);
+    }
     for (const Search& expected : expression.searches) {
       SCOPED_TRACE("line " + std::to_string(expected.line));
       checkSearchAtGuards(expected, buffer.state());
     }
-    EXPECT_TRUE(buffer.zoneIntact()) << "a search wrote past the size of its state";
+    EXPECT_TRUE(buffer.zoneIntact()) << "something was written past the size of the state";
   }
 }
 

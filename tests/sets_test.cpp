@@ -2,27 +2,35 @@
 // the expressions find one by one. (The internal test of the same name looks at the threads.)
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
 #include <iterator>
+#include <memory>
 #include <random>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "fuzz/sets.h"
 #include "support/compiled.h"
-#include "support/guarded.h"
-#include "support/written.h"
+#include "support/refused.h"
 #include "ulkch.h"
 
 namespace ulk_test {
 namespace {
 
-// A set that ends at a guard.
+using Expression = ulk_fuzz::CompiledExpression;
+
+constexpr int32_t kRecords = 6;
+
+std::unique_ptr<Expression> expressionOf(const std::string& pattern, const std::string& options) {
+  return std::make_unique<Expression>(pattern, options, ulk_fuzz::Memory::kCallers);
+}
+
+const uint8_t* textOf(const std::string& text) { return reinterpret_cast<const uint8_t*>(text.c_str()); }
+
+// A set in memory of its own.
 class Set {
  public:
-  explicit Set(uint32_t slots) : size_(sizeOf(slots)), pages_(size_) {
-    std::memset(pages_.end() - size_, 0xA5, size_);
+  explicit Set(uint32_t slots) : block_(sizeOf(slots), ulk_fuzz::kAligned), model(get(), slots) {
     EXPECT_EQ(ulksRegExpMultiInit(get(), slots), ulkOk);
   }
   static size_t sizeOf(uint32_t slots) {
@@ -30,62 +38,15 @@ class Set {
     EXPECT_EQ(ulksRegExpMultiGetSize(slots, &size), ulkOk);
     return static_cast<size_t>(size);
   }
-  ulkRegExpMultiState* get() { return reinterpret_cast<ulkRegExpMultiState*>(pages_.end() - size_); }
-  std::string bytes() const { return std::string(pages_.end() - size_, pages_.end()); }
+  ulkRegExpMultiState* get() { return reinterpret_cast<ulkRegExpMultiState*>(block_.get()); }
+  std::vector<char> bytes() const { return block_.units(); }
 
  private:
-  size_t size_;
-  GuardedPages pages_;
+  ulk_fuzz::Block<char> block_;
+
+ public:
+  ulk_fuzz::ModelledSet model;
 };
-
-const uint8_t* textOf(const std::string& text) { return reinterpret_cast<const uint8_t*>(text.c_str()); }
-
-// What a search makes of one slot.
-struct Slot {
-  ulkRegExpState* expression = nullptr;  // none: the slot is free
-  uint32_t id = 0;
-};
-
-bool sameRecords(const std::vector<ulkRegExpFind>& a, const std::vector<ulkRegExpFind>& b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto& x, const auto& y) {
-    return x.pFound == y.pFound && x.lenFound == y.lenFound;
-  });
-}
-
-constexpr int32_t kRecords = 6;
-
-// Searches the set and compares it with searches of its expressions, one after the other.
-void expectFoundOneByOne(Set& set, const std::vector<Slot>& slots, const std::string& text) {
-  const auto length = static_cast<int32_t>(text.size());
-  const ulkRegExpFind unwritten = {nullptr, -77};
-  std::vector<std::vector<ulkRegExpFind>> records(slots.size(), {kRecords, unwritten});
-  WrittenUnits<ulkRegExpMultiFind> memory(slots.size());
-  ulkRegExpMultiFind* const results = memory.room(slots.size(), {Place::kAtEnd, 0});
-  const std::string untouched(sizeof *results, WrittenUnits<ulkRegExpMultiFind>::kUnwritten);
-  for (size_t i = 0; i < slots.size(); ++i) {
-    if (!slots[i].expression) continue;
-    results[i].numFind = kRecords;
-    results[i].pFind = records[i].data();
-  }
-  ASSERT_EQ(ulksRegExpMultiFind_8u(textOf(text), length, results, set.get()), ulkOk);
-  for (size_t i = 0; i < slots.size(); ++i) {
-    SCOPED_TRACE("slot " + std::to_string(i));
-    if (!slots[i].expression) {
-      ASSERT_EQ(std::memcmp(&results[i], untouched.data(), untouched.size()), 0);
-      continue;
-    }
-    std::vector<ulkRegExpFind> expected(kRecords, unwritten);
-    int32_t numFind = kRecords;
-    const ulkStatus status =
-        ulksRegExpFind_8u(textOf(text), length, slots[i].expression, expected.data(), &numFind);
-    ASSERT_EQ(results[i].searched, 1);
-    ASSERT_EQ(results[i].id, slots[i].id);
-    ASSERT_EQ(results[i].status, status);
-    ASSERT_EQ(results[i].numFind, numFind);
-    ASSERT_EQ(results[i].pFind, records[i].data());
-    ASSERT_TRUE(sameRecords(records[i], expected));
-  }
-}
 
 // ---- making sets
 
@@ -102,8 +63,7 @@ TEST(Sets, Sizes) {
     EXPECT_EQ(static_cast<uint32_t>(Set::sizeOf(slots)), static_cast<uint32_t>(one + (slots - 1) * slot));
 
   int32_t size = -7;
-  EXPECT_EQ(ulksRegExpMultiGetSize(0, nullptr), ulkErrNullPtr);
-  EXPECT_EQ(ulksRegExpMultiGetSize(3, nullptr), ulkErrNullPtr);
+  for (const uint32_t slots : {0u, 3u}) EXPECT_EQ(ulksRegExpMultiGetSize(slots, nullptr), ulkErrNullPtr);
   EXPECT_EQ(ulksRegExpMultiGetSize(0, &size), ulkErrSize);
   EXPECT_EQ(size, -7);
 }
@@ -111,7 +71,7 @@ TEST(Sets, Sizes) {
 TEST(Sets, InitChecksItsArguments) {
   EXPECT_EQ(ulksRegExpMultiInit(nullptr, 0), ulkErrNullPtr);
   Set set(2);
-  const std::string before = set.bytes();
+  const std::vector<char> before = set.bytes();
   EXPECT_EQ(ulksRegExpMultiInit(set.get(), 0), ulkErrSize);
   EXPECT_EQ(set.bytes(), before);
 
@@ -134,63 +94,39 @@ TEST(Sets, ChecksItsArgumentsBeforeItLooksAtTheSlots) {
     if (full) {
       ASSERT_EQ(ulksRegExpMultiAdd(expression.get(), 6, set.get()), ulkOk);
     }
-    const std::string before = set.bytes();
-    EXPECT_EQ(ulksRegExpMultiAdd(nullptr, 0, set.get()), ulkErrNullPtr);
-    EXPECT_EQ(ulksRegExpMultiAdd(expression.get(), 0, nullptr), ulkErrNullPtr);
-    EXPECT_EQ(ulksRegExpMultiAdd(expression.get(), 0, set.get()), ulkErrBadId);
+    const std::vector<char> before = set.bytes();
+    for (const auto change : {ulksRegExpMultiAdd, ulksRegExpMultiModify}) {
+      for (const uint32_t id : {0u, 5u}) expectNullRefused(change, expression.get(), id, set.get());
+      EXPECT_EQ(change(expression.get(), 0, set.get()), ulkErrBadId);
+    }
+    EXPECT_EQ(ulksRegExpMultiModify(expression.get(), 9, set.get()), ulkErrIdNotFound);
     EXPECT_EQ(ulksRegExpMultiDelete(0, nullptr), ulkErrNullPtr);
     EXPECT_EQ(ulksRegExpMultiDelete(0, set.get()), ulkErrBadId);
     EXPECT_EQ(ulksRegExpMultiDelete(9, set.get()), ulkErrIdNotFound);
-    EXPECT_EQ(ulksRegExpMultiModify(nullptr, 0, set.get()), ulkErrNullPtr);
-    EXPECT_EQ(ulksRegExpMultiModify(nullptr, 5, set.get()), ulkErrNullPtr);
-    EXPECT_EQ(ulksRegExpMultiModify(expression.get(), 5, nullptr), ulkErrNullPtr);
-    EXPECT_EQ(ulksRegExpMultiModify(expression.get(), 0, set.get()), ulkErrBadId);
-    EXPECT_EQ(ulksRegExpMultiModify(expression.get(), 9, set.get()), ulkErrIdNotFound);
     EXPECT_EQ(set.bytes(), before);
   }
   EXPECT_EQ(ulksRegExpMultiAdd(expression.get(), 5, set.get()), ulkErrSetFull);
 }
 
 TEST(Sets, KeepTheirSlotsAsAListDoes) {
-  const std::string text = "abcdefghijklmnopqrstuvwxyz";
-  std::vector<CompiledExpression> owners;
-  std::vector<ulkRegExpState*> expressions;
-  for (const char letter : text) {
-    owners.push_back(compiled(std::string(1, letter)));
-    expressions.push_back(owners.back().get());
-  }
+  const std::string letters = "abcdefghijklmnopqrstuvwxyz";
+  const ulk_fuzz::SearchedText text(letters, 0);
+  std::vector<std::unique_ptr<Expression>> expressions;
+  for (const char letter : letters) expressions.push_back(expressionOf(std::string(1, letter), ""));
   // Among them is what the memory of a set holds before it is one.
-  constexpr uint32_t kIds[] = {0, 1, 2, 3, 0xA5A5A5A5, 0x80000000, 0xFFFFFFFF};
+  constexpr uint32_t kIds[] = {0, 1, 2, 3, 0x5A5A5A5A, 0x80000000, 0xFFFFFFFF};
   std::mt19937 random(62);
   for (const uint32_t numSlots : {1u, 2u, 3u, 4u, 5u, 7u, 8u, 9u, 19u}) {
     Set set(numSlots);
-    std::vector<Slot> slots(numSlots);
-    for (int step = 0; step < 300; ++step) {
+    for (size_t step = 0; step < 300; ++step) {
       const uint32_t id = kIds[random() % 7];
-      const auto isIn = [&](const Slot& slot) { return slot.id == id; };
-      const auto isFree = [](const Slot& slot) { return !slot.expression; };
-      const auto isUnused = [&](ulkRegExpState* expression) {
-        return std::none_of(slots.begin(), slots.end(),
-                            [&](const Slot& slot) { return slot.expression == expression; });
-      };
-      // Every expression is in one slot at most, for the sake of the parallel searches.
-      ulkRegExpState* const expression = *std::find_if(expressions.begin(), expressions.end(), isUnused);
+      Expression& expression = *expressions[random() % (numSlots + 3)];
       const auto operation = random() % 5;
-      const auto slot = operation > 1 ? std::find_if(slots.begin(), slots.end(), isFree)
-                                      : std::find_if(slots.begin(), slots.end(), isIn);
-      ulkStatus expected = operation > 1 ? ulkErrSetFull : ulkErrIdNotFound;
-      if (id == 0) {
-        expected = ulkErrBadId;
-      } else if (slot != slots.end()) {
-        expected = ulkOk;
-        *slot = operation == 0 ? Slot{} : Slot{expression, id};
-      }
-      ASSERT_EQ(operation == 0   ? ulksRegExpMultiDelete(id, set.get())
-                : operation == 1 ? ulksRegExpMultiModify(expression, id, set.get())
-                                 : ulksRegExpMultiAdd(expression, id, set.get()),
-                expected);
-      if (step % 30 == 0) expectFoundOneByOne(set, slots, text);
-      if (HasFatalFailure()) return;
+      if (operation == 0) set.model.remove(id);
+      if (operation == 1) set.model.modify(expression, id);
+      if (operation > 1) set.model.add(expression, id);
+      if (step % 30 == 0) set.model.search(text, kRecords);
+      ASSERT_FALSE(HasFailure()) << numSlots << " slots, step " << step;
     }
   }
 }
@@ -204,9 +140,7 @@ TEST(Sets, FindChecksItsArgumentsAndWritesNothingBefore) {
   const uint8_t text[] = "a";
   ulkRegExpFind record = {text, -7};
   ulkRegExpMultiFind result = {-1, 2, 1, -3, &record};
-  EXPECT_EQ(ulksRegExpMultiFind_8u(nullptr, 0, &result, set.get()), ulkErrNullPtr);
-  EXPECT_EQ(ulksRegExpMultiFind_8u(text, 0, &result, nullptr), ulkErrNullPtr);
-  EXPECT_EQ(ulksRegExpMultiFind_8u(text, 0, nullptr, set.get()), ulkErrNullPtr);
+  expectNullRefused(ulksRegExpMultiFind_8u, text, 0, &result, set.get());
   EXPECT_EQ(ulksRegExpMultiFind_8u(text, 0, &result, set.get()), ulkErrSize);
   EXPECT_EQ(ulksRegExpMultiFind_8u(text, INT32_MIN, &result, set.get()), ulkErrSize);
   EXPECT_TRUE(result.searched == -1 && result.id == 2 && result.numFind == 1 && result.status == -3);
@@ -253,34 +187,28 @@ TEST(Sets, ReportsWhatEachFindReturns) {
     EXPECT_EQ(results[i].numFind, cases[i].numFound);
     EXPECT_EQ(results[i].pFind, cases[i].hasRecords ? records[i] : nullptr);
   }
-  EXPECT_TRUE(results[kCases].searched == -1 && results[kCases].id == 2 && results[kCases].numFind == -3 &&
-              results[kCases].status == -4);
+  const ulkRegExpMultiFind& unused = results[kCases];
+  EXPECT_TRUE(unused.searched == -1 && unused.id == 2 && unused.numFind == -3 && unused.status == -4);
 }
 
 // A set of more expressions than a machine has processors, some slots free, over random texts.
 void searchALargeSet(unsigned seed) {
   constexpr uint32_t kSlots = 137;
   std::mt19937 random(seed);
-  std::vector<CompiledExpression> expressions;
-  std::vector<Slot> slots(kSlots);
+  std::vector<std::unique_ptr<Expression>> expressions;
   Set set(kSlots);
   for (uint32_t i = 0; i < kSlots; ++i) {
     const std::string a(1, static_cast<char>('a' + i % 8)), b(1, static_cast<char>('a' + i / 8 % 8));
     const std::string patterns[] = {a + b, "(" + a + "+)(" + b + ")?", "[" + a + b + "]{3}",
                                     a + ".*?" + b + "$"};
-    expressions.push_back(compiled(patterns[i % 4], i % 3 ? "" : "g"));
-    slots[i] = {expressions.back().get(), i + 1};
-    ASSERT_EQ(ulksRegExpMultiAdd(slots[i].expression, i + 1, set.get()), ulkOk);
+    expressions.push_back(expressionOf(patterns[i % 4], i % 3 ? "" : "g"));
+    set.model.add(*expressions.back(), i + 1);
   }
-  for (uint32_t i = seed % 5; i < kSlots; i += 5) {
-    ASSERT_EQ(ulksRegExpMultiDelete(slots[i].id, set.get()), ulkOk);
-    slots[i] = {};
-  }
-  for (size_t round = 0; round < 20; ++round) {
+  for (uint32_t i = seed % 5; i < kSlots; i += 5) set.model.remove(i + 1);
+  for (size_t round = 0; round < 20 && !testing::Test::HasFailure(); ++round) {
     std::string text;
     for (size_t i = random() % 700 + 1; i > 0; --i) text += static_cast<char>('a' + random() % 9);
-    expectFoundOneByOne(set, slots, text);
-    if (testing::Test::HasFatalFailure()) return;
+    set.model.search({text, 0}, kRecords);
   }
 }
 

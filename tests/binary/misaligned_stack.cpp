@@ -68,10 +68,6 @@ void search(int32_t misalignment) {
   int32_t index = -2;
   expect(call(misalignment, ulksFind_8u, text, 256, text + 200, 20, &index) == ulkOk && index == 200,
          "ulksFind_8u", misalignment);
-  expect(call(misalignment, ulksFindRev_16u, wide, 256, wide + 9, 20, &index) == ulkOk && index == 9,
-         "ulksFindRev_16u", misalignment);
-  expect(call(misalignment, ulksFindC_8u, text, 256, 255, &index) == ulkOk && index == 255, "ulksFindC_8u",
-         misalignment);
   expect(call(misalignment, ulksFindCAny_16u, wide, 256, wide + 240, 16, &index) == ulkOk && index == 240,
          "ulksFindCAny_16u", misalignment);
   expect(call(misalignment, ulksFindRevCAny_8u, text, 256, text, 16, &index) == ulkOk && index == 15,

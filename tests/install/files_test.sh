@@ -1,12 +1,13 @@
 #!/bin/sh
-# files_test.sh CMAKE CPACK BUILD LIBDIR MANIFEST DIRECTORY: installs the build and makes its packages in a new directory,
-# and compares the files of each with the manifest. Leaves the archive unpacked as DIRECTORY/package.
+# files_test.sh CMAKE CPACK BUILD LIBDIR SYSTEM DIRECTORY: installs the build and makes its packages in a new directory,
+# and compares the files of each with those that the manifest has for all systems and for this one. Leaves the archive
+# unpacked as DIRECTORY/package.
 set -eu
 cmake=$1 cpack=$2 build=$3 libdir=$4 directory=$6
 export LC_ALL=C
 rm -rf "$directory"
 mkdir -p "$directory/tree" "$directory/package"
-sed "s|^lib/|$libdir/|" "$5" | sort >"$directory/expected"
+sed "s|^$5 ||; / /d; s|^lib/|$libdir/|" "$(dirname "$0")/manifest.txt" | sort >"$directory/expected"
 failures=0
 
 # files_of NAME: what stands in the directory NAME is what should.

@@ -8,7 +8,7 @@
 
 #include "frame/memory.h"
 #include "frame/primitives.h"
-#include "support/guarded.h"
+#include "fuzz/check.h"
 #include "ulkcore.h"
 
 namespace ulk {
@@ -36,44 +36,35 @@ using Widths = testing::Types<uint8_t, uint16_t>;
 TYPED_TEST_SUITE(Primitives, Widths);
 
 TYPED_TEST(Primitives, CopyFromAnyAddressToAnyOther) {
-  ulk_test::GuardedPages pages(4096);
-  for (const int32_t count : {1, 2, 3, 7, 15, 16, 17, 33, 100, 999}) {
-    std::vector<TypeParam> source(static_cast<size_t>(count));
+  for (const size_t count : std::initializer_list<size_t>{1, 2, 3, 7, 15, 16, 17, 33, 100, 999}) {
+    std::vector<TypeParam> source(count);
     std::iota(source.begin(), source.end(), TypeParam{200});
-    for (size_t offset = 0; offset < 5; ++offset) {
-      const size_t bytes = source.size() * sizeof(TypeParam);
-      char* place = pages.end() - bytes - offset;
-      std::memset(pages.begin(), 0, 4096);
-      EXPECT_EQ(Blocks<TypeParam>::copy(source.data(), reinterpret_cast<TypeParam*>(place), count), ulkOk);
-      EXPECT_EQ(std::memcmp(place, source.data(), bytes), 0);
-      EXPECT_EQ(place[-1], 0);
-      if (offset != 0) {
-        EXPECT_EQ(place[bytes], 0);
-      }
+    for (const size_t shift : {size_t{0}, size_t{1}, size_t{2}, ulk_fuzz::kAtEnd}) {
+      const ulk_fuzz::Block<TypeParam> from(source, shift), to(count, ulk_fuzz::kAtEnd - shift);
+      EXPECT_EQ(Blocks<TypeParam>::copy(from.get(), to.get(), static_cast<int32_t>(count)), ulkOk);
+      EXPECT_TRUE(to.holds(source)) << count;
     }
   }
 }
 
 TYPED_TEST(Primitives, MoveBetweenOverlappingBlocks) {
   for (const size_t distance : std::initializer_list<size_t>{0, 1, 3, 8, 16, 50}) {
-    std::vector<TypeParam> units(200);
-    std::iota(units.begin(), units.end(), TypeParam{0});
-    const std::vector<TypeParam> original = units;
-    EXPECT_EQ(Blocks<TypeParam>::move(&units[0], &units[distance], 100), ulkOk);
-    EXPECT_TRUE(std::equal(original.begin(), original.begin() + 100,
-                           units.begin() + static_cast<ptrdiff_t>(distance)));
-    units = original;
-    EXPECT_EQ(Blocks<TypeParam>::move(&units[distance], &units[0], 100), ulkOk);
-    EXPECT_TRUE(
-        std::equal(units.begin(), units.begin() + 100, original.begin() + static_cast<ptrdiff_t>(distance)));
-    EXPECT_TRUE(std::equal(units.begin() + 100, units.end(), original.begin() + 100));
+    for (const bool up : {true, false}) {
+      std::vector<TypeParam> units(200);
+      std::iota(units.begin(), units.end(), TypeParam{0});
+      std::vector<TypeParam> expected = units;
+      const size_t from = up ? 0 : distance, to = distance - from;
+      for (size_t i = 0; i < 100; ++i) expected[to + i] = units[from + i];
+      EXPECT_EQ(Blocks<TypeParam>::move(&units[from], &units[to], 100), ulkOk);
+      EXPECT_EQ(units, expected) << distance;
+    }
   }
 }
 
 // Callers rely on the skip: they pass pieces of no units, and of fewer.
 TYPED_TEST(Primitives, TouchNothingForCountsBelowOne) {
-  ulk_test::GuardedPages pages(4096);
-  TypeParam* unreadable = reinterpret_cast<TypeParam*>(pages.end());
+  const ulk_fuzz::Block<TypeParam> none(0, ulk_fuzz::kAtEnd);
+  TypeParam* unreadable = none.get();
   TypeParam unit = 0;
   for (const auto block : {Blocks<TypeParam>::copy, Blocks<TypeParam>::move}) {
     EXPECT_EQ(block(nullptr, &unit, 0), ulkErrNullPtr);

@@ -11,14 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "support/deep_stack.h"
 #include "ulkch.h"
-
-#ifdef _WIN32
-#include <windows.h>
-#else
-#include <pthread.h>
-#include <sys/mman.h>
-#endif
 
 namespace {
 
@@ -27,7 +21,7 @@ constexpr size_t kFrameGrowth = 8;  // instrumented frames are several times as 
 #else
 constexpr size_t kFrameGrowth = 1;
 #endif
-constexpr size_t kThreadStack = (size_t{1} << 20) * kFrameGrowth;
+constexpr size_t kPainted = (size_t{1} << 20) * kFrameGrowth;     // of a stack that is larger
 constexpr size_t kMostUsed = (size_t{512} << 10) * kFrameGrowth;  // at the default limit
 constexpr size_t kMostUsedAtAll = (size_t{832} << 10) * kFrameGrowth;
 constexpr int32_t kDefaultLimit = 10000;
@@ -41,7 +35,6 @@ struct Search {
   ulkRegExpFind record;
   ulkStatus status;
   size_t stackUsed;
-  uintptr_t lowest;  // of the thread's stack; set by the thread itself on Windows
 };
 
 constexpr uint8_t kPaint = 0xC5;
@@ -59,57 +52,14 @@ __attribute__((noinline, no_sanitize("address"))) uintptr_t lowestUsed(uintptr_t
 
 __attribute__((noinline)) void searchOnPaintedStack(Search* search) {
   const auto frame = reinterpret_cast<uintptr_t>(__builtin_frame_address(0));
-  paint(search->lowest, frame - kOwnFrames);
+  paint(frame - kPainted, frame - kOwnFrames);
   int32_t count = 1;
   search->status =
       ulksRegExpFind_8u(reinterpret_cast<const uint8_t*>(search->text->data()),
                         static_cast<int32_t>(search->text->size()), search->state, &search->record, &count);
   if (count == 0) search->record = {nullptr, -1};
-  search->stackUsed = frame - lowestUsed(search->lowest);
+  search->stackUsed = frame - lowestUsed(frame - kPainted);
 }
-
-#ifdef _WIN32
-DWORD WINAPI threadMain(void* argument) {
-  auto* search = static_cast<Search*>(argument);
-  MEMORY_BASIC_INFORMATION region = {};
-  VirtualQuery(&region, &region, sizeof region);
-  search->lowest =
-      reinterpret_cast<uintptr_t>(region.AllocationBase) + (size_t{64} << 10);  // guard pages stay
-  searchOnPaintedStack(search);
-  return 0;
-}
-
-void run(Search* search) {
-  HANDLE thread =
-      CreateThread(nullptr, kThreadStack, threadMain, search, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
-  ASSERT_NE(thread, nullptr);
-  WaitForSingleObject(thread, INFINITE);
-  CloseHandle(thread);
-}
-#else
-void* threadMain(void* argument) {
-  searchOnPaintedStack(static_cast<Search*>(argument));
-  return nullptr;
-}
-
-void run(Search* search) {
-  constexpr size_t kGuard = size_t{64} << 10;
-  void* block =
-      mmap(nullptr, kGuard + kThreadStack, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  ASSERT_NE(block, MAP_FAILED);
-  mprotect(block, kGuard, PROT_NONE);
-  char* const stack = static_cast<char*>(block) + kGuard;
-  search->lowest = reinterpret_cast<uintptr_t>(stack);
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  pthread_attr_setstack(&attributes, stack, kThreadStack);
-  pthread_t thread;
-  ASSERT_EQ(pthread_create(&thread, &attributes, threadMain, search), 0);
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-  munmap(block, kGuard + kThreadStack);
-}
-#endif
 
 Search searchWith(const std::string& pattern, const std::string& text, int32_t limit) {
   int32_t errOffset = 0;
@@ -118,7 +68,7 @@ Search searchWith(const std::string& pattern, const std::string& text, int32_t l
   EXPECT_EQ(ulksRegExpInitAlloc(pattern.c_str(), "", &search.state, &errOffset), ulkOk) << errOffset;
   if (!search.state) return search;
   ulksRegExpSetMatchLimit(limit, search.state);
-  run(&search);
+  ulk_test::onDeepStack([&] { searchOnPaintedStack(&search); });
   ulksRegExpFree(search.state);
   return search;
 }
@@ -149,52 +99,33 @@ std::vector<Deep> deepExpressions() {
       // A choice per item.
       {"optional bytes", times(9990, "a?"), times(9990, "a"), ""},
       {"optional classes", times(1000, "[ab]?"), times(1000, "a"), ""},
-      {"optional code points", times(1000, "\\x{e9}?"), times(1000, "\xc3\xa9"), ""},
-      {"optional properties", times(200, "\\p{Lu}?\\p{Ll}?"), times(200, "Aa"), ""},
       {"optional sequences", times(1000, "\\X?"), times(1000, "a"), ""},
-      {"optional shorthands", times(1000, "\\w?\\S?"), times(2000, "a"), ""},
       {"optional assertions", times(9990, "^*"), "", ""},
       {"lazy bytes", times(2000, "\\C??"), "", ""},
-      {"lazy classes", times(1000, "[ab]??"), "", ""},
       {"repeated bytes", times(2000, "a*b*"), times(2000, "ab"), ""},
       {"back references", "(a)" + times(3000, "\\1?"), times(3001, "a"), ""},
       // A choice per iteration.
       {"capture", "(a)*", times(4990, "a"), manyA},
       {"group", "(?:ab)*", times(4990, "ab"), times(20000, "ab")},
       {"alternatives", "(a|b)*", times(3300, "a"), manyA},
-      {"later alternatives", "(?:x|y|z|a)*", times(1600, "a"), manyA},
-      {"option group", "(?i:A)*", times(4990, "a"), manyA},
       {"lazy group", "(?:a)*?(?:ab)*?$", times(1000, "a"), manyA},
       {"lazy capture", "(a|b)*?c", times(2400, "a") + "c", manyA + "c"},
       {"group of a repeat", "(a{1,2})*", times(8000, "a"), manyA},
       {"group of a lazy repeat", "(a+?)*", times(4900, "a"), manyA},
       {"repeated groups", "((a|b)+)*x", times(2400, "a") + "x", manyA + "x"},
       {"captures in a repeat", "((a)(b)?(c)?)*", times(1000, "a"), manyA},
-      {"references in a repeat", "(?:(a)\\1?)*", times(3600, "a"), manyA},
       {"lookahead in a repeat", "(?:(?=a)a)*", times(2400, "a"), manyA},
-      {"lookbehind in a repeat", "(?:(?<=a)a|a)*", times(1900, "a"), manyA},
       {"conditional in a repeat", "(?:(?(?=a)a|b))*", times(1600, "a"), manyA},
-      {"conditional on a group", "(?:(?(1)a|(a)))*", times(2400, "a"), manyA},
-      {"repeated conditional", "(?(?=a)a|b)*", times(2400, "a"), manyA},
       {"repeated atomic group", "(?>a)*", times(9900, "a"), manyA},
-      {"lazy atomic group", "(?>a)*?b", times(4900, "a") + "b", manyA + "b"},
       {"atomic group in a repeat", "(?:(?>a|b))*", times(2400, "a"), manyA},
-      {"options in a repeat", "(?:(?i)A(?-i))*", times(1900, "a"), manyA},
       // A level per group.
       {"groups side by side", times(999, "()"), "", ""},
-      {"optional groups", times(999, "(a)?"), times(999, "a"), ""},
       {"lazy groups side by side", times(999, "(?:a|b)??"), "", ""},
-      {"nested captures", nested(999, "(", "a", ")"), "a", ""},
       {"nested optional captures", nested(999, "(", "a", ")?"), "a", ""},
-      {"nested repeated groups", nested(9, "(?:", "ab", ")*"), "abab", times(20000, "ab")},
       {"nested alternatives", nested(900, "(?:x|", "a", ")"), "a", ""},
-      {"nested atomic groups", nested(999, "(?>", "a", ")"), "a", ""},
       {"nested repeated atomic groups", nested(100, "(?>", "a", ")+"), "a", manyA},
       {"nested lookaheads", nested(999, "(?=", "a", ")") + "a", "a", ""},
-      {"nested negative lookaheads", nested(999, "(?!", "b", ")") + "a", "a", ""},
       {"nested lookbehinds", "a" + nested(999, "(?<=", "a", ")"), "a", ""},
-      {"nested conditionals", nested(499, "(?(?=a)", "a", "|b)"), "a", ""},
-      {"nested option groups", nested(999, "(?i:", "A", ")"), "a", ""},
       {"every kind nested", nested(140, "((?:(?>(?=a)(?i:(?(?=a)", "a", "|b)))|c))"), "a", ""},
       {"every kind repeated", "(?:((?i:(?>a|b)))(?(1)(?=a|$)|x)(?<=a))*", times(600, "a"), manyA},
   };

@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -20,10 +22,7 @@ struct Buffer {
   Buffer() { std::memset(bytes, 0xEE, sizeof bytes); }
   ulkRegExpState* state() { return reinterpret_cast<ulkRegExpState*>(bytes); }
   bool untouched() const {
-    for (const unsigned char byte : bytes) {
-      if (byte != 0xEE) return false;
-    }
-    return true;
+    return std::all_of(std::begin(bytes), std::end(bytes), [](unsigned char byte) { return byte == 0xEE; });
   }
   alignas(8) unsigned char bytes[sizeof(ulkRegExpState) + 32 * sizeof(RxNode)];
 };
@@ -72,39 +71,26 @@ TEST(State, InitChecksItsPointers) {
   EXPECT_EQ(ulksRegExpInit(nullptr, "?", buffer.state(), &offset), ulkErrNullPtr);
   EXPECT_EQ(ulksRegExpInit("(", "?", nullptr, &offset), ulkErrNullPtr);
   EXPECT_EQ(ulksRegExpInit("(", "?", buffer.state(), nullptr), ulkErrNullPtr);
-  EXPECT_EQ(offset, kUntouched);
-  EXPECT_TRUE(buffer.untouched());
+  EXPECT_TRUE(offset == kUntouched && buffer.untouched());
 }
 
 TEST(State, Options) {
+  constexpr int32_t kRefused = -1;
   const struct {
     const char* letters;
-    ulkStatus status;
-    uint32_t options;
-  } kRows[] = {
-      {nullptr, ulkOk, 0},
-      {"", ulkOk, 0},
-      {"gimsx", ulkOk, 31},
-      {"s", ulkOk, 1},
-      {"m", ulkOk, 2},
-      {"i", ulkOk, 4},
-      {"x", ulkOk, 8},
-      {"g", ulkOk, 16},
-      {"iixi", ulkOk, 12},
-      {"I", ulkErrRegExpOptions, 0},
-      {"ix!", ulkErrRegExpOptions, 0},
-      {"i m", ulkErrRegExpOptions, 0},
-  };
+    int32_t options;
+  } kRows[] = {{nullptr, 0}, {"", 0},   {"gimsx", 31}, {"s", 1},        {"m", 2},          {"i", 4},
+               {"x", 8},     {"g", 16}, {"iixi", 12},  {"I", kRefused}, {"ix!", kRefused}, {"i m", kRefused}};
   for (const auto& row : kRows) {
     SCOPED_TRACE(row.letters ? row.letters : "null");
     Buffer buffer;
     int32_t offset = kUntouched;
-    ASSERT_EQ(ulksRegExpInit("ab", row.letters, buffer.state(), &offset), row.status);
-    EXPECT_EQ(offset, row.status == ulkOk ? kUntouched : 0);
-    if (row.status == ulkOk) {
-      EXPECT_EQ(buffer.state()->options, row.options);
-    } else {
-      EXPECT_TRUE(buffer.untouched());
+    const ulkStatus status = ulksRegExpInit("ab", row.letters, buffer.state(), &offset);
+    ASSERT_EQ(status, row.options == kRefused ? ulkErrRegExpOptions : ulkOk);
+    EXPECT_EQ(offset, status == ulkOk ? kUntouched : 0);
+    EXPECT_EQ(buffer.untouched(), status != ulkOk);
+    if (status == ulkOk) {
+      EXPECT_EQ(buffer.state()->options, static_cast<uint32_t>(row.options));
     }
   }
 }
@@ -148,22 +134,20 @@ TEST(State, WhatAFailedCompileLeaves) {
 TEST(State, Settings) {
   Buffer buffer;
   ulkRegExpState* const state = buffer.state();
-  EXPECT_EQ(ulksRegExpSetMatchLimit(5, nullptr), ulkErrNullPtr);
-  EXPECT_EQ(ulksRegExpSetMatchLimit(-1, nullptr), ulkErrNullPtr);
-  EXPECT_EQ(ulksRegExpSetFormat(2, nullptr), ulkErrNullPtr);
+  for (const int32_t value : {5, -1}) EXPECT_EQ(ulksRegExpSetMatchLimit(value, nullptr), ulkErrNullPtr);
+  for (const int32_t value : {1, 2}) EXPECT_EQ(ulksRegExpSetFormat(value, nullptr), ulkErrNullPtr);
   EXPECT_EQ(ulksRegExpSetMatchLimit(-1, state), ulkErrLength);
-  EXPECT_EQ(ulksRegExpSetFormat(2, state), ulkErrRegExpFormat);
-  EXPECT_EQ(ulksRegExpSetFormat(-1, state), ulkErrRegExpFormat);
+  for (const int32_t value : {2, -1}) EXPECT_EQ(ulksRegExpSetFormat(value, state), ulkErrRegExpFormat);
   EXPECT_TRUE(buffer.untouched());
 
-  EXPECT_EQ(ulksRegExpSetMatchLimit(0, state), ulkOk);
-  EXPECT_EQ(state->matchLimit, 0);
-  EXPECT_EQ(ulksRegExpSetMatchLimit(INT32_MAX, state), ulkOk);
-  EXPECT_EQ(state->matchLimit, INT32_MAX);
-  EXPECT_EQ(ulksRegExpSetFormat(1, state), ulkOk);
-  EXPECT_EQ(ulksRegExpSetFormat(0, state), ulkOk);
-  EXPECT_EQ(state->format, 0);
-
+  for (const int32_t limit : {0, INT32_MAX}) {
+    EXPECT_EQ(ulksRegExpSetMatchLimit(limit, state), ulkOk);
+    EXPECT_EQ(state->matchLimit, limit);
+  }
+  for (const int32_t format : {1, 0}) {
+    EXPECT_EQ(ulksRegExpSetFormat(format, state), ulkOk);
+    EXPECT_EQ(state->format, format);
+  }
   int32_t offset = 0;
   ASSERT_EQ(ulksRegExpInit("a", nullptr, state, &offset), ulkOk);
   EXPECT_EQ(state->matchLimit, 10000);
@@ -185,23 +169,17 @@ TEST(State, InitAlloc) {
   EXPECT_EQ(testcore::liveBlocks(), before);
 
   Buffer other;
-  state = other.state();
-  EXPECT_EQ(ulksRegExpInitAlloc("ab(", "", &state, &offset), ulkErrRegExpGroup);
+  const auto refused = [&](const char* pattern, int32_t* errorOffset, ulkStatus status) {
+    state = other.state();
+    EXPECT_EQ(ulksRegExpInitAlloc(pattern, "", &state, errorOffset), status);
+    return state;
+  };
+  EXPECT_EQ(refused("ab(", &offset, ulkErrRegExpGroup), nullptr);
   EXPECT_EQ(offset, 3);
-  EXPECT_EQ(state, nullptr);
-
-  state = other.state();
-  EXPECT_EQ(ulksRegExpInitAlloc("abc", "", &state, nullptr), ulkErrNullPtr);
-  EXPECT_EQ(state, nullptr);
-
-  state = other.state();
+  EXPECT_EQ(refused("abc", nullptr, ulkErrNullPtr), nullptr);
   testcore::failNextAllocation();
-  EXPECT_EQ(ulksRegExpInitAlloc("ab(", "", &state, &offset), ulkErrNullPtr);
-  EXPECT_EQ(state, nullptr);
-
-  state = other.state();
-  EXPECT_EQ(ulksRegExpInitAlloc(nullptr, "", &state, &offset), ulkErrNullPtr);
-  EXPECT_EQ(state, other.state());
+  EXPECT_EQ(refused("ab(", &offset, ulkErrNullPtr), nullptr);
+  EXPECT_EQ(refused(nullptr, &offset, ulkErrNullPtr), other.state());
   EXPECT_EQ(ulksRegExpInitAlloc("abc", "", nullptr, &offset), ulkErrNullPtr);
   EXPECT_EQ(testcore::liveBlocks(), before);
 }

@@ -29,106 +29,77 @@ std::string letters(int32_t options) {
   return text.empty() ? "-" : text;
 }
 
-std::string optionSuffix(int32_t options) { return options ? "," + letters(options) : ""; }
-
-std::string bounds(const RxNode& node) {
-  return format("%d..", node.op1) + (node.op2 == kUnbounded ? "*" : format("%d", node.op2));
-}
-
-std::string open(const char* name, const RxNode& node) {
-  return format("%s#%d/%d", name, node.op1, node.op2);
-}
-
 std::string string(const RxNode& node) {
   std::string text;
   const auto* const bytes = static_cast<const uint8_t*>(node.text);
   for (int32_t i = 0; i < node.op2; ++i) text += bytes[i] == ' ' ? " " : character(bytes[i]);
-  return "string:\"" + text + "\"";
-}
-
-std::string script(const RxNode& node) {
-  const auto* const ranges = static_cast<const CodePointRange*>(node.text);
-  return format("script:%X(%d)", ranges[0].first, node.op3);
-}
-
-std::string assertion(int32_t kind) {
-  return kind == kLeadingDotStar ? "assert:dotstar" : "assert:" + character(kind);
+  return "\"" + text + "\"";
 }
 
 bool isNegated(const RxNode& node, bool member) {
-  switch (node.code) {
-    case RX_CATEGORY:
-    case RX_SCRIPT:
-      return node.op2 != 0;
-    case RX_UNIRANGE:
-      return node.op3 != 0;
-    case RX_CHAR:
-    case RX_RANGE:
-    case RX_CHARTYPE:
-    case RX_CODEPOINT:
-      return member && node.op3 != 0;
-    default:
-      return false;
-  }
+  if (node.code == RX_CATEGORY || node.code == RX_SCRIPT) return node.op2 != 0;
+  const bool canBe =
+      node.code == RX_CHAR || node.code == RX_RANGE || node.code == RX_CHARTYPE || node.code == RX_CODEPOINT;
+  return (node.code == RX_UNIRANGE || (member && canBe)) && node.op3 != 0;
 }
 
+std::string optionSuffix(int32_t options) { return options ? "," + letters(options) : ""; }
+
+// What a digit or capital of the words below stands for.
+std::string field(char form, const RxNode& node) {
+  const auto number = [](int32_t value) { return std::to_string(value); };
+  return form == '1'   ? number(node.op1)
+         : form == '2' ? number(node.op2)
+         : form == '3' ? number(node.op3)
+         : form == 'A' ? (node.op1 == kLeadingDotStar ? "dotstar" : character(node.op1))
+         : form == 'B' ? character(node.op2)
+         : form == 'E' ? (node.op3 ? "=" + number(node.op3) : "")
+         : form == 'G' ? letters(node.op3)
+         : form == 'H' ? format("%X", static_cast<unsigned>(node.op1))
+         : form == 'M' ? (node.op2 == kUnbounded ? "*" : number(node.op2))
+         : form == 'O' ? letters(node.op1)
+         : form == 'P' ? optionSuffix(node.op2)
+         : form == 'Q' ? (node.op2 ? "?" : "")
+         : form == 'S' ? format("%X", static_cast<const CodePointRange*>(node.text)->first)
+         : form == 'T' ? string(node)
+                       : std::string(1, form);
+}
+
+const struct {
+  uint32_t code;
+  const char* form;
+} kWords[] = {{RX_CHAR, "char:A"},
+              {RX_STRING, "string:T"},
+              {RX_BACKREF, "backref:1Q"},
+              {RX_CHARTYPE, "type:A"},
+              {RX_ASSERT, "assert:A"},
+              {RX_ALT, "alt#1P"},
+              {RX_RANGE, "range:A-B"},
+              {RX_REPEAT_LAZY, "lazy:1..M"},
+              {RX_REPEAT, "repeat:1..M"},
+              {RX_LOOKBEHIND, "lookbehind#1/2:3"},
+              {RX_LOOKAHEAD, "lookahead#1/2"},
+              {RX_NLOOKBEHIND, "nlookbehind#1/2:3"},
+              {RX_COND, "cond#1/2"},
+              {RX_NLOOKAHEAD, "nlookahead#1/2"},
+              {RX_GROUP, "group#1/2"},
+              {RX_OPTGROUP, "optgroup#1/2:G"},
+              {RX_ATOMIC, "atomic#1/2"},
+              {RX_CAPTURE, "capture#1/2:3"},
+              {RX_END, "end#1PE"},
+              {RX_OPTIONS, "options:O"},
+              {RX_BYTE, "byte"},
+              {RX_CODEPOINT, "codepoint:A"},
+              {RX_CATEGORY, "category:H"},
+              {RX_UNIRANGE, "unirange:A-B"},
+              {RX_SCRIPT, "script:S(3)"},
+              {RX_XSEQ, "xseq"}};
+
 std::string word(const RxNode& node) {
-  switch (node.code) {
-    case RX_CHAR:
-      return "char:" + character(node.op1);
-    case RX_STRING:
-      return string(node);
-    case RX_BACKREF:
-      return format("backref:%d", node.op1) + (node.op2 ? "?" : "");
-    case RX_CHARTYPE:
-      return "type:" + character(node.op1);
-    case RX_ASSERT:
-      return assertion(node.op1);
-    case RX_ALT:
-      return format("alt#%d", node.op1) + optionSuffix(node.op2);
-    case RX_RANGE:
-      return "range:" + character(node.op1) + "-" + character(node.op2);
-    case RX_REPEAT_LAZY:
-      return "lazy:" + bounds(node);
-    case RX_REPEAT:
-      return "repeat:" + bounds(node);
-    case RX_LOOKBEHIND:
-      return open("lookbehind", node) + format(":%d", node.op3);
-    case RX_NLOOKBEHIND:
-      return open("nlookbehind", node) + format(":%d", node.op3);
-    case RX_LOOKAHEAD:
-      return open("lookahead", node);
-    case RX_NLOOKAHEAD:
-      return open("nlookahead", node);
-    case RX_OPTGROUP:
-      return open("optgroup", node) + ":" + letters(node.op3);
-    case RX_COND:
-      return open("cond", node);
-    case RX_CAPTURE:
-      return open("capture", node) + format(":%d", node.op3);
-    case RX_GROUP:
-      return open("group", node);
-    case RX_ATOMIC:
-      return open("atomic", node);
-    case RX_END:
-      return format("end#%d", node.op1) + optionSuffix(node.op2) + (node.op3 ? format("=%d", node.op3) : "");
-    case RX_OPTIONS:
-      return "options:" + letters(node.op1);
-    case RX_BYTE:
-      return "byte";
-    case RX_CODEPOINT:
-      return "codepoint:" + character(node.op1);
-    case RX_CATEGORY:
-      return format("category:%X", static_cast<unsigned>(node.op1));
-    case RX_UNIRANGE:
-      return "unirange:" + character(node.op1) + "-" + character(node.op2);
-    case RX_SCRIPT:
-      return script(node);
-    case RX_XSEQ:
-      return "xseq";
-    default:
-      return format("?%X", node.code);
-  }
+  std::string text;
+  for (const auto& known : kWords)
+    for (const char* form = known.form; known.code == node.code && *form; ++form) text += field(*form, node);
+  return text.empty() ? format("?%X", node.code) : text;
 }
 
 std::string item(const RxNode& node, bool member) {

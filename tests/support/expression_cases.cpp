@@ -40,9 +40,15 @@ class LineReader {
     return !digits.empty();
   }
 
-  // /.../ up to the last slash of the line.
+  // /.../ up to the last slash that only letters follow, before a blank or the end of the line.
   bool slashed(std::string* bytes) {
-    const size_t end = rest_.rfind('/');
+    const auto ends = [&](size_t slash) {
+      const size_t behind = rest_.find_first_not_of("abcdefghijklmnopqrstuvwxyz", slash + 1);
+      return behind == rest_.npos || rest_[behind] == ' ';
+    };
+    size_t end = rest_.rfind('/');
+    while (end != 0 && end != rest_.npos && !ends(end)) end = rest_.rfind('/', end - 1);
+    if (end == 0 || end == rest_.npos) end = rest_.rfind('/');
     if (!at('/') || end == 0) return false;
     *bytes = rest_.substr(1, end - 1);
     rest_.remove_prefix(end + 1);
@@ -110,31 +116,23 @@ std::string remainingWords(LineReader* line) {
   return words;
 }
 
-bool readExpression(LineReader line, Expression* expression) {
-  const bool read = line.at('/') ? line.slashed(&expression->pattern) : line.quoted(&expression->pattern);
-  if (!read) return false;
-  expression->options = line.word();
-  return line.atEnd();
-}
-
 bool readSetting(LineReader* line, Search* search) {
+  bool read = false;
+  int32_t value = 0;
   if (line->take("behind=")) {
     search->behind.clear();
-    const bool read = line->quoted(&search->behind);
-    line->skipBlanks();
-    return read;
+    read = line->quoted(&search->behind);
+  } else if (line->take("limit=")) {
+    read = line->number(&value);
+    search->limit = value;
+  } else if (line->take("capacity=")) {
+    read = line->number(&search->capacity);
+  } else if (line->take("format=")) {
+    read = line->number(&value);
+    search->format = value;
   }
-  int32_t value = 0;
-  const std::string name = line->take("limit=")      ? "limit"
-                           : line->take("capacity=") ? "capacity"
-                           : line->take("format=")   ? "format"
-                                                     : "";
-  if (name.empty() || !line->number(&value)) return false;
-  if (name == "limit") search->limit = value;
-  if (name == "capacity") search->capacity = value;
-  if (name == "format") search->format = value;
   line->skipBlanks();
-  return true;
+  return read;
 }
 
 bool readSearch(LineReader line, Search* search) {
@@ -151,37 +149,35 @@ bool readSearch(LineReader line, Search* search) {
   return !search->expected.empty();
 }
 
+// A search of an expression, its program, or its error.
+bool readOutcome(LineReader line, int number, Expression* expression) {
+  if (line.take("=")) {
+    expression->program = remainingWords(&line);
+    return true;
+  }
+  if (line.at('e')) {
+    expression->error = remainingWords(&line);
+    return true;
+  }
+  expression->searches.push_back({.line = number});
+  return readSearch(line, &expression->searches.back());
+}
+
+bool readExpression(LineReader line, int number, std::vector<Expression>* expressions) {
+  Expression& expression = expressions->emplace_back();
+  expression.line = number;
+  if (line.at('/') ? !line.slashed(&expression.pattern) : !line.quoted(&expression.pattern)) return false;
+  expression.options = line.word();
+  return line.atEnd() || readOutcome(line, number, &expression);
+}
+
 bool readLine(const std::string& text, int number, std::vector<Expression>* expressions) {
   LineReader line(text);
   const bool indented = line.at(' ');
   line.skipBlanks();
   if (line.atEnd() || line.at('#')) return true;
-  if (!indented) {
-    expressions->push_back({.line = number});
-    return readExpression(line, &expressions->back());
-  }
-  if (expressions->empty()) return false;
-  Expression& current = expressions->back();
-  if (line.at('e')) {
-    current.error = remainingWords(&line);
-    return true;
-  }
-  current.searches.push_back({.line = number});
-  return readSearch(line, &current.searches.back());
-}
-
-// An expression and its error, or a search of it, in one line.
-bool readExample(LineReader line, int number, std::vector<Expression>* expressions) {
-  Expression& expression = expressions->emplace_back();
-  expression.line = number;
-  if (!line.slashed(&expression.pattern)) return false;
-  expression.options = line.word();
-  if (line.at('e')) {
-    expression.error = remainingWords(&line);
-    return true;
-  }
-  expression.searches.push_back({.line = number});
-  return readSearch(line, &expression.searches.back());
+  if (!indented) return readExpression(line, number, expressions);
+  return !expressions->empty() && readOutcome(line, number, &expressions->back());
 }
 
 // The code spans of a line that begin with a slash. A row of a table writes "|" as "\|", and must hold one.
@@ -194,7 +190,7 @@ bool readPageLine(const std::string& line, int number, std::vector<Expression>* 
     end = text.find('`', begin + 1);
     if (end == text.npos) return false;
     const std::string_view span = std::string_view(text).substr(begin + 1, end - begin - 1);
-    if (span.starts_with('/') && !readExample(LineReader(span), number, expressions)) return false;
+    if (span.starts_with('/') && !readExpression(LineReader(span), number, expressions)) return false;
   }
   return !isRow || expressions->size() > before;
 }

@@ -1,19 +1,20 @@
 // Reads the transcript files of tests/data: expressions, the texts to search and what must be found.
 //
-// A file is read by people first, so one line is one thing. A line that starts in the first column is a
-// comment (#) or an expression; the indented lines below an expression are its searches, or its compile
-// error:
+// A file is read by people first. A line that starts in the first column is a comment (#) or an expression
+// with its first search, or its compile error; the indented lines below are its other searches:
 //
-//   /a(b)?c/i                        the pattern up to the last slash, byte for byte, then the options
-//     "xABC"  = 1+3 2+1              record 0 is 3 bytes at position 1, record 1 one byte at 2
-//     "ac"    = 0+2 -                "-" is a group that took no part
-//     "b"     = none                 no match
-//   "a\n\<3:xy>b"                    a pattern in quotes is written with the escapes of a text
-//     "a\nxyxyxyb" = 0+8 steps 1     the smallest match limit that gives this result is 1
-//     limit=0 "a"  = limit 1         the match limit ran out and left the count at 1; records written follow
-//   /(a/
-//     error group 3                  refused with this error at this offset; the names are those of the
-//     status codes
+//   /a(b)?c/i  "xABC" = 1+3 2+1     the pattern up to the last slash, byte for byte, then the options; record
+//                                   0 is 3 bytes at position 1, record 1 one byte at 2
+//     "ac"    = 0+2 -               "-" is a group that took no part
+//     "b"     = none                no match
+//   "a\n\<3:xy>b"                   a pattern in quotes is written with the escapes of a text
+//     "a\nxyxyxyb" = 0+8 steps 1    the smallest match limit that gives this result is 1
+//     limit=0 "a"  = limit 1        the match limit ran out and left the count at 1; records written follow
+//   /(a/  error group 3             refused with this error at this offset; the names are those of the
+//                                   status codes
+//   /ab*/  = char:a char:b ...      compiled to this program, as support/dump.h writes it
+//
+// A slash before a blank ends the pattern, so a first search with one in its text stands in the line below.
 //
 // An expression without further lines must compile. Before its text a search may set limit=N, capacity=N
 // (records, 64 unless given), format=0|1 and behind="..." (the bytes that can be read behind the text, a
@@ -50,6 +51,7 @@ struct Expression {
   std::string pattern;
   std::string options;
   std::string error;  // "error NAME OFFSET" for a pattern that must be refused, else empty
+  std::optional<std::string> program;
   std::vector<Search> searches;
 };
 
