@@ -239,18 +239,17 @@ TEST(CppRegexp, TakesTextsOfEveryKind) {
   static_assert(!Searchable<std::string>::value);  // matches would point into what is gone
   regexp expression("b\\b.?");
   // Short and long texts that end before memory that cannot be read, some inside a sequence.
-  GuardedUnits<uint8_t> place(1000);
+  const GuardedPages place(1000);
   for (size_t length : {1, 255, 256, 257, 1000}) {
-    std::vector<uint8_t> bytes(length, 'a');
-    bytes.back() = 'b';
-    const uint8_t* const text = place.endingAtGuard(bytes);
-    const std::string_view view = ulkch::bytes(text, length).view();
+    char* const text = place.end() - length;
+    std::fill_n(text, length, 'a');
+    text[length - 1] = 'b';
+    const std::string_view view(text, length);
     const ulkch::search_result found = expression.search(view);
     ASSERT_TRUE(found) << length;
     EXPECT_EQ(found[0].data(), view.data() + length - 1);
     EXPECT_EQ(expression.find_all(view)[0][0].data(), view.data() + length - 1);
-    bytes.back() = 0xE2;
-    place.endingAtGuard(bytes);
+    text[length - 1] = '\xE2';
     EXPECT_EQ(regexp("[^b]*").search(view)[0].size(), length);
   }
   EXPECT_TRUE(expression.search(std::vector<uint8_t>{'b'}));

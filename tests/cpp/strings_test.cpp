@@ -2,6 +2,7 @@
 // what it adds to that: views, spans, any length, conversions of any text.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -145,7 +146,7 @@ TEST(CppStrings, Joins) {
 TEST(CppStrings, ConvertsTextsOfEveryCut) {
   std::string text;
   while (text.size() < 1100) text += "a\xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80\xfd\xbf\xbf\xbf\xbf\xbf\xfd\xbf";
-  GuardedUnits<uint8_t> place(text.size());
+  const GuardedPages place(text.size());
   for (size_t start = 0; start < 18; ++start) {
     for (size_t length = 0; length < 1060; length += length == 20 ? 1000 : 1) {
       const std::string terminated = text.substr(start, length);
@@ -153,8 +154,9 @@ TEST(CppStrings, ConvertsTextsOfEveryCut) {
       std::vector<uint16_t> expected(length + 1);
       auto used = static_cast<int32_t>(length), written = used;
       ASSERT_EQ(ulksConvertUTF_8u16u(source, &used, expected.data(), &written, 0), ulkOk);
-      const uint8_t* const guarded = place.endingAtGuard({terminated.begin(), terminated.end()});
-      ASSERT_EQ(ulkch::to_utf16({guarded, length}),
+      char* const guarded = place.end() - length;
+      std::copy_n(terminated.data(), length, guarded);
+      ASSERT_EQ(ulkch::to_utf16(std::string_view(guarded, length)),
                 std::u16string(expected.begin(), expected.begin() + written))
           << start << " " << length;
     }
