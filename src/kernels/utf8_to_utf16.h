@@ -16,7 +16,7 @@
 #include <algorithm>
 
 #include "kernels/utf_compress.h"
-#include "regexp/utf8.h"
+#include "regexp/text/utf8.h"
 
 namespace ulk {
 

@@ -1,7 +1,7 @@
 // The sets of classes against a walk over their members: for every character that matters, with and without
 // i, and wherever the room for a record is scarce.
 
-#include "regexp/class_sets.h"
+#include "regexp/program/class_sets.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "regexp/byte_sets.h"
+#include "regexp/analysis/first_bytes.h"
 #include "support/compiled.h"
 
 namespace ulk {

@@ -1,7 +1,7 @@
 // The pattern compiler: what program a pattern becomes, which error where, and that no pattern whatever makes
 // it write outside the state.
 
-#include "regexp/compiler.h"
+#include "regexp/compile/compiler.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "regexp/state.h"
+#include "regexp/program/state.h"
 #include "support/compiled.h"
 #include "support/dump.h"
 #include "support/expression_cases.h"

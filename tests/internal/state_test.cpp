@@ -1,6 +1,6 @@
 // The expression object: sizes, the order of argument checks, what each call writes, and the settings.
 
-#include "regexp/state.h"
+#include "regexp/program/state.h"
 
 #include <gtest/gtest.h>
 

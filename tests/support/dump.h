@@ -11,7 +11,7 @@
 
 #include <string>
 
-#include "regexp/state.h"
+#include "regexp/program/state.h"
 
 namespace ulk {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "regexp/program.h"
+#include "regexp/program/program.h"
 
 namespace ulk_test {
 

@@ -7,8 +7,8 @@
 #include <cstring>
 #include <functional>
 
-#include "regexp/search.h"
-#include "regexp/state.h"
+#include "regexp/search/search.h"
+#include "regexp/program/state.h"
 
 namespace ulk_test {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "regexp/program.h"
-#include "regexp/state.h"
+#include "regexp/program/program.h"
+#include "regexp/program/state.h"
 #include "support/reference_characters.h"
 
 namespace ulk_test {

@@ -1,6 +1,6 @@
 // A second matcher for compiled expressions, against which the library's own is compared: recursive, literal,
 // without any shortcut. It carries out every rule as it is stated, counts steps exactly, and reads nothing of
-// a state but its header and the operands of its nodes (regexp/program.h); it writes nothing to it.
+// a state but its header and the operands of its nodes (regexp/program/program.h); it writes nothing to it.
 #pragma once
 
 #include <cstdint>

@@ -1,0 +1,25 @@
+// The analysis of a compiled program, the second half of every compile: what can be known of an expression
+// before it meets a text.
+//
+// In: the program, and what the compiler has left free in the state. Out, in the same state: links between
+// the nodes of each group, the sets of classes, the bytes that may follow each repeat, and the start filter.
+// Nothing of it changes what the program matches, nor how many steps that takes.
+#pragma once
+
+#include "regexp/program/state.h"
+
+namespace ulk {
+
+void analyse(ulkRegExpState& state, SpareWords spare);
+
+// Its stages, in their order.
+
+// Links every bar to the next one of its group, every open node to the group's first bar, and the ends of
+// plain groups to their open nodes, all by `text`.
+void linkGroups(ulkRegExpState& state);
+
+// Makes the records of all classes. `op3` of an RX_CLASS node tells how many bytes of the pattern it comes
+// from.
+void makeClassSets(ulkRegExpState& state, SpareWords spare);
+
+}  // namespace ulk

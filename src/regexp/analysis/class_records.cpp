@@ -1,0 +1,158 @@
+// Makes the records of classes (class_sets.h).
+#include <algorithm>
+
+#include "regexp/analysis/analysis.h"
+#include "regexp/program/class_members.h"
+#include "regexp/program/class_sets.h"
+
+namespace ulk {
+
+namespace {
+
+constexpr int32_t kNodeWords = sizeof(RxNode) / sizeof(uint32_t);
+constexpr int32_t kIntervalWords = sizeof(Interval) / sizeof(uint32_t);
+
+class RecordMaker {
+ public:
+  RecordMaker(RxNode& header, uint32_t caseless, bool bothCases)
+      : header_(header), caseless_(caseless), bothCases_(bothCases) {}
+
+  // Returns the end of the record, `at` if there is no room for one.
+  uint32_t* make(uint32_t* at, int64_t room);
+
+ private:
+  ClassNote::HighBytes highBytes() const;
+  void chooseSets();
+  bool chooseParts(int64_t room);
+  void placeSets(int64_t room);
+  void writeSets(uint32_t* record);
+  uint32_t* writeParts(uint32_t* at);
+  Set128 inClass(const Set128& set) const { return header_.op1 != 0 ? inverse(set) : set; }
+
+  RxNode& header_;
+  const uint32_t caseless_;
+  const bool bothCases_;
+  ClassMembers members_;
+  ClassNote::Facts facts_{};
+  Set128 further_[5];
+  uint32_t numFurther_ = 0;
+  int32_t numPlain_ = 0;
+  int32_t numFolded_ = 0;
+  int64_t size_ = 0;  // of the first set and the parts
+};
+
+ClassNote::HighBytes RecordMaker::highBytes() const {
+  uint32_t any = 0;
+  uint32_t all = ~0u;
+  uint32_t others = 0;
+  for (int i = 0; i < kWordsPerSet; ++i) {
+    any |= members_.high.words[i];
+    all &= members_.high.words[i];
+    others |= members_.high.words[i] ^ members_.chars[0].words[i];
+  }
+  if (any == 0) return ClassNote::kNone;
+  if (all == ~0u) return ClassNote::kAll;
+  return others == 0 ? ClassNote::kAsChars : ClassNote::kOwnSet;
+}
+
+void RecordMaker::chooseSets() {
+  facts_.caseless = caseless_;
+  facts_.anyMultibyte = members_.anyMultibyte;
+  facts_.highBytes = highBytes();
+  if (!members_.anyMultibyte) facts_.numCharSets = members_.numCharSets;
+  for (uint32_t i = 0; i < facts_.numCharSets; ++i) further_[numFurther_++] = members_.chars[i];
+  if (facts_.highBytes == ClassNote::kOwnSet) further_[numFurther_++] = members_.high;
+  if (!bothCases_) return;
+  const Set128 other = members_.ascii(!caseless_);
+  facts_.otherAscii = !same(other, members_.ascii(caseless_));
+  if (facts_.otherAscii) further_[numFurther_++] = inClass(other);
+}
+
+bool RecordMaker::chooseParts(int64_t room) {
+  size_ = kWordsPerSet;
+  if (!members_.anyMultibyte) {
+    numPlain_ = bothCases_ || !caseless_ ? members_.numPlain : 0;
+    numFolded_ = bothCases_ || caseless_ ? members_.numFolded : 0;
+    facts_.kinds = members_.kinds != 0;
+    facts_.scripts = members_.hasScripts;
+    facts_.lists = numPlain_ + numFolded_ > 0;
+    if (facts_.kinds) size_ += kKindWords;
+    if (facts_.scripts) size_ += kScriptWords;
+    if (facts_.lists) size_ += kListLengths + int64_t{kIntervalWords} * (numPlain_ + numFolded_);
+  }
+  return size_ <= room;
+}
+
+// Which of the further sets stand in the record, and whether the members hold the others. A script, which
+// needs its `text`, leaves over enough room for all of them.
+void RecordMaker::placeSets(int64_t room) {
+  facts_.numStored = static_cast<uint32_t>(std::min<int64_t>(numFurther_, (room - size_) / kWordsPerSet));
+  facts_.walk = kWordsPerSet * static_cast<int32_t>(numFurther_ - facts_.numStored) > header_.op2;
+}
+
+void RecordMaker::writeSets(uint32_t* record) {
+  const Set128 ascii = inClass(members_.ascii(caseless_));
+  record = std::copy(ascii.words, ascii.words + kWordsPerSet, record);
+  for (uint32_t set = 0; set < facts_.numStored; ++set)
+    record = std::copy(further_[set].words, further_[set].words + kWordsPerSet, record);
+  if (facts_.walk) return;
+  RxNode* member = &header_ + 1;
+  for (uint32_t set = facts_.numStored; set < numFurther_; ++set)
+    for (const uint32_t word : further_[set].words)
+      (member++)->text = reinterpret_cast<const void*>(static_cast<uintptr_t>(word));
+}
+
+uint32_t* RecordMaker::writeParts(uint32_t* at) {
+  if (facts_.kinds)
+    for (int i = 0; i < kKindWords; ++i) *at++ = static_cast<uint32_t>(members_.kinds >> 32 * i);
+  if (facts_.scripts) at = std::copy(members_.scripts, members_.scripts + kScriptWords, at);
+  if (!facts_.lists) return at;
+  auto* const list = reinterpret_cast<Interval*>(at + kListLengths);
+  const int32_t plain = numPlain_ > 0 ? members_.writePlain(header_, list) : 0;
+  const int32_t folded = numFolded_ > 0 ? members_.writeFolded(header_, list + plain) : 0;
+  at[0] = static_cast<uint32_t>(plain);
+  at[1] = static_cast<uint32_t>(folded);
+  return reinterpret_cast<uint32_t*>(list + plain + folded);
+}
+
+uint32_t* RecordMaker::make(uint32_t* at, int64_t room) {
+  for (int32_t i = 1; i <= header_.op2; ++i) members_.add((&header_)[i]);
+  members_.finish();
+  chooseSets();
+  header_.text = nullptr;
+  if (!chooseParts(room)) return at;
+  placeSets(room);
+  writeSets(at);
+  header_.text = at;
+  header_.op3 = ClassNote::pack(facts_);
+  return writeParts(at + size_t{kWordsPerSet} * (1 + facts_.numStored));
+}
+
+// Whether a search can find the caseless bit changed.
+bool changesCase(const ulkRegExpState& state) {
+  const RxNode* const nodes = state.nodes();
+  return std::any_of(nodes, nodes + state.numNodes, [&](const RxNode& node) {
+    if (node.code != RX_OPTIONS && node.code != RX_OPTGROUP) return false;
+    const int32_t options = node.code == RX_OPTIONS ? node.op1 : node.op3;
+    return ((static_cast<uint32_t>(options) ^ state.options) & RX_OPT_CASELESS) != 0;
+  });
+}
+
+}  // namespace
+
+void makeClassSets(ulkRegExpState& state, SpareWords spare) {
+  RxNode* const nodes = state.nodes();
+  const bool bothCases = changesCase(state);
+  uint32_t options = state.options;
+  for (int32_t i = 0; i < state.numNodes; ++i) {
+    RxNode& node = nodes[i];
+    if (bothCases) options = optionsAfter(node, options);
+    if (node.code != RX_CLASS) continue;
+    const int64_t room = (int64_t{node.op3} - node.op2 - 1) * kNodeWords;
+    RecordMaker maker(node, options & RX_OPT_CASELESS, bothCases);
+    spare.begin = maker.make(spare.begin, std::min<int64_t>(room, spare.end - spare.begin));
+    i += node.op2;
+  }
+}
+
+}  // namespace ulk

@@ -1,0 +1,192 @@
+#include "regexp/analysis/first_bytes.h"
+
+#include "regexp/program/class_sets.h"
+
+namespace ulk {
+
+namespace {
+
+constexpr int32_t kMaxRestNodes = 256;  // looked at for the end of a group
+
+bool isRepeatableGroup(const RxNode& node) {
+  return node.code == RX_CAPTURE || node.code == RX_GROUP || node.code == RX_OPTGROUP;
+}
+
+// The node after an item or a group, where its quantifier stands if it has one.
+int32_t afterNode(const RxNode* nodes, int32_t node) {
+  if (isGroupOpen(nodes[node])) return node + nodes[node].op2 + 2;
+  return node + 1 + (nodes[node].code == RX_CLASS ? nodes[node].op2 : 0);
+}
+
+void addMultibyte(ByteSet256& set) {
+  for (int i = 4; i < 8; ++i) set.words[i] = ~0u;
+}
+
+}  // namespace
+
+void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
+  switch (item.code) {
+    case RX_CHAR:
+      return addByte(item.op1, options, set);
+    case RX_STRING:
+      return addByte(*static_cast<const uint8_t*>(item.text), options, set);
+    case RX_CHARTYPE:
+      return addShorthand(item.op1, options, set);
+    case RX_CLASS:
+      return addClassBytes(item, options, set);
+    case RX_CODEPOINT:
+    case RX_CATEGORY:
+    case RX_UNIRANGE:
+    case RX_SCRIPT:
+      addAsciiOf(item, options, set);
+      return addMultibyte(set);
+    default:
+      for (uint32_t& word : set.words) word = ~0u;
+  }
+}
+
+bool FirstBytes::ofProgram(uint32_t options, const RxNode* firstBar) {
+  exitOptions = options;
+  before_ = Before::kStart;
+  const bool decided = alternatives(0, firstBar, numNodes_, options);
+  return decided && (boundarySteps == 0 || !firstBar);
+}
+
+// `bar`: the one behind the first alternative.
+bool FirstBytes::alternatives(int32_t first, const RxNode* bar, int32_t end, uint32_t options) {
+  for (;; bar = nextBar(*bar)) {
+    int32_t node = first;
+    if (sequence(node, end, options) != Way::kDecided) return false;
+    if (!bar) return true;
+    options = static_cast<uint32_t>(bar->op2);
+    leaveOptions(options);
+    first = static_cast<int32_t>(bar - nodes_) + 1;
+  }
+}
+
+bool FirstBytes::group(int32_t open, uint32_t options) {
+  constexpr int32_t kMaxNesting = 32;
+  const RxNode& node = nodes_[open];
+  if (depth_ >= kMaxNesting) return false;
+  if (node.code == RX_OPTGROUP) options = static_cast<uint32_t>(node.op3);
+  // A repeatable group derives the match length anew when it fails; others put it back.
+  const bool entersGroupOutside = entersGroup || isRepeatableGroup(node);
+  ++depth_;
+  const bool decided = alternatives(open + 1, nextBar(node), open + node.op2 + 1, options);
+  --depth_;
+  entersGroup = entersGroupOutside;
+  return decided;
+}
+
+// What a test of the position alone, not left out, leads to.
+FirstBytes::Way FirstBytes::assertion(int32_t kind) {
+  constexpr ByteSet256 kNewline{{1u << '\n'}};
+  switch (kind) {
+    case '$':
+    case 'Z':
+      addAll(kNewline, set);
+      [[fallthrough]];
+    case 'z':
+      atEnd = true;
+      noteItem(-1, 0);
+      return Way::kDecided;
+    case 'b':
+      if (before_ == Before::kWordByte) {
+        addShorthand('W', 0, set);
+        atEnd = true;
+        noteItem(-1, 0);
+        return Way::kDecided;
+      }
+      if (before_ != Before::kStart || depth_ > 0 || numItems_ > 0 || boundarySteps > 0)
+        return Way::kUndecided;
+      boundarySteps = steps;
+      return Way::kOpen;
+    default:
+      return Way::kUndecided;
+  }
+}
+
+void FirstBytes::noteItem(int32_t node, uint32_t options) {
+  soleItem = ++numItems_ == 1 ? node : -1;
+  itemOptions = options;
+}
+
+// Adds what nodes[node, end) can begin with: optional items and groups, and the first that is required. Open
+// when none is before the end or the end of the alternative that the node is in; then node and options are
+// those there.
+FirstBytes::Way FirstBytes::sequence(int32_t& node, int32_t end, uint32_t& options) {
+  const int32_t depth = depth_;
+  Way way = Way::kOpen;
+  while (node < end && way == Way::kOpen) {
+    const RxNode& item = nodes_[node];
+    if (item.code == RX_ALT || item.code == RX_END) break;
+    if (++steps > maxSteps_) return Way::kUndecided;
+    if (item.code == RX_OPTIONS) {
+      options = static_cast<uint32_t>(item.op1);
+      leaveOptions(options);
+      ++node;
+      continue;
+    }
+    const int32_t next = afterNode(nodes_, node);
+    const RxNode* const quantifier = next < numNodes_ && isQuantifier(nodes_[next]) ? &nodes_[next] : nullptr;
+    if (item.code == RX_ASSERT) {
+      // One that may be left out is not tested.
+      if (!quantifier || quantifier->op1 > 0) way = assertion(item.op1);
+      node = next + (quantifier ? 1 : 0);
+      continue;
+    }
+    const bool isGroup = isRepeatableGroup(item);
+    const bool isRun = item.code == RX_ATOMIC || (item.code == RX_LOOKAHEAD && !quantifier);
+    way = Way::kUndecided;
+    if (isItem(item)) {
+      addFirstBytes(item, options, set);
+      noteItem(node, options);
+    } else if ((!isGroup && !isRun) || !group(node, options)) {
+      break;
+    }
+    if (!quantifier || quantifier->op1 > 0) {
+      way = Way::kDecided;
+    } else if (isGroup && quantifier->op2 > 0) {
+      // A group that matches no times is left with the options outside it, and puts them back when that
+      // fails.
+      options = static_cast<uint32_t>(nodes_[next - 1].op2);
+      ++depth_;
+      way = Way::kOpen;
+    } else if (isItem(item) && quantifier->code == RX_REPEAT) {
+      way = Way::kOpen;
+    }
+    if (way == Way::kOpen) node = next + 1;
+  }
+  depth_ = depth;
+  return way;
+}
+
+bool FirstBytes::ofRest(int32_t node, uint32_t options, bool afterWord) {
+  before_ = afterWord ? Before::kWordByte : Before::kUnknown;
+  const uint32_t entryOptions = options;
+  exitOptions = options;
+  maxSteps_ = kMaxRestSteps;
+  for (;;) {
+    const Way way = sequence(node, numNodes_, options);
+    if (way != Way::kOpen) return way == Way::kDecided && exitOptions == entryOptions;
+    if (node >= numNodes_ || nodes_[node].op1 < 1) return false;
+
+    // The group's end, which at a bar is reached in the same step.
+    const int32_t end = groupEnd(node);
+    if (end < 0 || (end + 1 < numNodes_ && isQuantifier(nodes_[end + 1]))) return false;
+    if (++steps > maxSteps_) return false;
+    options = static_cast<uint32_t>(nodes_[end].op2);
+    depth_ = 1;  // the group's end puts them back
+    node = end + 1;
+  }
+}
+
+// The end of the group that a bar or an end belongs to, -1 if it is far away.
+int32_t FirstBytes::groupEnd(int32_t node) const {
+  const int32_t serial = nodes_[node].op1;
+  for (int32_t i = node; i < numNodes_ && i < node + kMaxRestNodes; ++i)
+    if (nodes_[i].code == RX_END && nodes_[i].op1 == serial) return i;
+  return -1;
+}
+
+}  // namespace ulk

@@ -1,0 +1,102 @@
+#include "regexp/analysis/follow_sets.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "regexp/analysis/first_bytes.h"
+#include "regexp/program/follow_note.h"
+
+namespace ulk {
+
+namespace {
+
+int32_t highestSerial(const RxNode* nodes, int32_t numNodes) {
+  int32_t highest = 0;
+  for (int32_t i = 0; i < numNodes; ++i)
+    if (nodes[i].code == RX_END) highest = std::max(highest, std::abs(nodes[i].op1));
+  return highest;
+}
+
+bool intersect(const ByteSet256& a, const ByteSet256& b) {
+  uint32_t common = 0;
+  for (int i = 0; i < 8; ++i) common |= a.words[i] & b.words[i];
+  return common != 0;
+}
+
+bool isSubset(const ByteSet256& a, const ByteSet256& b) {
+  uint32_t others = 0;
+  for (int i = 0; i < 8; ++i) others |= a.words[i] & ~b.words[i];
+  return others == 0;
+}
+
+// Optional items in a row behind repeats: where there are many, nothing is decided as far as the rest of the
+// program is followed. Each row is counted once, not from each of its items.
+class OptionalRow {
+ public:
+  explicit OptionalRow(const ulkRegExpState& state) : nodes_(state.nodes()), numNodes_(state.numNodes) {}
+
+  // To be asked for the nodes behind all repeats of items, in their order.
+  bool isTooLong(int32_t node) {
+    if (node < end_) {
+      --left_;
+    } else {
+      end_ = node;
+      for (left_ = 0; passOptional(); ++left_) {
+      }
+    }
+    return left_ >= kMaxRestSteps;
+  }
+
+ private:
+  bool passOptional() {
+    if (end_ >= numNodes_ || !isItem(nodes_[end_])) return false;
+    const int32_t next = nextItem(nodes_, end_);
+    if (next >= numNodes_ || nodes_[next].code != RX_REPEAT || nodes_[next].op1 > 0) return false;
+    end_ = next + 1;
+    return true;
+  }
+
+  const RxNode* const nodes_;
+  const int32_t numNodes_;
+  int32_t end_ = 0;   // of the row that was counted last
+  int32_t left_ = 0;  // items of it that are still to come
+};
+
+}  // namespace
+
+SpareFrames::SpareFrames(const ulkRegExpState& state)
+    : highestSerial_(highestSerial(state.nodes(), state.numNodes)) {}
+
+void makeFollowSets(ulkRegExpState& state, SpareFrames& frames) {
+  RxNode* const nodes = state.nodes();
+  uint32_t options = state.options;
+  const RxNode* item = nullptr;
+  OptionalRow row(state);
+  ByteSet256 words{};
+  addShorthand('w', 0, words);
+  for (int32_t i = 0; i < state.numNodes; ++i) {
+    RxNode& node = nodes[i];
+    options = optionsAfter(node, options);
+    if (!isQuantifier(node)) {
+      item = &node;
+      if (node.code == RX_CLASS) i += node.op2;
+      continue;
+    }
+    node.text = nullptr;
+    if (!frames.any()) continue;
+    if (item->code == RX_END || item->code == RX_ASSERT || item->code == RX_BACKREF) continue;
+    if (row.isTooLong(i + 1)) continue;
+    ByteSet256 taken{};
+    addFirstBytes(*item, options, taken);
+    FirstBytes follow(state);
+    const bool afterWord = node.op1 > 0 && isSubset(taken, words);
+    if (!follow.ofRest(i + 1, options, afterWord) || follow.steps > kMaxFollowSteps) continue;
+    const bool disjoint = !intersect(taken, follow.set);
+    ByteSet256& set = state.frames[frames.take()].bytes;
+    set = follow.set;
+    node.text = &set;
+    node.op3 = FollowNote::pack({options, follow.steps, follow.entersGroup, disjoint, follow.atEnd});
+  }
+}
+
+}  // namespace ulk

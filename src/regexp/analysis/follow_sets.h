@@ -1,0 +1,31 @@
+// The bytes that may follow a repeat.
+//
+// The quantifier of a repeated item points to the set of them by `text`; `op3` is a packed FollowNote.
+#pragma once
+
+#include <cstdint>
+
+#include "regexp/program/program.h"
+#include "regexp/program/state.h"
+
+namespace ulk {
+
+// Hands out the frames that no group uses, from the last one down.
+class SpareFrames {
+ public:
+  explicit SpareFrames(const ulkRegExpState& state);
+  bool any() const { return next_ > highestSerial_; }
+  // The index of a frame, 0 when there is none left.
+  int32_t take() { return any() ? next_-- : 0; }
+
+ private:
+  int32_t highestSerial_;
+  int32_t next_ = kNumFrames - 1;
+};
+
+// Makes the sets of repeats, as far as there are frames for them. Those of classes are made before.
+void makeFollowSets(ulkRegExpState& state, SpareFrames& frames);
+
+inline constexpr int32_t kMaxFollowSteps = 1 << 20;
+
+}  // namespace ulk

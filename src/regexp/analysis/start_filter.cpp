@@ -1,0 +1,214 @@
+#include "regexp/analysis/start_filter.h"
+
+#include <algorithm>
+
+#include "regexp/analysis/first_bytes.h"
+#include "regexp/program/follow_note.h"
+
+namespace ulk {
+
+namespace {
+
+// Lists the members of a set of up to four; false for a larger one, or an empty one.
+bool listMembers(const ByteSet256& set, uint8_t (&members)[4]) {
+  int count = 0;
+  for (int32_t c = 0; c < 256; ++c) {
+    if (!set.contains(static_cast<uint8_t>(c))) continue;
+    if (count == 4) return false;
+    members[count++] = static_cast<uint8_t>(c);
+  }
+  std::fill(members + std::max(count, 1), members + 4, members[0]);
+  return count > 0;
+}
+
+// Lists the bounds of a set of one or two ranges below 0x80; one range stands twice. False for other sets.
+bool listRanges(const ByteSet256& set, uint8_t (&bounds)[4]) {
+  int count = 0;
+  for (int32_t c = 0; c < 0x80; ++c) {
+    const bool member = set.contains(static_cast<uint8_t>(c));
+    const bool before = c > 0 && set.contains(static_cast<uint8_t>(c - 1));
+    if (member == before) continue;
+    if (count == 4) return false;
+    bounds[count++] = static_cast<uint8_t>(member ? c : c - 1);
+  }
+  if (count < 2 || count % 2 != 0 || set.words[4] | set.words[5] | set.words[6] | set.words[7]) return false;
+  if (count == 2) std::copy(bounds, bounds + 2, bounds + 2);
+  return true;
+}
+
+// Describes a small set of bytes; false for others.
+bool describe(const ByteSet256& set, SmallSet& small) {
+  if (listMembers(set, small.bytes)) {
+    small.form = SmallSetForm::kMembers;
+  } else {
+    small.form = listRanges(set, small.bytes) ? SmallSetForm::kRanges : SmallSetForm::kNone;
+  }
+  return small.form != SmallSetForm::kNone;
+}
+
+bool containsAll(const ByteSet256& set) {
+  return std::all_of(set.words, set.words + 8, [](uint32_t word) { return word == ~0u; });
+}
+
+// The quantifier of an item that is repeated without bound, and of which it is known what may follow; 0 for
+// others.
+int32_t runOf(const RxNode* nodes, int32_t numNodes, int32_t item, uint32_t options) {
+  if (item < 0 || nodes[item].code == RX_XSEQ) return 0;
+  const int32_t quantifier = nextItem(nodes, item);
+  if (quantifier >= numNodes) return 0;
+  const RxNode& node = nodes[quantifier];
+  if (node.code != RX_REPEAT || node.op1 < 1 || !node.text) return 0;
+  return FollowNote(node.op3).options() == options ? quantifier : 0;
+}
+
+StartKind kindOf(const FirstBytes& items, const RxNode* nodes, StartFilter& filter) {
+  if (items.boundarySteps > 0) {
+    describe(items.set, filter.small);
+    return StartKind::kBoundary;
+  }
+  if (containsAll(items.set)) return StartKind::kAny;
+  const bool caseless = filter.options & RX_OPT_CASELESS;
+  if (filter.item >= 0 && nodes[filter.item].code == RX_STRING) {
+    return caseless ? StartKind::kCaselessString : StartKind::kString;
+  }
+  if (!describe(items.set, filter.small)) return StartKind::kSet;
+  const SmallSet& small = filter.small;
+  const bool one =
+      small.form == SmallSetForm::kMembers && std::count(small.bytes, small.bytes + 4, small.bytes[0]) == 4;
+  return one ? StartKind::kByte : StartKind::kSmallSet;
+}
+
+bool isLiteral(const ulkRegExpState& state, int32_t node) {
+  const RxNode* const nodes = state.nodes();
+  const bool quantified = node + 1 < state.numNodes && isQuantifier(nodes[node + 1]);
+  return node < state.numNodes && nodes[node].code <= RX_STRING && !quantified;
+}
+
+// The first node that is neither an option change nor a word boundary.
+int32_t firstNode(const RxNode* nodes, int32_t numNodes) {
+  const auto isPassed = [](const RxNode& node) {
+    return node.code == RX_OPTIONS || (node.code == RX_ASSERT && node.op1 == 'b');
+  };
+  int32_t first = 0;
+  while (first < numNodes && isPassed(nodes[first])) ++first;
+  return first;
+}
+
+// Whether every one of several ways to begin a match begins with a literal.
+bool beginsWithLiterals(const ulkRegExpState& state, const StartFilter& filter) {
+  const RxNode* const nodes = state.nodes();
+  const Alternatives ways = firstAlternatives(nodes, state.numNodes, filter.firstBar);
+  if (filter.item >= 0 || !ways.firstBar || !isLiteral(state, ways.first)) return false;
+  // All of them are compared with the options that the attempt begins with.
+  const auto changesOptions = [](const RxNode& node) { return node.code == RX_OPTIONS; };
+  if (std::any_of(nodes, nodes + ways.first, changesOptions)) return false;
+  if (filter.firstBar < 0) {
+    // A group that may be left out is not the only beginning.
+    const int32_t next = nextItem(nodes, ways.first - 1);
+    if (next < state.numNodes && isQuantifier(nodes[next]) && nodes[next].op1 == 0) return false;
+  }
+  const RxNode* bar = ways.firstBar;
+  while (bar && bar->op2 == filter.options &&
+         isLiteral(state, static_cast<int32_t>(bar - state.nodes()) + 1)) {
+    bar = nextBar(*bar);
+  }
+  return !bar;
+}
+
+// Adds the second bytes of literals; false if one has none.
+bool addSecondByte(const RxNode& literal, uint32_t options, ByteSet256& set) {
+  if (literal.code != RX_STRING) return false;
+  addByte(static_cast<const uint8_t*>(literal.text)[1], options, set);
+  return true;
+}
+
+// Finds out what comes right behind the first byte of every match, where attempts without it all cost the
+// same.
+bool describePair(const ulkRegExpState& state, const StartFilter& filter, StartPair& pair) {
+  const RxNode* const nodes = state.nodes();
+  const bool ascii =
+      std::all_of(filter.small.bytes, filter.small.bytes + 4, [](uint8_t c) { return c < 0x80; });
+  if (filter.small.form == SmallSetForm::kNone || !ascii) return false;
+  pair = {};
+  ByteSet256 seconds{};
+  if (filter.literals) {
+    const Alternatives ways = firstAlternatives(nodes, state.numNodes, filter.firstBar);
+    if (!addSecondByte(nodes[ways.first], filter.options, seconds)) return false;
+    for (const RxNode* bar = ways.firstBar; bar; bar = nextBar(*bar))
+      if (!addSecondByte(bar[1], filter.options, seconds)) return false;
+    return describe(seconds, pair.second);
+  }
+  if (filter.item < 0) return false;
+  if (addSecondByte(nodes[filter.item], filter.options, seconds)) return describe(seconds, pair.second);
+  if (filter.kind == StartKind::kBoundary)
+    return false;  // where that byte is missing costs another number of steps
+  const int32_t next = nextItem(nodes, filter.item);
+  if (next >= state.numNodes) return false;
+  if (isQuantifier(nodes[next])) {
+    pair.run = std::min(nodes[next].op1 - 1, 15);
+    return pair.run > 0;
+  }
+  const int32_t afterNext = isGroupOpen(nodes[next]) ? state.numNodes : nextItem(nodes, next);
+  const bool optional =
+      afterNext < state.numNodes && isQuantifier(nodes[afterNext]) && nodes[afterNext].op1 == 0;
+  if (!isItem(nodes[next]) || optional) return false;
+  addFirstBytes(nodes[next], filter.options, seconds);
+  pair.extraSteps = 1;
+  return describe(seconds, pair.second);
+}
+
+// The first top-level bar, -1 without one.
+int32_t firstTopLevelBar(const RxNode* nodes, int32_t numNodes) {
+  for (int32_t i = 0; i < numNodes; ++i)
+    if (nodes[i].code == RX_ALT && nodes[i].op1 == kTopLevel) return i;
+  return -1;
+}
+
+// The filter for attempts that begin with these options, kAny where the options or the items do not allow
+// one.
+StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
+  const RxNode* const nodes = state.nodes();
+  StartFilter filter{};
+  filter.firstBar = firstTopLevelBar(nodes, state.numNodes);
+  if (state.numNodes == 0) return filter;
+  if (nodes[0].code == RX_ASSERT && nodes[0].op1 == kLeadingDotStar && filter.firstBar < 0) {
+    filter.kind = StartKind::kLineStart;
+    filter.steps = 1;
+    filter.options = static_cast<uint8_t>(state.options);
+    return filter;
+  }
+
+  // An option change at the start is in force from the second attempt on; the filter is for those.
+  FirstBytes items(state);
+  const RxNode* const firstBar = filter.firstBar < 0 ? nullptr : nodes + filter.firstBar;
+  if (!hasFrames || !items.ofProgram(state.options, firstBar)) return filter;
+  filter.options = static_cast<uint8_t>(items.exitOptions);
+  if (filter.options != state.options) {
+    items = FirstBytes(state);
+    if (!items.ofProgram(filter.options, firstBar) || items.exitOptions != filter.options) return filter;
+  }
+  filter.steps = items.steps;
+  filter.boundarySteps = items.boundarySteps;
+  filter.item = items.itemOptions == filter.options ? items.soleItem : -1;
+  filter.run = runOf(nodes, state.numNodes, filter.item, filter.options);
+  filter.kind = kindOf(items, nodes, filter);
+  filter.literals = beginsWithLiterals(state, filter);
+  if (filter.kind != StartKind::kAny) state.frames[kStartSetFrame].bytes = items.set;
+  filter.hasPair = describePair(state, filter, state.frames[kStartPairFrame].pair);
+  return filter;
+}
+
+}  // namespace
+
+Alternatives firstAlternatives(const RxNode* nodes, int32_t numNodes, int32_t firstBar) {
+  const int32_t first = firstNode(nodes, numNodes);
+  const bool isGroup = first < numNodes && (nodes[first].code == RX_GROUP || nodes[first].code == RX_CAPTURE);
+  if (firstBar < 0 && isGroup) return {first + 1, nextBar(nodes[first])};
+  return {first, firstBar < 0 ? nullptr : &nodes[firstBar]};
+}
+
+void makeStartFilter(ulkRegExpState& state, bool hasFrames) {
+  state.frames[0].start = filterFor(state, hasFrames);
+}
+
+}  // namespace ulk

@@ -1,0 +1,29 @@
+// Which start positions are worth an attempt.
+//
+// An attempt whose first items fail on the byte at the position costs a number of steps that the program
+// alone decides. Such positions need not be tried: they are looked for by fast scans and paid for from the
+// budget, so that neither a result nor an exhausted match limit changes. The filter is made when the
+// expression is compiled and kept in its state; starts.h uses it.
+#pragma once
+
+#include <cstdint>
+
+#include "regexp/program/state.h"
+
+namespace ulk {
+
+// `hasFrames`: kStartSetFrame and kStartPairFrame belong to no group.
+void makeStartFilter(ulkRegExpState& state, bool hasFrames);
+
+inline const StartFilter& startFilterOf(const ulkRegExpState& state) { return state.frames[0].start; }
+
+// Ways to begin: the node that the first one begins with, and the bar before the second one.
+struct Alternatives {
+  int32_t first;
+  const RxNode* firstBar;  // null if there is no second one
+};
+
+// The alternatives of the whole program or of the group that it begins with.
+Alternatives firstAlternatives(const RxNode* nodes, int32_t numNodes, int32_t firstBar);
+
+}  // namespace ulk

@@ -1,8 +1,0 @@
-#include "frame/export.h"
-#include "regexp/search.h"
-
-ULK_EXPORT ulkStatus ULK_CALL ulksRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen,
-                                                ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
-                                                int32_t* pNumFind) {
-  return ulk::rxFind(pSrc, srcLen, pRegExpState, pFind, pNumFind);
-}

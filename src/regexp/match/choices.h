@@ -1,0 +1,239 @@
+// The stack of choices: places that the matcher comes back to when a later step fails, and what it then needs
+// to know. Memory bounds how many choices a search can keep, so a record holds no more than its kind needs,
+// 8 to 40 bytes. Records have different sizes; each ends with a tag, by which it is found from the top.
+//
+// Positions are offsets from the text start. An item that the text's end cuts may end up to five bytes beyond
+// it, so an offset takes 32 bits, but 31 where a step has begun: none begins beyond the end.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <new>
+
+#include "regexp/program/program.h"
+#include "regexp/text/lengths.h"
+
+namespace ulk {
+
+enum class ChoiceKind : uint32_t {
+  kGreedyBytes,      // repeats.cpp: give back one byte
+  kGreedyChars,      //   give back one character
+  kGreedySequences,  //   give back one extended sequence
+  kGreedyBackref,    //   give back one repetition of the reference
+  kLazy,             //   take one more item
+  kLazyCodePoint,    //   decide about the character at the position
+  kLazyProperty,     //   take the character at the position, whatever it is
+  kPlain,            // groups.cpp: try the plain group's next alternative
+  kPlainCapture,     //   the same for a capturing one
+  kPlainEnter,       //   enter the body of a lazy plain group after all
+  kAlternative,      //   try the group's next alternative
+  kLazyLeave,        //   enter the body after all
+  kLeft,             //   nothing left to try: put the group back as it was
+  kGaveUp,           //   the same where all alternatives of a further iteration have failed
+  kOptions,          //   put the options back
+  kLookaround,       // subrun.cpp: try the lookaround's next alternative
+  kCondition,        //   the condition does not hold
+  kAtomic,           //   try the atomic group's next alternative
+  kAtomicLazy,       //   run one iteration after all
+  kAtomicIteration,  //   go on without this iteration
+  kSurplus,          //   put the surplus back
+};
+
+// The last word of every record: the kind, and a node. Which one depends on the kind: the step's node, or the
+// open node or bar before the alternative that is running.
+class ChoiceTag {
+ public:
+  ChoiceTag() = default;
+  ChoiceTag(ChoiceKind kind, int32_t node)
+      : word_(static_cast<uint32_t>(node) << kKindBits | static_cast<uint32_t>(kind)) {}
+
+  ChoiceKind kind() const { return static_cast<ChoiceKind>(word_ & ((1u << kKindBits) - 1)); }
+  int32_t node() const { return static_cast<int32_t>(word_ >> kKindBits); }
+  void setKind(ChoiceKind kind) { *this = {kind, node()}; }
+  void setNode(int32_t node) { *this = {kind(), node}; }
+
+ private:
+  static constexpr int kKindBits = 5;
+  static_assert(INT32_MAX / sizeof(RxNode) < (1u << (32 - kKindBits)));  // no state has room for more nodes
+
+  uint32_t word_;
+};
+
+// A number that is not negative, and a flag.
+class FlaggedNumber {
+ public:
+  FlaggedNumber() = default;
+  FlaggedNumber(int32_t number, bool flag)
+      : word_(static_cast<uint32_t>(number) << 1 | static_cast<uint32_t>(flag)) {}
+
+  int32_t number() const { return static_cast<int32_t>(word_ >> 1); }
+  bool flag() const { return word_ & 1; }
+  void setNumber(int32_t number) { *this = {number, flag()}; }
+  void setFlag(bool flag) { *this = {number(), flag}; }
+  void operator+=(int32_t number) { setNumber(this->number() + number); }
+
+ private:
+  uint32_t word_;
+};
+
+// A greedy repeat: `at` is the position at its present count, the tag's node the quantifier.
+struct GreedyChoice {
+  FlaggedNumber spare;  // items above the minimum; whether all were taken with the quantifier's options
+  uint32_t at;
+  ChoiceTag tag;
+};
+// One that does not give back bytes knows more.
+struct GreedyItemsChoice {
+  int32_t start;  // where the first item begins; for back references the length of one
+  GreedyChoice greedy;
+};
+
+struct LazyChoice {
+  int32_t most;         // items that may be taken
+  FlaggedNumber count;  // that have been; whether all were taken with the quantifier's options
+  uint32_t at;
+  ChoiceTag tag;
+};
+
+// A plain group that does not capture, or a place to go on from at the tag's node.
+struct PlaceChoice {
+  uint32_t at;
+  ChoiceTag tag;
+};
+
+struct PlainCaptureChoice {
+  int32_t captureAt;      // what the group had captured before
+  int32_t captureLength;  // -1: nothing
+  int32_t remaining;      // and where its body began
+  uint32_t at;
+  ChoiceTag tag;
+};
+
+// Any other group: what the step found and a failure puts back.
+class GroupChoice {
+ public:
+  GroupChoice() = default;
+  // `further`: left by a group-end step, which counts an iteration.
+  GroupChoice(ChoiceTag newTag, uint32_t at, bool further, int32_t maxLeft, int32_t remaining,
+              uint32_t options)
+      : maxLeft_(static_cast<uint32_t>(maxLeft) << 2 | (options & 3)),
+        remaining_(remaining, options >> 2),
+        at_(static_cast<int32_t>(at), further),
+        tag(newTag) {}
+
+  uint32_t at() const { return static_cast<uint32_t>(at_.number()); }
+  bool further() const { return at_.flag(); }
+  int32_t maxLeft() const { return static_cast<int32_t>(maxLeft_ >> 2); }
+  int32_t remaining() const { return remaining_.number(); }  // at the start of the iteration then running
+  uint32_t options() const { return (remaining_.flag() ? 4 : 0) | (maxLeft_ & 3); }
+
+ private:
+  static_assert(kUnbounded < 1 << 30 && kMatcherOptions == 7);
+
+  uint32_t maxLeft_;
+  FlaggedNumber remaining_;
+  FlaggedNumber at_;
+
+ public:
+  ChoiceTag tag;
+};
+static_assert(sizeof(GroupChoice) == 16);
+
+// A step that opens a group afresh also finds what an earlier pass through the group has left.
+struct OpenedChoice {
+  int32_t minLeft;
+  GroupChoice group;
+};
+struct OpenedCaptureChoice {
+  int32_t captureAt;
+  int32_t captureLength;
+  OpenedChoice opened;
+};
+// A further iteration puts back the capture before it, which ended where the iteration began.
+struct FurtherCaptureChoice {
+  int32_t captureAt;
+  GroupChoice group;
+};
+
+struct OptionsChoice {
+  uint32_t options;
+  ChoiceTag tag;
+};
+
+struct SurplusChoice {
+  Surplus surplus;
+  ChoiceTag tag;
+};
+
+// Iterations of an atomic group that are still required and allowed.
+struct AtomicChoice {
+  int32_t minLeft;
+  int32_t maxLeft;
+  uint32_t at;
+  ChoiceTag tag;
+};
+
+// A run of its own. The tag's node is the group's open node.
+struct RunChoice {
+  uint32_t outerRun;  // where the choice of the run around this one lies
+  int32_t endNode;    // of the run around this one
+  int32_t bar;        // the bar or open node before the alternative that is running
+  uint32_t bodyAt;    // where each alternative starts
+  Surplus surplus;    // when the run began
+  uint32_t options;
+  int32_t minLeft;  // iterations of an atomic group
+  int32_t maxLeft;
+  uint32_t at;  // where the step began
+  ChoiceTag tag;
+};
+inline constexpr size_t kLargestChoice = sizeof(RunChoice);
+static_assert(kLargestChoice == 40);
+
+class Choices {
+ public:
+  void use(std::byte* memory, size_t size) {
+    memory_ = memory;
+    size_ = size;
+  }
+  // Goes on in a larger memory.
+  void moveTo(std::byte* memory, size_t size) {
+    __builtin_memcpy(memory, memory_, used_);
+    use(memory, size);
+  }
+
+  bool empty() const { return used_ == 0; }
+  bool hasRoomFor(size_t records) const { return size_ - used_ >= records * kLargestChoice; }
+  uint32_t used() const { return static_cast<uint32_t>(used_); }
+
+  ChoiceTag& tag() const { return *std::launder(reinterpret_cast<ChoiceTag*>(memory_ + used_) - 1); }
+
+  template <class Record>
+  Record& push() {
+    auto* const record = new (memory_ + used_) Record;
+    used_ += sizeof(Record);
+    return *record;
+  }
+  // The newest choice, which is of this type.
+  template <class Record>
+  Record& top() const {
+    return *std::launder(reinterpret_cast<Record*>(memory_ + used_) - 1);
+  }
+  template <class Record>
+  void pop() {
+    used_ -= sizeof(Record);
+  }
+
+  // The record that was pushed where so many bytes were used, and that place again.
+  template <class Record>
+  Record& at(uint32_t used) const {
+    return *std::launder(reinterpret_cast<Record*>(memory_ + used));
+  }
+  void cutBack(uint32_t used) { used_ = used; }
+
+ private:
+  std::byte* memory_ = nullptr;
+  size_t size_ = 0;
+  size_t used_ = 0;
+};
+
+}  // namespace ulk

@@ -1,0 +1,165 @@
+#include "regexp/program/class_sets.h"
+
+#include <algorithm>
+
+#include "regexp/program/class_members.h"
+
+namespace ulk {
+
+namespace {
+
+// ---- The pieces of a record
+
+// Whether the further set is anywhere.
+bool isKept(ClassNote note, uint32_t set) { return set < note.numStored() || !note.walk(); }
+
+// A word of a further set that is kept.
+uint32_t furtherWord(const RxNode& header, uint32_t set, int32_t word) {
+  const uint32_t stored = ClassNote(header).numStored();
+  const auto place = static_cast<uint32_t>(word);
+  if (set < stored)
+    return static_cast<const uint32_t*>(header.text)[size_t{kWordsPerSet} * (1 + set) + place];
+  const RxNode& member = (&header)[1 + size_t{kWordsPerSet} * (set - stored) + place];
+  return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(member.text));
+}
+
+bool inFurtherSet(const RxNode& header, uint32_t set, int32_t number) {
+  return (furtherWord(header, set, number >> 5) >> (number & 31)) & 1;
+}
+
+// Which of the further sets is that of high bytes, and which the first set with the other caseless bit.
+uint32_t highBytesPlace(ClassNote note) {
+  return note.highBytes() == ClassNote::kAsChars ? 0 : note.numCharSets();
+}
+uint32_t otherAsciiPlace(ClassNote note) {
+  return note.numCharSets() + (note.highBytes() == ClassNote::kOwnSet ? 1 : 0);
+}
+
+// The parts of a record behind the sets.
+const uint32_t* partsOf(const RxNode& header) {
+  return static_cast<const uint32_t*>(header.text) +
+         size_t{kWordsPerSet} * (1 + ClassNote(header).numStored());
+}
+
+bool inIntervals(int32_t codePoint, const Interval* first, int32_t count) {
+  const Interval* const end = first + count;
+  const Interval* const above =
+      std::upper_bound(first, end, codePoint, [](int32_t c, Interval interval) { return c < interval.low; });
+  return above != first && codePoint <= above[-1].high;
+}
+
+// ---- Answers of the members, without the negation of the class
+
+bool acceptHighByte(const RxNode& header, uint8_t byte, uint32_t options) {
+  const ClassNote note(header);
+  switch (note.highBytes()) {
+    case ClassNote::kNone:
+      return false;
+    case ClassNote::kAll:
+      return true;
+    default:
+      break;
+  }
+  const uint32_t set = highBytesPlace(note);
+  if (!isKept(note, set)) return anyMemberAccepts(header, {byte - 0x100, 1}, byte, options);
+  return inFurtherSet(header, set, byte - 0x80);
+}
+
+// Behind the sets: kinds, scripts, lists.
+bool partsAccept(const RxNode& header, ClassNote note, int32_t c, uint32_t options) {
+  const uint32_t* part = partsOf(header);
+  if (note.kinds()) {
+    if (contains(part, kindOf(c))) return true;
+    part += kKindWords;
+  }
+  if (note.scripts()) {
+    if (contains(part, scriptOf(c))) return true;
+    part += kScriptWords;
+  }
+  if (!note.lists()) return false;
+  const auto numPlain = static_cast<int32_t>(part[0]);
+  const auto* const list = reinterpret_cast<const Interval*>(part + kListLengths);
+  if (!(options & RX_OPT_CASELESS)) return inIntervals(c, list, numPlain);
+  return inIntervals(foldCase(c), list + numPlain, static_cast<int32_t>(part[1]));
+}
+
+bool acceptMultibyte(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options) {
+  const ClassNote note(header);
+  if (note.anyMultibyte()) return true;
+  const int32_t c = character.value;
+  if (c < static_cast<int32_t>(0x80 + 0x80 * note.numCharSets())) {
+    const uint32_t set = static_cast<uint32_t>(c >> 7) - 1;
+    if (!isKept(note, set)) return anyMemberAccepts(header, character, byte, options);
+    if (inFurtherSet(header, set, c & 0x7F)) return true;
+  }
+  return note.hasParts() && partsAccept(header, note, c, options);
+}
+
+// Whether they can accept a character of several bytes at all.
+bool mayAcceptMultibyte(const RxNode& header, uint32_t options) {
+  const ClassNote note(header);
+  if (note.anyMultibyte() || note.numCharSets() > 0 || note.kinds() || note.scripts()) return true;
+  return note.lists() && partsOf(header)[options & RX_OPT_CASELESS ? 1 : 0] > 0;
+}
+
+}  // namespace
+
+const Set128* otherClassSet(const RxNode& header) {
+  const ClassNote note(header);
+  const auto* const sets = static_cast<const Set128*>(header.text);
+  if (!sets || !note.otherAscii()) return sets;
+  const uint32_t place = otherAsciiPlace(note);
+  return place < note.numStored() ? sets + 1 + place : nullptr;
+}
+
+bool walkAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options) {
+  return anyMemberAccepts(header, character, byte, options) != (header.op1 != 0);
+}
+
+bool classAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options) {
+  if (byte < 0x80) {
+    if (const Set128* const set = classSet(header, options)) return set->contains(byte);
+    const uint32_t set = otherAsciiPlace(ClassNote(header));
+    if (!header.text || !isKept(ClassNote(header), set)) return walkAccepts(header, character, byte, options);
+    return inFurtherSet(header, set, byte);
+  }
+  if (!header.text) return walkAccepts(header, character, byte, options);
+  const bool accept = character.length == 1 ? acceptHighByte(header, byte, options)
+                                            : acceptMultibyte(header, character, byte, options);
+  return accept != (header.op1 != 0);
+}
+
+void addClassBytes(const RxNode& header, uint32_t options, ByteSet256& set) {
+  const auto addByAsking = [&](int32_t first, int32_t last) {
+    for (int32_t c = first; c <= last; ++c) {
+      const Utf8Char character{c < 0x80 ? c : c - 0x100, 1};
+      if (classAccepts(header, character, static_cast<uint8_t>(c), options)) addBit(c, set.words);
+    }
+  };
+  if (const Set128* const ascii = classSet(header, options)) {
+    for (int i = 0; i < kWordsPerSet; ++i) set.words[i] |= ascii->words[i];
+  } else {
+    addByAsking(0, 0x7F);
+  }
+  const ClassNote note(header);
+  if (!header.text || header.op1 != 0 || mayAcceptMultibyte(header, options)) {
+    std::fill(set.words + 4, set.words + 8, ~0u);
+  } else if (note.highBytes() == ClassNote::kOwnSet && isKept(note, highBytesPlace(note))) {
+    for (int i = 0; i < kWordsPerSet; ++i)
+      set.words[kWordsPerSet + i] |= furtherWord(header, highBytesPlace(note), i);
+  } else if (note.highBytes() != ClassNote::kNone) {
+    addByAsking(0x80, 0xFF);
+  }
+}
+
+void addAsciiOf(const RxNode& item, uint32_t options, ByteSet256& set) {
+  RxNode member = item;
+  if (item.code == RX_CODEPOINT) member.op3 = 0;  // a negation only in members
+  ClassMembers members;
+  members.add(member);
+  members.finish();
+  const Set128 ascii = members.ascii(options & RX_OPT_CASELESS);
+  for (int i = 0; i < kWordsPerSet; ++i) set.words[i] |= ascii.words[i];
+}
+
+}  // namespace ulk

@@ -1,0 +1,141 @@
+// The layout of a compiled expression: header, the matcher's work areas, the program and its literal text,
+// all in one buffer that the caller provides. The program holds absolute addresses into the buffer, so a
+// state is never moved.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "regexp/program/byte_set.h"
+#include "regexp/program/program.h"
+#include "ulkch.h"
+
+namespace ulk {
+
+inline constexpr uint32_t kStateMagic = 0x78456772;  // "rgEx" in memory order
+inline constexpr int32_t kDefaultMatchLimit = 10000;
+inline constexpr int32_t kFormatBytes = 0;
+inline constexpr int32_t kFormatUtf8 = 1;
+
+inline constexpr int32_t kMaxDepth = 999;
+inline constexpr int32_t kMaxSerial = 999;
+inline constexpr int32_t kNumFrames = 1000;
+inline constexpr int32_t kNumCaptures = 1000;
+
+// One capture: where it starts and its length; null and -1 while unset. Slot 0 is the whole match.
+struct CaptureSlot {
+  const uint8_t* start;
+  int32_t length;
+};
+
+// The iteration bookkeeping of one group, indexed by the group's serial. Lookarounds and atomic groups use
+// only the first field of theirs.
+struct GroupFrame {
+  int32_t openNode;              // index of the group's open node; written by the compiler
+  int32_t minLeft;               // iterations still required
+  int32_t maxLeft;               // iterations still allowed
+  int32_t remainingAtIteration;  // text left when the current iteration began
+  int32_t unused[4];
+};
+static_assert(sizeof(GroupFrame) == 32);
+
+// What the linking of a program knows of a group, indexed in the same way (group_links.cpp). The first field
+// stays when the group's frame takes the place.
+struct OpenGroupLink {
+  int32_t open;  // index of its open node
+  int32_t last;  // and of its last bar so far, else the same
+  int32_t numAtOnce;
+  bool isOpen;  // the end has not been reached
+  bool refersToItself;
+};
+
+// A small set of bytes: up to four members, some repeated if there are fewer, or up to two ranges of ASCII,
+// from the first byte to the second and from the third to the fourth.
+enum class SmallSetForm : uint8_t { kNone, kMembers, kRanges };
+struct SmallSet {
+  SmallSetForm form;
+  uint8_t bytes[4];
+};
+
+// What must come right behind the first byte of a match.
+struct StartPair {
+  SmallSet second;     // one of these bytes,
+  int32_t run;         // or so many more of the same set, if this is not 0
+  int32_t extraSteps;  // what an attempt costs more that finds the first byte alone
+};
+
+// Where a match may begin (start_filter.h). "The set" is that in frame kStartSetFrame.
+enum class StartKind : int32_t {
+  kAny,             // nothing is known: every position is tried
+  kString,          // with the string at `item`
+  kCaselessString,  // the same, letters in either case
+  kByte,            // with the one byte of the set, the first of `small`
+  kSmallSet,        // with a byte of the set, which is a small one
+  kSet,             // with a byte of the set
+  kBoundary,        // with a byte of the set at a word boundary
+  kLineStart,       // at the text start or after a newline
+};
+
+struct StartFilter {
+  StartKind kind;
+  int32_t steps;          // that an attempt elsewhere costs
+  int32_t boundarySteps;  // that it costs where there is no word boundary
+  uint8_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
+  bool literals;    // there are several ways to begin, each with a literal
+  bool hasPair;     // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
+  SmallSet small;   // the set, where it is one
+  int32_t item;     // the node of the one item that every match begins with, -1 if there are several
+  int32_t run;      // the quantifier of that item, if runs of it can be passed over, 0 if not
+  int32_t firstBar;  // the first top-level bar, -1 without one
+};
+inline constexpr int32_t kStartSetFrame = kNumFrames - 1;
+inline constexpr int32_t kStartPairFrame = kNumFrames - 2;
+
+// One frame of the work area. Frame 0 and those above the highest serial belong to no group; what the
+// compiler finds out to make searching fast is kept there: the start filter in frame 0, byte sets from the
+// last frame down.
+union WorkFrame {
+  GroupFrame group;
+  OpenGroupLink link;
+  ByteSet256 bytes;
+  StartFilter start;
+  StartPair pair;
+};
+static_assert(sizeof(WorkFrame) == 32);
+
+}  // namespace ulk
+
+struct ulkRegExpState {
+  uint32_t magic;
+  uint32_t options;
+  int32_t numNodes;
+  int32_t numCaptures;      // capturing groups plus one
+  int32_t trailingLiteral;  // index of the literal node that ends the pattern, negative for none
+  int32_t matchLimit;
+  int32_t format;
+  uint32_t reserved;
+  ulk::WorkFrame frames[ulk::kNumFrames];
+  ulk::CaptureSlot captures[ulk::kNumCaptures];
+
+  ulk::RxNode* nodes() { return reinterpret_cast<ulk::RxNode*>(this + 1); }
+  const ulk::RxNode* nodes() const { return reinterpret_cast<const ulk::RxNode*>(this + 1); }
+};
+static_assert(sizeof(void*) != 4 || sizeof(ulkRegExpState) == 40032);
+
+namespace ulk {
+
+// What is free in a state behind the literal text.
+struct SpareWords {
+  uint32_t* begin;
+  uint32_t* end;
+};
+
+// Sizes are 32-bit: of a longer pattern no state can be asked for.
+inline constexpr size_t kMaxPatternLength = (INT32_MAX - sizeof(ulkRegExpState)) / sizeof(RxNode) - 1;
+
+// Bytes of the state for a pattern of that length: a node for every byte, and one more.
+inline int32_t stateSize(size_t patternLength) {
+  return static_cast<int32_t>(sizeof(ulkRegExpState) + (patternLength + 1) * sizeof(RxNode));
+}
+
+}  // namespace ulk

@@ -1,0 +1,223 @@
+// The search driver: chooses where the matcher starts, and turns its results into find records.
+#include "regexp/search/search.h"
+
+#include <algorithm>
+
+#include "kernels/find_unit.h"
+#include "regexp/match/items.h"
+#include "regexp/match/matcher.h"
+#include "regexp/search/caseless_search.h"
+#include "regexp/search/starts.h"
+#include "regexp/text/utf8.h"
+
+namespace ulk {
+
+namespace {
+
+enum class Anchor {
+  kNone,       // a match may begin anywhere
+  kLineStart,  // only at the text start and after newlines
+  kTextStart,  // only at the text start
+};
+
+// A match ends with the pattern's trailing literal, so nothing after its last occurrence is searched; where
+// it does not occur, only the empty text is left. The cut is the end of the text also for assertions.
+int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, int32_t length) {
+  if (state.trailingLiteral < 0) return length;
+  const RxNode& literal = state.nodes()[state.trailingLiteral];
+  const auto byte = static_cast<uint8_t>(literal.op1);
+  const bool isByte = literal.code == RX_CHAR;
+  const uint8_t* const bytes = isByte ? &byte : static_cast<const uint8_t*>(literal.text);
+  const int32_t literalLength = isByte ? 1 : literal.op2;
+  int32_t index = -1;
+  if (static_cast<uint32_t>(literal.op3) & RX_OPT_CASELESS) {
+    index = findRevCaseless(text, length, bytes, literalLength);
+  } else if (isByte) {
+    ulksFindRevC_8u(text, length, byte, &index);
+  } else {
+    ulksFindRev_8u(text, length, bytes, literalLength, &index);
+  }
+  return index < 0 ? 0 : index + literalLength;
+}
+
+Anchor anchorOf(const ulkRegExpState& state) {
+  const RxNode* const nodes = state.nodes();
+  if (state.numNodes == 0 || nodes[0].code != RX_ASSERT || startFilterOf(state).firstBar >= 0)
+    return Anchor::kNone;
+  const bool optional = state.numNodes > 1 && isQuantifier(nodes[1]) && nodes[1].op1 == 0;
+  switch (nodes[0].op1) {
+    case '^':
+      // An optional "^" with multiline still restricts the search to line starts.
+      if (state.options & RX_OPT_MULTILINE) return Anchor::kLineStart;
+      [[fallthrough]];
+    case 'A':
+    case 'G':
+      return optional ? Anchor::kNone : Anchor::kTextStart;
+    default:
+      return Anchor::kNone;
+  }
+}
+
+class Search {
+ public:
+  Search(ulkRegExpState& state, const uint8_t* text, int32_t length)
+      : state_(state),
+        starts_(m_, state),
+        anchor_(anchorOf(state)),
+        end_(text + cutAtTrailingLiteral(state, text, length)) {
+    m_.node = 0;
+    m_.endNode = state.numNodes;
+    m_.options = state.options & kMatcherOptions;
+    m_.budget = state.matchLimit;
+    m_.nonEmpty = false;
+    m_.numCaptures = state.numCaptures;
+    m_.numNodes = state.numNodes;
+    m_.textStart = text;
+    m_.nodes = state.nodes();
+    m_.captures = state.captures;
+    m_.frames = state.frames;
+  }
+
+  ulkStatus find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
+
+  // The records that were written, also when the budget ran out.
+  int32_t numWritten() const { return numWritten_; }
+
+ private:
+  ulkStatus findOne(ulkRegExpFind* records, int32_t* numRecords);
+  ulkStatus findAll(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
+  bool findFrom(const uint8_t* start, const uint8_t* end);
+  bool matchAt(const uint8_t* start);
+  bool matchAlternative(int32_t first);
+  const uint8_t* nextStart(const uint8_t* at) const;
+  bool outOfBudget() const { return m_.budget < 0; }
+  void copyCaptures(ulkRegExpFind* records, int32_t first, int32_t last);
+
+  ulkRegExpState& state_;
+  MatchContext m_;
+  Starts starts_;
+  const Anchor anchor_;
+  const uint8_t* const end_;
+  int32_t numWritten_ = 0;
+};
+
+// The character after the one at `at`; with a line anchor, the next line start. Beyond the end if there is
+// none.
+const uint8_t* Search::nextStart(const uint8_t* at) const {
+  if (at >= m_.textEnd) return m_.textEnd + 1;
+  if (anchor_ == Anchor::kLineStart) {
+    const int32_t newline = findUnit(at, static_cast<int32_t>(m_.textEnd - at), static_cast<uint8_t>('\n'));
+    return newline < 0 ? m_.textEnd + 1 : at + newline + 1;
+  }
+  return at + (state_.format == kFormatUtf8 ? decodeUtf8(at).length : 1);
+}
+
+bool Search::matchAlternative(int32_t first) {
+  m_.at = m_.matchStart;
+  m_.surplus.clear();
+  m_.node = first;
+  m_.run = kNoRun;
+  if (first < m_.numNodes && failsAtLiteral(m_, first)) {
+    --m_.budget;
+    return false;
+  }
+  return rxMatch(m_);
+}
+
+// Tries the top-level alternatives at one position. Options that a failed try has changed stay in force.
+bool Search::matchAt(const uint8_t* start) {
+  m_.matchStart = start;
+  std::fill(state_.captures + 1, state_.captures + state_.numCaptures, CaptureSlot{nullptr, -1});
+  if (matchAlternative(0)) return true;
+  const int32_t firstBar = startFilterOf(state_).firstBar;
+  const RxNode* bar = firstBar < 0 ? nullptr : m_.nodes + firstBar;
+  for (; bar; bar = nextBar(*bar)) {
+    m_.setOptions(bar->op2);
+    if (matchAlternative(m_.indexOf(bar) + 1)) return true;
+  }
+  return false;
+}
+
+// Finds the first match that begins at `start` or later in a text that ends at `end`.
+bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
+  m_.textEnd = end;
+  for (const uint8_t* at = start; at <= end; at = nextStart(at)) {
+    if (anchor_ == Anchor::kNone) at = starts_.next(at);
+    if (at <= end && !outOfBudget() && matchAt(at)) {
+      state_.captures[0] = {at, m_.matchLength()};
+      return true;
+    }
+    // Without budget no later start can match.
+    if (anchor_ == Anchor::kTextStart || outOfBudget()) break;
+  }
+  return false;
+}
+
+// Copies slots [first, last) behind the records that are written already.
+void Search::copyCaptures(ulkRegExpFind* records, int32_t first, int32_t last) {
+  for (int32_t i = first; i < last; ++i)
+    records[numWritten_++] = {state_.captures[i].start, state_.captures[i].length};
+}
+
+ulkStatus Search::findOne(ulkRegExpFind* records, int32_t* numRecords) {
+  *numRecords = std::min(*numRecords, state_.numCaptures);
+  if (findFrom(m_.textStart, end_)) {
+    copyCaptures(records, 0, *numRecords);
+    return ulkOk;
+  }
+  if (outOfBudget()) return ulkErrMatchLimit;
+  *numRecords = 0;
+  return ulkOk;
+}
+
+ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches) {
+  // An expression with groups reports its groups only, unless the whole matches are asked for as well.
+  const int32_t skip = !wholeMatches && state_.numCaptures > 1 ? 1 : 0;
+  // The last index at which a match's records fit.
+  const int32_t lastFit = *numRecords - state_.numCaptures + skip;
+  const uint8_t* start = m_.textStart;
+  while (numWritten_ <= lastFit && start <= end_) {
+    if (!findFrom(start, end_)) break;
+    copyCaptures(records, skip, state_.numCaptures);
+    if (outOfBudget()) return ulkErrMatchLimit;
+
+    const CaptureSlot match = state_.captures[0];
+    if (!staysInText(match.start, match.length, end_)) break;
+    start = match.start + std::max(match.length, 1);
+    if (match.length != 0 || numWritten_ >= lastFit || match.start >= end_) continue;
+
+    // After an empty match, the next byte alone is searched for a match that is not empty.
+    m_.nonEmpty = true;
+    if (findFrom(match.start, match.start + 1)) copyCaptures(records, skip, state_.numCaptures);
+    if (outOfBudget()) return ulkErrMatchLimit;
+    m_.nonEmpty = false;
+  }
+  *numRecords = numWritten_;
+  return ulkOk;
+}
+
+ulkStatus Search::find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches) {
+  if (state_.options & RX_OPT_GLOBAL) return findAll(records, numRecords, wholeMatches);
+  return findOne(records, numRecords);
+}
+
+}  // namespace
+
+ulkStatus rxFind(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
+                 int32_t* pNumFind) {
+  if (!pSrc || !pRegExpState || !pFind) return ulkErrNullPtr;
+  if (srcLen < 0) return ulkErrLength;
+  if (*pNumFind < 1) return ulkErrSize;
+  if (pRegExpState->magic != kStateMagic) return ulkErrInvalidState;
+  return Search(*pRegExpState, pSrc, srcLen).find(pFind, pNumFind, false);
+}
+
+int32_t rxFindForReplace(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState,
+                         ulkRegExpFind* pFind, int32_t* pNumFind) {
+  if (*pNumFind < 1 || pRegExpState->magic != kStateMagic) return *pNumFind;
+  Search search(*pRegExpState, pSrc, srcLen);
+  search.find(pFind, pNumFind, true);
+  return search.numWritten();
+}
+
+}  // namespace ulk

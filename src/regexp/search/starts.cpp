@@ -1,0 +1,340 @@
+#include "regexp/search/starts.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "kernels/find_any.h"
+#include "kernels/find_substring.h"
+#include "regexp/match/items.h"
+#include "regexp/search/caseless_search.h"
+#include "regexp/text/bytes.h"
+#include "regexp/text/utf8.h"
+
+namespace ulk {
+
+namespace {
+
+// How many bytes at the start are below 0x80.
+size_t asciiPrefix(const uint8_t* text, size_t length) {
+  size_t i = 0;
+  for (; i + 16 <= length && !Vec16<uint8_t>::load(text + i).mask().any(); i += 16) {
+  }
+  while (i < length && text[i] < 0x80) ++i;
+  return i;
+}
+
+// How far to look before paying, lest a small budget reads a long text. A search for a string has to set up
+// and to look beyond the stride as well, so a long one takes longer strides.
+constexpr ptrdiff_t kStride = 4096;
+
+ptrdiff_t strideOf(const ulkRegExpState& state, const StartFilter& filter) {
+  const bool isString = filter.kind == StartKind::kString || filter.kind == StartKind::kCaselessString;
+  return isString ? std::max<ptrdiff_t>(kStride, 4 * ptrdiff_t{state.nodes()[filter.item].op2}) : kStride;
+}
+
+bool isQuantified(const ulkRegExpState& state, int32_t item) {
+  const int32_t next = nextItem(state.nodes(), item);
+  return next < state.numNodes && isQuantifier(state.nodes()[next]);
+}
+
+// Calls `run` with the set in the form for vectors.
+template <class Run>
+auto withSet(const SmallSet& set, Run run) {
+  return set.form == SmallSetForm::kRanges ? run(TwoRanges(set.bytes)) : run(FourBytes(set.bytes));
+}
+
+}  // namespace
+
+Starts::Starts(MatchContext& m, const ulkRegExpState& state)
+    : m_(m),
+      state_(state),
+      filter_(startFilterOf(state)),
+      set_(state.frames[kStartSetFrame].bytes),
+      pair_(state.frames[kStartPairFrame].pair),
+      stride_(strideOf(state, filter_)),
+      beginsWithItem_(filter_.item >= 0 && !isQuantified(state, filter_.item)),
+      ways_(firstAlternatives(state.nodes(), state.numNodes, filter_.firstBar)),
+      asciiEnd_(nullptr),
+      runEnd_(nullptr),
+      attemptsEnd_(nullptr) {}
+
+void Starts::pay(int64_t steps) {
+  m_.budget = static_cast<int32_t>(std::max<int64_t>(m_.budget - steps, -1));
+}
+
+const uint8_t* Starts::characterAfter(const uint8_t* at) const {
+  return at + (state_.format == kFormatUtf8 ? decodeUtf8(at).length : 1);
+}
+
+// Where the ASCII text ends that begins at this place, or how far that is known.
+const uint8_t* Starts::asciiEnd(const uint8_t* at) {
+  if (asciiEnd_ <= at)
+    asciiEnd_ = at + asciiPrefix(at, static_cast<size_t>(std::min(m_.textEnd - at, stride_)));
+  return asciiEnd_;
+}
+
+// Counts the characters that begin in [at, end) and moves `at` behind the last of them.
+int32_t Starts::passCharacters(const uint8_t*& at, const uint8_t* end) {
+  int32_t count = 0;
+  while (at < end) {
+    const uint8_t* const ascii = std::min(asciiEnd(at), end);
+    count += static_cast<int32_t>(ascii - at);
+    at = ascii;
+    for (; at < end && *at >= 0x80; ++count) at += decodeMultibyte(at).length;
+  }
+  return count;
+}
+
+// Pays for the attempts at all positions in [at, end), and returns the next one.
+const uint8_t* Starts::payForAll(const uint8_t* at, const uint8_t* end) {
+  int64_t starts = end - at;
+  if (state_.format == kFormatUtf8) {
+    starts = passCharacters(at, end);
+  } else {
+    at = end;
+  }
+  pay(starts * filter_.steps);
+  return at;
+}
+
+// The first place in the first `length` bytes where a match may begin, or `length`. A string may reach beyond
+// them.
+int32_t Starts::find(const uint8_t* at, int32_t length) const {
+  int32_t found = -1;
+  switch (filter_.kind) {
+    case StartKind::kByte:
+      found = findUnit(at, length, filter_.small.bytes[0]);
+      break;
+    case StartKind::kSmallSet:
+      found = withSet(filter_.small, [=](auto set) {
+        SetProbe<decltype(set)> probe{at, set};
+        return scan<Forward>(at, static_cast<size_t>(length), probe);
+      });
+      break;
+    case StartKind::kString:
+    case StartKind::kCaselessString: {
+      const RxNode& literal = m_.nodes[filter_.item];
+      const auto reach =
+          static_cast<int32_t>(std::min<int64_t>(int64_t{length} + literal.op2 - 1, m_.textEnd - at));
+      const auto* const bytes = static_cast<const uint8_t*>(literal.text);
+      found = filter_.kind == StartKind::kString ? findSubstring(at, reach, bytes, literal.op2)
+                                                 : findCaseless(at, reach, bytes, literal.op2);
+      break;
+    }
+    case StartKind::kLineStart:
+      if (at == m_.textStart || at[-1] == '\n') return 0;
+      found = findUnit(at, length, static_cast<uint8_t>('\n'));
+      return found < 0 ? length : found + 1;
+    default:
+      return 0;
+  }
+  return found < 0 ? length : found;
+}
+
+// The first position in [at, end) with a byte of the set, the next one from `end` on if there is none. Pays
+// for those before it.
+const uint8_t* Starts::passOutsideSet(const uint8_t* at, const uint8_t* end) {
+  int32_t starts = 0;
+  for (; at < end && !set_.contains(*at); ++starts) at = *at < 0x80 ? at + 1 : characterAfter(at);
+  pay(int64_t{starts} * filter_.steps);
+  return at;
+}
+
+// Where the text has a word boundary with a byte of the small set, and a pair where the filter has one.
+Place Starts::findBoundary(const uint8_t* text, int32_t length) const {
+  return withSet(filter_.small, [&](auto first) {
+    if (!filter_.hasPair) return findPairAtBoundary(text, length, first, AnyByte());
+    return withSet(pair_.second,
+                   [&](auto second) { return findPairAtBoundary(text, length, first, second); });
+  });
+}
+
+// The first position in [at, end) at a word boundary with a byte of the set, the next one from `end` on if
+// there is none. Pays for those before it: without a boundary only the assertion is run.
+const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) {
+  constexpr int32_t kNear = 2;  // words and gaps that are looked at before the vector search
+  int32_t passed = 0;
+  int64_t starts = 0;
+  int64_t boundaries = 0;
+  bool inWord = at != m_.textStart && inByteSet(at[-1], kWord);
+  while (at < end) {
+    if (++passed > kNear && filter_.small.form != SmallSetForm::kNone && end - at > 16 && *at < 0x80) {
+      const Place place = findBoundary(at, static_cast<int32_t>(end - at));
+      starts += place.at;
+      boundaries += place.singles;
+      at += place.at;
+      if (place.found) break;
+      inWord = inByteSet(at[-1], kWord);
+    }
+    const uint8_t* const from = at;
+    if (inWord) {
+      while (at < end && inByteSet(*at, kWord)) ++at;
+      starts += at - from;
+    } else {
+      for (; at < end && !inByteSet(*at, kWord); ++starts) at = *at < 0x80 ? at + 1 : characterAfter(at);
+    }
+    if (at >= end || set_.contains(*at)) break;
+    // The assertion holds here, but no item matches.
+    ++boundaries;
+    ++starts;
+    inWord = !inWord;
+    at = *at < 0x80 ? at + 1 : characterAfter(at);
+  }
+  pay(starts * filter_.boundarySteps + boundaries * (filter_.steps - filter_.boundarySteps));
+  return at;
+}
+
+// Whether none of the literals is at this place that a match begins with.
+bool Starts::lacksLiterals(const uint8_t* at) const {
+  if (itemLength(m_, m_.nodes[ways_.first], at) != kNoMatch) return false;
+  for (const RxNode* bar = ways_.firstBar; bar; bar = nextBar(*bar))
+    if (itemLength(m_, bar[1], at) != kNoMatch) return false;
+  return true;
+}
+
+// What an attempt at this place costs that fails in one of the items that come first, each once; 0 if it gets
+// further.
+int32_t Starts::stepsToMissingItem(const uint8_t* at) const {
+  int32_t steps = filter_.steps;
+  for (int32_t node = filter_.item; isItem(m_.nodes[node]); ++steps) {
+    const int32_t next = afterItem(m_, node);
+    if (m_.hasQuantifier(next) || at > m_.textEnd) return 0;
+    const int32_t length = itemLength(m_, m_.nodes[node], at);
+    if (length == kNoMatch) return steps;
+    if (next >= m_.numNodes) return 0;
+    at += length;
+    node = next;
+  }
+  return 0;
+}
+
+// The cost of the attempt at a place that passes the filter, where a closer look tells that it fails; else 0.
+int32_t Starts::hopelessSteps(const uint8_t* at) const {
+  if (filter_.literals) return lacksLiterals(at) ? filter_.steps : 0;
+  return beginsWithItem_ ? stepsToMissingItem(at) : 0;
+}
+
+// An attempt that begins with an unbounded repeat runs to the first byte that is none of its items, from
+// wherever in the same run of items it begins. So the attempts at all positions behind the last place in the
+// run where the program may go on fail, each after trying to go on from every place between. Passes over them
+// when `at` is one of them; otherwise notes up to where there is something to try.
+const uint8_t* Starts::passRun(const uint8_t* at) {
+  constexpr int64_t kPlenty = 1 << 17;  // the sum of the tries of so many attempts exhausts every budget
+  const Follow follow = followOf(m_, filter_.run);
+  if (at >= runEnd_) {
+    runEnd_ = at;
+    while (runEnd_ < m_.textEnd && *runEnd_ < 0x80 && set_.contains(*runEnd_)) ++runEnd_;
+  }
+  const uint8_t* const end = std::min(runEnd_, m_.textEnd);
+  attemptsEnd_ = filter_.kind == StartKind::kBoundary ? at : end;
+  if (end == at || (end < m_.textEnd && set_.contains(*end))) return at;
+
+  const int32_t least = m_.nodes[filter_.run].op1;
+  if (m_.nodes[filter_.run].op2 != kUnbounded) return passBounded(at, end, follow);
+  const uint8_t* last = end;
+  if (follow.note.disjoint()) {
+    if (!follow.admits(m_, last)) last = at;
+  } else {
+    while (last - at >= least && !follow.admits(m_, last)) --last;
+  }
+  const bool boundary = filter_.kind == StartKind::kBoundary;  // then all starts are looked at by themselves
+  if (last - at >= least) {
+    attemptsEnd_ = boundary ? at : last - least + 1;
+    return at;
+  }
+  const int64_t attempts = boundary ? 1 : end - at;
+  int64_t tries = std::max<int64_t>(end - at - least + 1, 0);
+  if (!boundary) {
+    tries = std::min(tries, kPlenty);
+    tries = tries * (tries + 1) / 2;
+  }
+  pay(attempts * filter_.steps + tries * follow.note.steps());
+  return at + attempts;
+}
+
+// As passRun, one attempt after the other, for a repeat with a bound.
+const uint8_t* Starts::passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow) {
+  const RxNode& bounds = m_.nodes[filter_.run];
+  // Where none of the items may follow the repeat, only the run's end is a place to go on from.
+  const bool onlyAtEnd = follow.note.disjoint();
+  const bool admitsEnd = follow.admits(m_, end);
+  int64_t steps = 0;
+  while (at < end && steps <= m_.budget) {
+    const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(bounds.op2, end - at));
+    bool hopeless = true;
+    if (onlyAtEnd) {
+      hopeless = !admitsEnd || most < end - at || most < bounds.op1;
+    } else {
+      for (int32_t count = most; count >= bounds.op1 && hopeless; --count)
+        hopeless = !follow.admits(m_, at + count);
+    }
+    if (!hopeless) break;
+    steps += filter_.steps + int64_t{std::max(most - bounds.op1 + 1, 0)} * follow.note.steps();
+    ++at;
+    if (filter_.kind == StartKind::kBoundary) break;
+  }
+  pay(steps);
+  attemptsEnd_ = at;
+  return at;
+}
+
+// Moves `at` by vector search to the first position in [at, end) where a match may begin; false if there is
+// none.
+bool Starts::passFar(const uint8_t*& at, const uint8_t* end) {
+  if (at >= end) return false;
+  const uint8_t* const candidate = at + find(at, static_cast<int32_t>(end - at));
+  at = payForAll(at, candidate);
+  return at == candidate && at != end;
+}
+
+// Where a pair of the filter stands first in the text.
+Place Starts::findPlace(const uint8_t* text, int32_t length) const {
+  return withSet(filter_.small, [&](auto first) {
+    if (pair_.run > 0) return findRun(text, length, first, pair_.run + 1);
+    return withSet(pair_.second, [&](auto second) { return findPair(text, length, first, second); });
+  });
+}
+
+// As passFar, for what follows the first byte as well.
+bool Starts::passPairless(const uint8_t*& at, const uint8_t* end) {
+  const Place place = findPlace(at, static_cast<int32_t>(end - at));
+  if (place.at == 0 && !place.found) return passFar(at, end);
+  at = payForAll(at, at + place.at);
+  pay(int64_t{place.singles} * pair_.extraSteps);
+  return place.found;
+}
+
+const uint8_t* Starts::skip(const uint8_t* at) {
+  constexpr ptrdiff_t kNear = 8;
+  while (at < m_.textEnd && m_.budget >= 0) {
+    const uint8_t* const end = at + std::min(m_.textEnd - at, stride_);
+    if (filter_.kind == StartKind::kBoundary) {
+      at = passNonBoundaries(at, end);
+      if (at >= end) continue;
+    } else if (filter_.kind == StartKind::kSet) {
+      at = passOutsideSet(at, end);
+      if (at >= end) continue;
+    } else if (filter_.hasPair) {
+      if (!passPairless(at, end)) continue;
+    } else {
+      // In words and numbers the next start is not far.
+      const bool isWide = filter_.kind == StartKind::kSmallSet && filter_.small.form == SmallSetForm::kRanges;
+      const uint8_t* const near = isWide ? std::min(at + kNear, end) : at;
+      at = passOutsideSet(at, near);
+      if (at >= near && !passFar(at, end)) continue;
+    }
+    if (const int32_t steps = hopelessSteps(at); steps > 0) {
+      pay(steps);
+      at = characterAfter(at);
+    } else if (filter_.run > 0) {
+      const uint8_t* const next = passRun(at);
+      if (next == at) break;
+      at = next;
+    } else {
+      break;
+    }
+  }
+  return at;
+}
+
+}  // namespace ulk

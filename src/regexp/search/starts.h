@@ -1,0 +1,60 @@
+// The start positions of a search, without those that are not worth an attempt (start_filter.h).
+#pragma once
+
+#include <cstdint>
+
+#include "kernels/byte_sets.h"
+#include "regexp/analysis/start_filter.h"
+#include "regexp/match/follow.h"
+#include "regexp/match/matcher.h"
+
+namespace ulk {
+
+// Goes over the start positions of one search.
+class Starts {
+ public:
+  Starts(MatchContext& m, const ulkRegExpState& state);
+
+  // The first position from `at` on that needs an attempt, at most the text's end; pays for those before it.
+  // Where the budget does not suffice, it is exhausted and the position returned does not matter.
+  const uint8_t* next(const uint8_t* at) {
+    if (at < attemptsEnd_ || filter_.kind == StartKind::kAny ||
+        (filter_.options & kMatcherOptions) != m_.options)
+      return at;
+    return skip(at);
+  }
+
+ private:
+  const uint8_t* skip(const uint8_t* at);
+  const uint8_t* characterAfter(const uint8_t* at) const;
+  int32_t find(const uint8_t* at, int32_t length) const;
+  const uint8_t* asciiEnd(const uint8_t* at);
+  int32_t passCharacters(const uint8_t*& at, const uint8_t* end);
+  bool lacksLiterals(const uint8_t* at) const;
+  int32_t stepsToMissingItem(const uint8_t* at) const;
+  int32_t hopelessSteps(const uint8_t* at) const;
+  const uint8_t* passRun(const uint8_t* at);
+  const uint8_t* passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow);
+  const uint8_t* passOutsideSet(const uint8_t* at, const uint8_t* end);
+  const uint8_t* passNonBoundaries(const uint8_t* at, const uint8_t* end);
+  bool passFar(const uint8_t*& at, const uint8_t* end);
+  bool passPairless(const uint8_t*& at, const uint8_t* end);
+  Place findBoundary(const uint8_t* text, int32_t length) const;
+  Place findPlace(const uint8_t* text, int32_t length) const;
+  const uint8_t* payForAll(const uint8_t* at, const uint8_t* end);
+  void pay(int64_t steps);
+
+  MatchContext& m_;
+  const ulkRegExpState& state_;
+  const StartFilter& filter_;
+  const ByteSet256& set_;
+  const StartPair& pair_;
+  const ptrdiff_t stride_;
+  const bool beginsWithItem_;  // that every match begins with, once
+  const Alternatives ways_;
+  const uint8_t* asciiEnd_;     // of the ASCII text that was looked at last
+  const uint8_t* runEnd_;       // of the run that was looked at last
+  const uint8_t* attemptsEnd_;  // all positions before it need attempts
+};
+
+}  // namespace ulk
