@@ -37,10 +37,10 @@ std::string string(const RxNode& node) {
 }
 
 bool isNegated(const RxNode& node, bool member) {
-  if (node.code == RX_CATEGORY || node.code == RX_SCRIPT) return node.op2 != 0;
+  if (codeOf(node) == RX_CATEGORY || codeOf(node) == RX_SCRIPT) return node.op2 != 0;
   const bool canBe =
-      node.code == RX_CHAR || node.code == RX_RANGE || node.code == RX_CHARTYPE || node.code == RX_CODEPOINT;
-  return (node.code == RX_UNIRANGE || (member && canBe)) && node.op3 != 0;
+      codeOf(node) == RX_CHAR || codeOf(node) == RX_RANGE || codeOf(node) == RX_CHARTYPE || codeOf(node) == RX_CODEPOINT;
+  return (codeOf(node) == RX_UNIRANGE || (member && canBe)) && node.op3 != 0;
 }
 
 std::string optionSuffix(int32_t options) { return options ? "," + letters(options) : ""; }
@@ -98,8 +98,8 @@ const struct {
 std::string word(const RxNode& node) {
   std::string text;
   for (const auto& known : kWords)
-    for (const char* form = known.form; known.code == node.code && *form; ++form) text += field(*form, node);
-  return text.empty() ? format("?%X", node.code) : text;
+    for (const char* form = known.form; known.code == codeOf(node) && *form; ++form) text += field(*form, node);
+  return text.empty() ? format("?%X", codeOf(node)) : text;
 }
 
 std::string item(const RxNode& node, bool member) {
@@ -119,7 +119,7 @@ std::string dump(const ulkRegExpState& state) {
   const auto add = [&](const std::string& next) { text += (text.empty() ? "" : " ") + next; };
   const RxNode* const nodes = state.nodes();
   for (int32_t i = 0; i < state.numNodes; ++i) {
-    if (nodes[i].code == RX_CLASS) {
+    if (codeOf(nodes[i]) == RX_CLASS) {
       add(bracketClass(nodes + i));
       i += nodes[i].op2;
     } else {

@@ -7,8 +7,9 @@
 #include <cstring>
 #include <functional>
 
-#include "regexp/search/search.h"
+#include "regexp/compile/compiler.h"
 #include "regexp/program/state.h"
+#include "regexp/search/search.h"
 
 namespace ulk_test {
 namespace {
@@ -85,15 +86,18 @@ bool Comparison::compile(const std::string& pattern, const std::string& options)
   int32_t errorOffset = 0;
   ulksRegExpGetSize(pattern.c_str(), &size);
   state_.assign(static_cast<size_t>(size) / sizeof(uint64_t) + 1, 0xA5A5A5A5A5A5A5A5);
+  program_ = state_;
+  ulk::SpareWords spare;
   compiles_ = ulksRegExpInit(pattern.c_str(), options.c_str(), state(), &errorOffset) == ulkOk;
-  return compiles_;
+  return compiles_ &&
+         ulk::compileProgram(pattern.c_str(), options.c_str(), program(), spare, errorOffset) == ulkOk;
 }
 
 // A search that runs out of steps may look at what one with steps enough looks at.
 Outcome Comparison::reference(const GeneratedSearch& search, int32_t limit) {
   const std::string all = search.text + search.behind + '\0';
   const auto* text = reinterpret_cast<const uint8_t*>(all.data());
-  found_ = referenceFind(*state(), text, static_cast<int32_t>(search.text.size()), limit, search.capacity,
+  found_ = referenceFind(program(), text, static_cast<int32_t>(search.text.size()), limit, search.capacity,
                          search.replace, search.format, mostWork_);
   const size_t known = limit == kNoLimit ? search.text.size() : textAndBehind_.size();
   textAndBehind_ = all.substr(0, std::max(known, static_cast<size_t>(found_.bytesRead)));
@@ -129,8 +133,8 @@ bool Comparison::mayLackRoom(const GeneratedSearch& search, const Outcome& outco
   if (search.text.size() < 4096 || found_.steps < kRoom) return false;
   const bool ranOut =
       search.replace || outcome.status == ulkErrMatchLimit || outcome.records.size() < found_.records.size();
-  const ulk::RxNode* const nodes = state()->nodes();
-  for (int32_t i = 1; i < state()->numNodes; ++i)
+  const ulk::RxNode* const nodes = program().nodes();
+  for (int32_t i = 1; i < program().numNodes; ++i)
     if (nodes[i - 1].code == ulk::RX_END && ulk::isQuantifier(nodes[i])) return ranOut;
   return false;
 }

@@ -37,14 +37,16 @@ class Comparison {
   Outcome library(const GeneratedSearch& search, int32_t limit);
   std::string row(const GeneratedSearch& search, int32_t limit) const;
   ulkRegExpState* state() { return reinterpret_cast<ulkRegExpState*>(state_.data()); }
+  ulkRegExpState& program() { return *reinterpret_cast<ulkRegExpState*>(program_.data()); }
   bool mayLackRoom(const GeneratedSearch& search, const Outcome& outcome);
 
   const int64_t mostWork_;
   std::string source_;  // of the expression in `state_`
   bool compiles_ = false;
   std::vector<uint64_t> state_;
-  ReferenceFind found_;        // what the reference said last
-  std::string textAndBehind_;  // as far as the library may read
+  std::vector<uint64_t> program_;  // a state with the compiled program alone, for the reference
+  ReferenceFind found_;            // what the reference said last
+  std::string textAndBehind_;      // as far as the library may read
   GuardedPages pages_{kLongest + 64};
 };
 

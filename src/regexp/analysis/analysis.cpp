@@ -2,16 +2,32 @@
 
 #include "regexp/analysis/follow_sets.h"
 #include "regexp/analysis/start_filter.h"
+#include "regexp/text/bytes.h"
 
 namespace ulk {
+
+namespace {
+
+void resolveShorthands(ulkRegExpState& state) {
+  RxNode* const nodes = state.nodes();
+  for (int32_t i = 0; i < state.numNodes; i = nodes[i].code == RX_CLASS ? nextItem(nodes, i) : i + 1) {
+    if (nodes[i].code != RX_CHARTYPE) continue;
+    nodes[i].op2 = byteSetOf(nodes[i].op1, 0);
+    nodes[i].op3 = byteSetOf(nodes[i].op1, RX_OPT_DOTALL);
+  }
+}
+
+}  // namespace
 
 void analyse(ulkRegExpState& state, SpareWords spare) {
   SpareFrames frames(state);
   const bool hasFrames = frames.take() == kStartSetFrame && frames.take() == kStartPairFrame;
+  resolveShorthands(state);
   linkGroups(state);
   makeClassSets(state, spare);
   makeFollowSets(state, frames);
   makeStartFilter(state, hasFrames);
+  chooseSteps(state);
 }
 
 }  // namespace ulk

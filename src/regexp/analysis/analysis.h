@@ -22,4 +22,7 @@ void linkGroups(ulkRegExpState& state);
 // from.
 void makeClassSets(ulkRegExpState& state, SpareWords spare);
 
+// Chooses how each node is run; the codes of the nodes hold more than before from then on.
+void chooseSteps(ulkRegExpState& state);
+
 }  // namespace ulk

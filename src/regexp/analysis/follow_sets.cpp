@@ -95,7 +95,8 @@ void makeFollowSets(ulkRegExpState& state, SpareFrames& frames) {
     ByteSet256& set = state.frames[frames.take()].bytes;
     set = follow.set;
     node.text = &set;
-    node.op3 = FollowNote::pack({options, follow.steps, follow.entersGroup, disjoint, follow.atEnd});
+    node.op3 = FollowNote::pack(
+        {options & kMatcherOptions, follow.steps, follow.entersGroup, disjoint, follow.atEnd});
   }
 }
 

@@ -58,7 +58,7 @@ int32_t runOf(const RxNode* nodes, int32_t numNodes, int32_t item, uint32_t opti
   if (quantifier >= numNodes) return 0;
   const RxNode& node = nodes[quantifier];
   if (node.code != RX_REPEAT || node.op1 < 1 || !node.text) return 0;
-  return FollowNote(node.op3).options() == options ? quantifier : 0;
+  return FollowNote(node.op3).options() == (options & kMatcherOptions) ? quantifier : 0;
 }
 
 StartKind kindOf(const FirstBytes& items, const RxNode* nodes, StartFilter& filter) {
@@ -92,6 +92,20 @@ int32_t firstNode(const RxNode* nodes, int32_t numNodes) {
   int32_t first = 0;
   while (first < numNodes && isPassed(nodes[first])) ++first;
   return first;
+}
+
+// Ways to begin: the node that the first one begins with, and the bar before the second one.
+struct Alternatives {
+  int32_t first;
+  const RxNode* firstBar;  // null if there is no second one
+};
+
+// The alternatives of the whole program or of the group that it begins with.
+Alternatives firstAlternatives(const RxNode* nodes, int32_t numNodes, int32_t firstBar) {
+  const int32_t first = firstNode(nodes, numNodes);
+  const bool isGroup = first < numNodes && (nodes[first].code == RX_GROUP || nodes[first].code == RX_CAPTURE);
+  if (firstBar < 0 && isGroup) return {first + 1, nextBar(nodes[first])};
+  return {first, firstBar < 0 ? nullptr : &nodes[firstBar]};
 }
 
 // Whether every one of several ways to begin a match begins with a literal.
@@ -194,18 +208,17 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   filter.kind = kindOf(items, nodes, filter);
   filter.literals = beginsWithLiterals(state, filter);
   if (filter.kind != StartKind::kAny) state.frames[kStartSetFrame].bytes = items.set;
-  filter.hasPair = describePair(state, filter, state.frames[kStartPairFrame].pair);
+  StartPair& pair = state.frames[kStartPairFrame].pair;
+  filter.hasPair = describePair(state, filter, pair);
+  if (filter.literals) {
+    const Alternatives ways = firstAlternatives(nodes, state.numNodes, filter.firstBar);
+    pair.firstLiteral = ways.first;
+    pair.literalBar = static_cast<int32_t>(ways.firstBar - nodes);
+  }
   return filter;
 }
 
 }  // namespace
-
-Alternatives firstAlternatives(const RxNode* nodes, int32_t numNodes, int32_t firstBar) {
-  const int32_t first = firstNode(nodes, numNodes);
-  const bool isGroup = first < numNodes && (nodes[first].code == RX_GROUP || nodes[first].code == RX_CAPTURE);
-  if (firstBar < 0 && isGroup) return {first + 1, nextBar(nodes[first])};
-  return {first, firstBar < 0 ? nullptr : &nodes[firstBar]};
-}
 
 void makeStartFilter(ulkRegExpState& state, bool hasFrames) {
   state.frames[0].start = filterFor(state, hasFrames);

@@ -17,13 +17,4 @@ void makeStartFilter(ulkRegExpState& state, bool hasFrames);
 
 inline const StartFilter& startFilterOf(const ulkRegExpState& state) { return state.frames[0].start; }
 
-// Ways to begin: the node that the first one begins with, and the bar before the second one.
-struct Alternatives {
-  int32_t first;
-  const RxNode* firstBar;  // null if there is no second one
-};
-
-// The alternatives of the whole program or of the group that it begins with.
-Alternatives firstAlternatives(const RxNode* nodes, int32_t numNodes, int32_t firstBar);
-
 }  // namespace ulk

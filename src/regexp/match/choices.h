@@ -16,14 +16,15 @@
 namespace ulk {
 
 enum class ChoiceKind : uint32_t {
-  kGreedyBytes,      // repeats.cpp: give back one byte
+  kBottom,           // there is none left
+  kGreedyBytes,      // repeats.h: give back one byte
   kGreedyChars,      //   give back one character
   kGreedySequences,  //   give back one extended sequence
   kGreedyBackref,    //   give back one repetition of the reference
   kLazy,             //   take one more item
   kLazyCodePoint,    //   decide about the character at the position
   kLazyProperty,     //   take the character at the position, whatever it is
-  kPlain,            // groups.cpp: try the plain group's next alternative
+  kPlain,            // groups.h: try the plain group's next alternative
   kPlainCapture,     //   the same for a capturing one
   kPlainEnter,       //   enter the body of a lazy plain group after all
   kAlternative,      //   try the group's next alternative
@@ -31,12 +32,13 @@ enum class ChoiceKind : uint32_t {
   kLeft,             //   nothing left to try: put the group back as it was
   kGaveUp,           //   the same where all alternatives of a further iteration have failed
   kOptions,          //   put the options back
-  kLookaround,       // subrun.cpp: try the lookaround's next alternative
+  kLookaround,       // subruns.h: try the lookaround's next alternative
   kCondition,        //   the condition does not hold
   kAtomic,           //   try the atomic group's next alternative
   kAtomicLazy,       //   run one iteration after all
   kAtomicIteration,  //   go on without this iteration
   kSurplus,          //   put the surplus back
+  kCount
 };
 
 // The last word of every record: the kind, and a node. Which one depends on the kind: the step's node, or the
@@ -82,11 +84,8 @@ struct GreedyChoice {
   uint32_t at;
   ChoiceTag tag;
 };
-// One that does not give back bytes knows more.
-struct GreedyItemsChoice {
-  int32_t start;  // where the first item begins; for back references the length of one
-  GreedyChoice greedy;
-};
+// Below the record of one that does not give back bytes lies a word: where the first item begins, for back
+// references the length of one.
 
 struct LazyChoice {
   int32_t most;         // items that may be taken
@@ -191,36 +190,43 @@ static_assert(kLargestChoice == 40);
 
 class Choices {
  public:
+  // At the bottom lies a tag alone.
   void use(std::byte* memory, size_t size) {
     memory_ = memory;
-    size_ = size;
+    full_ = memory + size - kMargin;
+    top_ = memory + sizeof(ChoiceTag);
+    tag() = {ChoiceKind::kBottom, 0};
   }
+
   // Goes on in a larger memory.
   void moveTo(std::byte* memory, size_t size) {
-    __builtin_memcpy(memory, memory_, used_);
+    const std::byte* const before = memory_;
+    const uint32_t bytes = used();
     use(memory, size);
+    __builtin_memcpy(memory, before, bytes);
+    top_ = memory + bytes;
   }
 
-  bool empty() const { return used_ == 0; }
-  bool hasRoomFor(size_t records) const { return size_ - used_ >= records * kLargestChoice; }
-  uint32_t used() const { return static_cast<uint32_t>(used_); }
+  // Whether there is room for all that another step or retry may leave.
+  bool hasRoom() const { return top_ <= full_; }
+  uint32_t used() const { return static_cast<uint32_t>(top_ - memory_); }
 
-  ChoiceTag& tag() const { return *std::launder(reinterpret_cast<ChoiceTag*>(memory_ + used_) - 1); }
+  ChoiceTag& tag() const { return *std::launder(reinterpret_cast<ChoiceTag*>(top_) - 1); }
 
   template <class Record>
   Record& push() {
-    auto* const record = new (memory_ + used_) Record;
-    used_ += sizeof(Record);
+    auto* const record = new (top_) Record;
+    top_ += sizeof(Record);
     return *record;
   }
   // The newest choice, which is of this type.
   template <class Record>
   Record& top() const {
-    return *std::launder(reinterpret_cast<Record*>(memory_ + used_) - 1);
+    return *std::launder(reinterpret_cast<Record*>(top_) - 1);
   }
   template <class Record>
   void pop() {
-    used_ -= sizeof(Record);
+    top_ -= sizeof(Record);
   }
 
   // The record that was pushed where so many bytes were used, and that place again.
@@ -228,12 +234,14 @@ class Choices {
   Record& at(uint32_t used) const {
     return *std::launder(reinterpret_cast<Record*>(memory_ + used));
   }
-  void cutBack(uint32_t used) { used_ = used; }
+  void cutBack(uint32_t used) { top_ = memory_ + used; }
 
  private:
-  std::byte* memory_ = nullptr;
-  size_t size_ = 0;
-  size_t used_ = 0;
+  static constexpr size_t kMargin = 4 * kLargestChoice;  // a step or a retry leaves fewer records
+
+  std::byte* memory_;
+  std::byte* top_;
+  std::byte* full_;
 };
 
 }  // namespace ulk

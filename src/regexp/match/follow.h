@@ -1,4 +1,4 @@
-// What the compiler has found out about the bytes that may follow a repeat. A try to go on before any other
+// What the analysis has found out about the bytes that may follow a repeat. A try to go on before any other
 // byte changes next to nothing but the budget, so it is paid for instead of made.
 #pragma once
 
@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "regexp/match/matcher.h"
+#include "regexp/program/byte_set.h"
 #include "regexp/program/follow_note.h"
 
 namespace ulk {
@@ -21,15 +22,12 @@ struct Follow {
     return set->contains(*at) && (!literal || beginsWithLiteral(m, at));
   }
 
-  bool excludes(const MatchContext& m) const { return set && m.at <= m.textEnd && !admits(m, m.at); }
-
-  // A try that runs out of budget on its way is made, not paid for.
-  bool canPay(const MatchContext& m, int64_t tries) const { return note.steps() * tries <= m.budget; }
-
-  void payForTries(MatchContext& m, int32_t tries) const {
-    m.budget -= note.steps() * tries;
-    if (note.entersGroup() && tries > 0) m.surplus.clear();
+  bool excludes(const MatchContext& m, const uint8_t* at) const {
+    return set && at <= m.textEnd && !admits(m, at);
   }
+
+  // What so many tries cost.
+  int64_t cost(int64_t tries) const { return note.steps() * tries; }
 
  private:
   // A string that does not match fails in the step that its first byte would fail in.
@@ -39,19 +37,15 @@ struct Follow {
   }
 };
 
-inline Follow noFollow(const MatchContext& m, int32_t quantifier) {
-  return {nullptr, nullptr, FollowNote(m.nodes[quantifier].op3)};
-}
+inline Follow noFollow(const RxNode& quantifier) { return {nullptr, nullptr, FollowNote(quantifier.op3)}; }
 
 // With the options in force, which must be those that the repeat's items were taken with.
-inline Follow followOf(const MatchContext& m, int32_t quantifier) {
-  const RxNode& node = m.nodes[quantifier];
-  const FollowNote note(node.op3);
-  if (!node.text || (note.options() & kMatcherOptions) != m.options) return noFollow(m, quantifier);
-  const RxNode* const next = &node + 1;
-  const bool isLiteral =
-      quantifier + 1 < m.numNodes && next->code == RX_STRING && !(m.options & RX_OPT_CASELESS);
-  return {static_cast<const ByteSet256*>(node.text), isLiteral ? next : nullptr, note};
+inline Follow followOf(const MatchContext& m, const RxNode& quantifier, uint32_t options) {
+  const FollowNote note(quantifier.op3);
+  if (!quantifier.text || note.options() != options) return noFollow(quantifier);
+  const RxNode* const next = &quantifier + 1;
+  const bool isLiteral = next != m.programEnd && codeOf(*next) == RX_STRING && !(options & RX_OPT_CASELESS);
+  return {static_cast<const ByteSet256*>(quantifier.text), isLiteral ? next : nullptr, note};
 }
 
 }  // namespace ulk

@@ -1,9 +1,10 @@
 #include "regexp/match/items.h"
 
+#include <algorithm>
 #include <cstring>
 
-#include "regexp/program/class_sets.h"
-#include "regexp/text/bytes.h"
+#include "kernels/find_unit.h"
+#include "regexp/match/steps.h"
 #include "unicode/unicode.h"
 
 namespace ulk {
@@ -11,7 +12,7 @@ namespace ulk {
 namespace {
 
 int32_t charTypeLength(const RxNode& item, const uint8_t* at, uint32_t options) {
-  if (!inByteSet(*at, byteSetOf(item.op1, options))) return kNoMatch;
+  if (!inByteSet(*at, byteSetOf(item, options))) return kNoMatch;
   return decodeUtf8(at).length;
 }
 
@@ -20,10 +21,19 @@ int32_t classLength(const RxNode& item, const uint8_t* at, uint32_t options) {
   return classAccepts(item, character, *at, options) ? character.length : kNoMatch;
 }
 
-int32_t backrefLength(const MatchContext& m, const RxNode& item, const uint8_t* at) {
+int32_t backrefLength(const MatchContext& m, const RxNode& item, const uint8_t* at, uint32_t options) {
   const CaptureSlot& group = m.captures[item.op1];
   if (group.length < 0 || group.length > m.textEnd - at) return kNoMatch;
-  return sameBytes(group.start, at, group.length, m.options) ? group.length : kNoMatch;
+  return sameBytes(group.start, at, group.length, options) ? group.length : kNoMatch;
+}
+
+int32_t stringLength(const MatchContext& m, const RxNode& item, const uint8_t* at, uint32_t options) {
+  if (item.op2 > m.textEnd - at) return kNoMatch;
+  const auto* const text = static_cast<const uint8_t*>(item.text);
+  const bool same = options & RX_OPT_CASELESS
+                        ? sameBytes(text, at, item.op2, options)
+                        : *text == *at && std::memcmp(text, at, static_cast<size_t>(item.op2)) == 0;
+  return same ? item.op2 : kNoMatch;
 }
 
 // No ASCII character is a mark.
@@ -36,40 +46,118 @@ int32_t sequenceLength(const MatchContext& m, const uint8_t* at) {
   return static_cast<int32_t>(end - at);
 }
 
+// Takes up to `most` characters; `accepts` tells for those below 0x80, which are single bytes.
+template <class Accepts>
+Taken takeCharacters(const MatchContext& m, const RxNode& item, const uint8_t* const start, int32_t most,
+                     Accepts accepts) {
+  const uint8_t* at = start;
+  const uint8_t* end = at + std::min<ptrdiff_t>(most, m.textEnd - at);
+  ptrdiff_t further = 0;  // bytes of characters beyond the first
+  for (;;) {
+    while (at < end && *at < 0x80 && accepts(*at)) ++at;
+    if (at >= end || *at < 0x80) break;
+    const int32_t length = itemLength(m, item, at);
+    if (length == kNoMatch) break;
+    at += length;
+    further += length - 1;
+    end += std::min<ptrdiff_t>(length - 1, m.textEnd - end);
+  }
+  return {at, static_cast<int32_t>(at - start - further)};
+}
+
+// The same for a single byte in one case. Most runs are short.
+Taken takeBytes(const MatchContext& m, const RxNode& item, const uint8_t* at, int32_t most) {
+  constexpr int32_t kLooks = 8;
+  const auto limit = static_cast<int32_t>(std::clamp<ptrdiff_t>(m.textEnd - at, 0, most));
+  if (codeOf(item) == RX_BYTE) return {at + limit, limit};
+  int32_t count = 0;
+  while (count < limit && count < kLooks && at[count] == item.op1) ++count;
+  if (count == kLooks) {
+    const int32_t other = scanForOther<Forward>(at + count, limit - count, static_cast<uint8_t>(item.op1));
+    count = other < 0 ? limit : count + other;
+  }
+  return {at + count, count};
+}
+
+bool isOneByte(const RxNode& item, uint32_t options) {
+  return codeOf(item) == RX_BYTE ||
+         (codeOf(item) == RX_CHAR && !((options & RX_OPT_CASELESS) && isAsciiLetter(item.op1)));
+}
+
 }  // namespace
 
 int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at) {
+  const uint32_t options = m.options;
   if (at >= m.textEnd) return kNoMatch;
-  switch (item.code) {
+  switch (codeOf(item)) {
     case RX_CHAR:
-      return sameByte(item.op1, *at, m.options) ? 1 : kNoMatch;
+      return sameByte(item.op1, *at, options) ? 1 : kNoMatch;
     case RX_BYTE:
       return 1;
     case RX_BACKREF:
-      return backrefLength(m, item, at);
+      return backrefLength(m, item, at, options);
     case RX_CLASS:
-      return classLength(item, at, m.options);
+      return classLength(item, at, options);
     case RX_CHARTYPE:
-      return charTypeLength(item, at, m.options);
+      return charTypeLength(item, at, options);
     case RX_XSEQ:
       return sequenceLength(m, at);
-    case RX_STRING: {
-      if (item.op2 > m.textEnd - at) return kNoMatch;
-      const auto* text = static_cast<const uint8_t*>(item.text);
-      const bool same = m.options & RX_OPT_CASELESS
-                            ? sameBytes(text, at, item.op2, m.options)
-                            : std::memcmp(text, at, static_cast<size_t>(item.op2)) == 0;
-      return same ? item.op2 : kNoMatch;
-    }
+    case RX_STRING:
+      return stringLength(m, item, at, options);
     case RX_CODEPOINT: {
       const Utf8Char character = decodeUtf8(at);
-      return codePointAccepts(item, character.value, m.options) ? character.length : kNoMatch;
+      return codePointAccepts(item, character.value, options) ? character.length : kNoMatch;
     }
     default: {
       const Utf8Char character = decodeUtf8(at);
       return propertyAccepts(item, character.value) ? character.length : kNoMatch;
     }
   }
+}
+
+Taken takeItems(const MatchContext& m, const RxNode& item, const uint8_t* at, int32_t most) {
+  const uint32_t options = m.options;
+  if (isOneByte(item, options)) return takeBytes(m, item, at, most);
+  const Set128* const set = codeOf(item) == RX_CLASS ? classSet(item, options) : nullptr;
+  if (set) return takeCharacters(m, item, at, most, [set](uint8_t byte) { return set->contains(byte); });
+  if (codeOf(item) == RX_CHARTYPE) {
+    const uint8_t wanted = byteSetOf(item, options);
+    return takeCharacters(m, item, at, most, [wanted](uint8_t byte) { return inByteSet(byte, wanted); });
+  }
+  int32_t count = 0;
+  for (; count < most; ++count) {
+    const int32_t length = itemLength(m, item, at);
+    if (length == kNoMatch) break;
+    at += length;
+  }
+  return {at, count};
+}
+
+// ---- Steps
+
+ULK_STEP stepByte(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  return at < m.textEnd && *at == node->op1 ? goOn(at + 1, node + 1, m) : fail(m);
+}
+
+ULK_STEP stepLetter(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  return at < m.textEnd && (*at | 0x20) == (node->op1 | 0x20) ? goOn(at + 1, node + 1, m) : fail(m);
+}
+
+ULK_STEP stepShorthand(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  if (at >= m.textEnd) return fail(m);
+  if (!(m.byteSets[*at] & byteSetOf(*node, m.options))) return fail(m);
+  return goOn(*at < 0x80 ? at + 1 : at + decodeMultibyte(at).length, node + 1, m);
+}
+
+ULK_STEP stepClass(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  if (at >= m.textEnd || *at >= 0x80) return stepItem(at, node, m);
+  const auto* const set = static_cast<const Set128*>(node->text);
+  return set->contains(*at) ? goOn(at + 1, node + node->op2 + 1, m) : fail(m);
+}
+
+ULK_STEP stepItem(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  const int32_t length = itemLength(m, *node, at);
+  return length == kNoMatch ? fail(m) : goOn(at + length, afterItem(node), m);
 }
 
 }  // namespace ulk

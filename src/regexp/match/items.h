@@ -1,11 +1,15 @@
-// Items: the nodes that consume text, each tested at one position. Steps and repeats are written once over
-// them.
+// Items: the nodes that consume text, each tested at one position.
 #pragma once
 
 #include <cstdint>
 
 #include "regexp/match/matcher.h"
 #include "regexp/program/characters.h"
+#include "regexp/program/class_sets.h"
+#include "regexp/text/bytes.h"
+#include "regexp/text/utf8.h"
+
+#pragma GCC visibility push(hidden)
 
 namespace ulk {
 
@@ -15,17 +19,26 @@ inline constexpr int32_t kNoMatch = -1;
 // read on inside a UTF-8 sequence that the text's end cuts.
 int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at);
 
-// The index of the node after the item, where its quantifier stands if it has one.
-inline int32_t afterItem(const MatchContext& m, int32_t item) {
-  const RxNode& node = m.nodes[item];
-  return item + 1 + (node.code == RX_CLASS ? node.op2 : 0);
+// The node after the item, where its quantifier stands if it has one.
+inline const RxNode* afterItem(const RxNode* item) {
+  return item + 1 + (codeOf(*item) == RX_CLASS ? item->op2 : 0);
 }
 
 // Whether a step at the node would fail because a literal, not quantified, stands there that does not match.
-inline bool failsAtLiteral(const MatchContext& m, int32_t node) {
-  const RxNode& item = m.nodes[node];
-  if (item.code > RX_STRING || m.budget < 0 || m.at > m.textEnd || m.hasQuantifier(node + 1)) return false;
-  return itemLength(m, item, m.at) == kNoMatch;
+inline bool failsAtLiteral(const MatchContext& m, const RxNode* node, const uint8_t* at) {
+  if (codeOf(*node) > RX_STRING || at > m.textEnd || m.isQuantified(node + 1)) return false;
+  return itemLength(m, *node, at) == kNoMatch;
 }
 
+// Items in a row, and where they end.
+struct Taken {
+  const uint8_t* end;
+  int32_t count;
+};
+
+// Takes up to `most` items from `at` on.
+Taken takeItems(const MatchContext& m, const RxNode& item, const uint8_t* at, int32_t most);
+
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -1,14 +1,14 @@
-// The matcher: a backtracking interpreter of the node program.
+// The matcher: one attempt to match the program at one place of the text.
 //
-// A step runs one node at the current position. It either moves on, or fails, or ends the current run. A step
-// that has another choice leaves a record on a stack of its own (choices.h) before it moves on; when a later
-// step fails, the newest choice is taken up again, by the function that stands beside the step that left it.
-// The stack holds small records instead of call frames, so how much memory a search needs depends on the
-// number of steps alone, not on the compiler.
+// In: the program and its analysis, the text, the place, the options in force and the steps still allowed.
+// Out: where the match ends and what the groups captured; in any case the options in force then, and what is
+// left of the steps.
 //
-// Lookarounds, atomic groups and lookaround conditions match their bodies in runs of their own (subrun.cpp):
-// a run ends as soon as the program reaches `endNode` or a bar outside positive groups, and its remaining
-// choices are dropped.
+// The matcher is a backtracking interpreter of nodes. A step (steps.h) runs one node at one position: it goes
+// on with another node, or fails, or ends the current run. One that has another choice leaves a record on a
+// stack of its own (choices.h) before it goes on; when a later step fails, the newest choice is taken up
+// again, by the function that stands beside the step that left it. So how much memory a search needs depends
+// on the number of its steps alone.
 #pragma once
 
 #include <cstdint>
@@ -20,103 +20,67 @@
 
 namespace ulk {
 
-// What a step or a retry leads to.
-enum class Next {
-  kGoOn,     // run the node at m.node
-  kFail,     // take up the newest choice
-  kMatched,  // the current run has matched
+struct MatchContext;
+
+enum class Outcome : int32_t {
+  kMatch,
+  kNoMatch,
+  kOutOfChoices,  // there is no room for another choice
 };
+
+#if defined(__i386__)
+#define ULK_STEP __attribute__((regparm(2))) Outcome
+#else
+#define ULK_STEP Outcome
+#endif
+using StepFunction = ULK_STEP (*)(const uint8_t* at, const RxNode* node, MatchContext& m);
+using RetryFunction = Outcome (*)(MatchContext& m);
 
 inline constexpr uint32_t kNoRun = UINT32_MAX;
 
 // Everything about one search call.
 struct MatchContext {
-  const uint8_t* at;    // position of the next step
-  int32_t node;         // node of the next step
-  int32_t endNode;      // reaching it ends the current run
-  uint32_t run;         // where the current run's choice lies, kNoRun for the whole program's run
-  uint32_t options;     // in force, of kMatcherOptions
-  int32_t budget;       // node steps still allowed, -1 when exhausted
-  Surplus surplus;      // see matchLength
-  bool nonEmpty;        // a match of length 0 is not acceptable
-  int32_t numCaptures;  // slot 0 included
-  int32_t numNodes;
-  const uint8_t* textStart;  // for ^, \A, \b and lookbehind
+  const uint8_t* textStart;
   const uint8_t* textEnd;
-  const uint8_t* matchStart;
   const RxNode* nodes;
-  CaptureSlot* captures;
+  const RxNode* programEnd;
+  CaptureSlot* captures;  // slot 0 is not the matcher's
   WorkFrame* frames;
+  int32_t numCaptures;  // slot 0 included
+  bool nonEmpty;        // a match of length 0 is not acceptable
 
+  const uint8_t* matchStart;  // of the attempt
+  uint32_t options;           // in force, of kMatcherOptions; an attempt leaves them as it ends
+  int32_t budget;             // steps still allowed, -1 when exhausted
+  Surplus surplus;            // what the match length counts more than the distance
+
+  // Where the attempt ended, or is to go on when there is room for choices again.
+  const uint8_t* at;
+  const RxNode* node;
+
+  // What follows is the matcher's own.
+  const RxNode* runEnd;  // reaching it ends the current run
+  uint32_t run;          // where the current run's choice lies, kNoRun for the whole program's run
   Choices choices;
+  const StepFunction* steps;  // found here without a base address
+  const RetryFunction* retries;
+  const uint8_t* byteSets;
 
-  // Below 0 behind an item that the text's end cuts.
-  int32_t remaining() const { return static_cast<int32_t>(textEnd - at); }
-  uint32_t offset() const { return static_cast<uint32_t>(at - textStart); }
   uint32_t offsetOf(const uint8_t* place) const { return static_cast<uint32_t>(place - textStart); }
-  void moveTo(uint32_t offset) { at = textStart + offset; }
+  int32_t indexOf(const RxNode* of) const { return static_cast<int32_t>(of - nodes); }
+  bool isQuantified(const RxNode* next) const { return next != programEnd && isQuantifier(*next); }
   void setOptions(int32_t word) { options = static_cast<uint32_t>(word) & kMatcherOptions; }
 
-  // The length of the match so far, as reported. It is not always the distance from its start: a lazy repeat
-  // of one byte that finally fails leaves its bytes counted. What is counted beyond the distance is the
-  // surplus.
-  int32_t matchLength() const { return surplus.lengthOver(at - matchStart); }
+  // Below 0 behind an item that the text's end cuts.
+  int32_t remaining(const uint8_t* from) const { return static_cast<int32_t>(textEnd - from); }
 
-  // Leaves a choice for the step at the present node and position.
-  template <class Record>
-  Record& push(ChoiceKind kind) {
-    Record& record = choices.push<Record>();
-    record.at = offset();
-    record.tag = {kind, node};
-    return record;
-  }
-
-  int32_t indexOf(const RxNode* of) const { return static_cast<int32_t>(of - nodes); }
-  bool hasQuantifier(int32_t index) const { return index < numNodes && isQuantifier(nodes[index]); }
+  // The length of the match up to there, as reported. It is not always the distance from its start: a lazy
+  // repeat of one byte that finally fails leaves its bytes counted. What is counted beyond the distance is
+  // the surplus.
+  int32_t lengthTo(const uint8_t* end) const { return surplus.lengthOver(end - matchStart); }
 };
 
-// Runs the program from m.node at m.at. True for a match: m.at and m.surplus tell its length, the capture
-// slots hold the groups. The caller sets up matchStart, node, at, surplus 0, run kNoRun and the options.
-bool rxMatch(MatchContext& m);
-
-// Goes on at `node`, consuming nothing.
-inline Next goOn(MatchContext& m, int32_t node) {
-  m.node = node;
-  return Next::kGoOn;
-}
-
-// repeats.cpp. `item` is the repeated node, `quantifier` the node after it (or after a class's members).
-Next stepRepeat(MatchContext& m, int32_t item, int32_t quantifier);
-Next retryGreedy(MatchContext& m);
-Next retryLazy(MatchContext& m);
-Next retryLazyCodePoint(MatchContext& m);
-Next retryLazyProperty(MatchContext& m);
-
-// groups.cpp
-Next stepGroupOpen(MatchContext& m);
-Next stepGroupEnd(MatchContext& m);
-Next stepBar(MatchContext& m);
-Next retryPlain(MatchContext& m);
-Next retryPlainCapture(MatchContext& m);
-Next retryPlainEnter(MatchContext& m);
-Next retryAlternative(MatchContext& m);
-Next retryLazyLeave(MatchContext& m);
-Next retryLeft(MatchContext& m);
-Next retryOptions(MatchContext& m);
-// Takes the branch of the conditional whose choice is the newest one.
-Next branch(MatchContext& m, bool conditionHolds);
-
-// subrun.cpp
-Next stepLookahead(MatchContext& m);
-Next stepLookbehind(MatchContext& m);
-Next stepCondition(MatchContext& m, int32_t lookaround);
-Next stepAtomic(MatchContext& m);
-Next leaveRun(MatchContext& m);
-Next retryLookaround(MatchContext& m);
-Next retryCondition(MatchContext& m);
-Next retryAtomic(MatchContext& m);
-Next retryAtomicLazy(MatchContext& m);
-Next retryAtomicIteration(MatchContext& m);
-Next retrySurplus(MatchContext& m);
+// Runs the program from `first` on at m.matchStart. True for a match, which ends at m.at.
+bool rxMatch(MatchContext& m, const RxNode* first);
 
 }  // namespace ulk

@@ -8,94 +8,24 @@
 #include "kernels/find_unit.h"
 #include "regexp/match/follow.h"
 #include "regexp/match/items.h"
-#include "regexp/match/matcher.h"
-#include "regexp/program/class_sets.h"
-#include "regexp/program/follow_note.h"
-#include "regexp/text/bytes.h"
+#include "regexp/match/steps.h"
 #include "unicode/unicode.h"
 
 namespace ulk {
 
 namespace {
 
-// Takes up to `most` characters; `accepts` tells for those below 0x80, which are single bytes.
-template <class Accepts>
-int32_t takeCharacters(MatchContext& m, const RxNode& item, int32_t most, Accepts accepts) {
-  const uint8_t* at = m.at;
-  const uint8_t* end = at + std::min<ptrdiff_t>(most, m.textEnd - at);
-  ptrdiff_t further = 0;  // bytes of characters beyond the first
-  for (;;) {
-    while (at < end && *at < 0x80 && accepts(*at)) ++at;
-    if (at >= end || *at < 0x80) break;
-    const int32_t length = itemLength(m, item, at);
-    if (length == kNoMatch) break;
-    at += length;
-    further += length - 1;
-    end += std::min<ptrdiff_t>(length - 1, m.textEnd - end);
-  }
-  const auto count = static_cast<int32_t>(at - m.at - further);
-  m.at = at;
-  return count;
+// A try that runs out of budget on its way is made, not paid for.
+ULK_INLINE bool canPay(const MatchContext& m, const Follow& follow, int64_t tries) {
+  return follow.cost(tries) <= m.budget;
 }
 
-bool isOneByte(const RxNode& item, uint32_t options) {
-  return item.code == RX_BYTE ||
-         (item.code == RX_CHAR && !((options & RX_OPT_CASELESS) && isAsciiLetter(item.op1)));
+ULK_INLINE void payForTries(MatchContext& m, const Follow& follow, int32_t tries) {
+  m.budget -= static_cast<int32_t>(follow.cost(tries));
+  if (follow.note.entersGroup() && tries > 0) m.surplus.clear();
 }
 
-// The same for a single byte in one case. Most runs are short.
-int32_t takeBytes(MatchContext& m, const RxNode& item, int32_t most) {
-  constexpr int32_t kLooks = 8;
-  const int32_t limit = std::max(std::min(most, m.remaining()), 0);
-  int32_t count = 0;
-  if (item.code == RX_BYTE) {
-    count = limit;
-  } else {
-    while (count < limit && count < kLooks && m.at[count] == item.op1) ++count;
-    if (count == kLooks) {
-      const int32_t other =
-          scanForOther<Forward>(m.at + count, limit - count, static_cast<uint8_t>(item.op1));
-      count = other < 0 ? limit : count + other;
-    }
-  }
-  m.at += count;
-  return count;
-}
-
-// Takes up to `most` items from m.at on, moves m.at behind them and returns how many there were.
-int32_t takeItems(MatchContext& m, const RxNode& item, int32_t most) {
-  const uint32_t options = m.options;
-  if (isOneByte(item, options)) return takeBytes(m, item, most);
-  const Set128* const set = item.code == RX_CLASS ? classSet(item, options) : nullptr;
-  if (set) return takeCharacters(m, item, most, [set](uint8_t byte) { return set->contains(byte); });
-  if (item.code == RX_CHARTYPE) {
-    const uint8_t wanted = byteSetOf(item.op1, options);
-    return takeCharacters(m, item, most, [wanted](uint8_t byte) { return inByteSet(byte, wanted); });
-  }
-  int32_t count = 0;
-  for (; count < most; ++count) {
-    const int32_t length = itemLength(m, item, m.at);
-    if (length == kNoMatch) break;
-    m.at += length;
-  }
-  return count;
-}
-
-bool takeRequiredItems(MatchContext& m, const RxNode& item, int32_t count) {
-  return count == 0 || takeItems(m, item, count) == count;
-}
-
-// What a greedy repeat gives back at a time: bytes where every item was one.
-ChoiceKind greedyKind(const RxNode& item, bool bytes) {
-  switch (item.code) {
-    case RX_XSEQ:
-      return ChoiceKind::kGreedySequences;
-    case RX_BACKREF:
-      return ChoiceKind::kGreedyBackref;
-    default:
-      return bytes ? ChoiceKind::kGreedyBytes : ChoiceKind::kGreedyChars;
-  }
-}
+// ---- Greedy repeats
 
 // The start of the character that ends at `at`, when characters are decoded from `from` on. A byte that is no
 // continuation byte always starts a character; a continuation byte belongs to the nearest such byte before it
@@ -113,313 +43,369 @@ const uint8_t* previousSequence(const uint8_t* from, const uint8_t* at) {
   return at;
 }
 
-// The word that a greedy repeat's record begins with, unless it gives back bytes.
-int32_t& startOf(GreedyChoice& choice) {
-  return (reinterpret_cast<GreedyItemsChoice*>(&choice + 1) - 1)->start;
-}
-
-void popGreedy(MatchContext& m) {
-  if (m.choices.tag().kind() == ChoiceKind::kGreedyBytes) {
-    m.choices.pop<GreedyChoice>();
-  } else {
-    m.choices.pop<GreedyItemsChoice>();
-  }
-}
+// What a greedy repeat has taken and can give back.
+struct Greedy {
+  ChoiceKind kind;
+  const uint8_t* at;
+  int32_t spare;  // items above the minimum
+  uint32_t
+      start;  // unless it gives back bytes: where the first item begins; for back references their length
+};
 
 // Takes back the last of the items.
-void giveBack(const MatchContext& m, GreedyChoice& choice) {
-  const uint8_t* const at = m.textStart + choice.at;
-  switch (choice.tag.kind()) {
+ULK_INLINE void giveBack(const MatchContext& m, Greedy& greedy) {
+  switch (greedy.kind) {
     case ChoiceKind::kGreedyBytes:
-      --choice.at;
+      --greedy.at;
       break;
     case ChoiceKind::kGreedyChars:
-      choice.at = m.offsetOf(previousCharacter(m.textStart + startOf(choice), at));
+      greedy.at = previousCharacter(m.textStart + greedy.start, greedy.at);
       break;
     case ChoiceKind::kGreedySequences:
-      choice.at = m.offsetOf(previousSequence(m.textStart + startOf(choice), at));
+      greedy.at = previousSequence(m.textStart + greedy.start, greedy.at);
       break;
     default:
-      choice.at -= static_cast<uint32_t>(startOf(choice));
+      greedy.at -= greedy.start;
       break;
   }
-  choice.spare += -1;
+  --greedy.spare;
 }
 
 // Takes back items until what follows may begin where the repeat then ends. False when it cannot.
-bool giveBackToFollow(MatchContext& m, GreedyChoice& choice, const Follow& follow) {
-  const int32_t spare = choice.spare.number();
+ULK_INLINE bool giveBackToFollow(MatchContext& m, Greedy& greedy, const Follow& follow) {
+  const int32_t spare = greedy.spare;
   bool found = false;
   if (follow.note.disjoint()) {
-    choice.spare.setNumber(0);  // wherever the repeat ends earlier, one of its items is next
-  } else if (choice.tag.kind() == ChoiceKind::kGreedyBytes) {
-    const uint8_t* at = m.textStart + choice.at;
-    const uint8_t* const least = at - spare;
-    while (at > least && !found) found = follow.admits(m, --at);
-    choice.at = m.offsetOf(at);
-    choice.spare.setNumber(static_cast<int32_t>(at - least));
+    greedy.spare = 0;  // wherever the repeat ends earlier, one of its items is next
   } else {
-    while (choice.spare.number() > 0 && !found) {
-      giveBack(m, choice);
-      found = follow.admits(m, m.textStart + choice.at);
+    while (greedy.spare > 0 && !found) {
+      giveBack(m, greedy);
+      found = follow.admits(m, greedy.at);
     }
   }
-  follow.payForTries(m, spare - choice.spare.number() - (found ? 1 : 0));
+  payForTries(m, follow, spare - greedy.spare - (found ? 1 : 0));
   return found;
 }
 
-// Leaves the choice of a greedy repeat that began at `start` and has taken `count` items.
-GreedyChoice& pushGreedy(MatchContext& m, const RxNode& item, const uint8_t* start, int32_t count) {
-  const auto length = static_cast<int32_t>(m.at - start);
-  const ChoiceKind kind = greedyKind(item, length == count);
-  if (kind == ChoiceKind::kGreedyBytes) return m.push<GreedyChoice>(kind);
-  GreedyItemsChoice& choice = m.choices.push<GreedyItemsChoice>();
-  choice.start = item.code == RX_BACKREF ? length / count : static_cast<int32_t>(start - m.textStart);
-  choice.greedy.at = m.offset();
-  choice.greedy.tag = {kind, m.node};
-  return choice.greedy;
-}
-
-// Gives back as much as the next try needs, and makes it.
-Next retryGreedyWith(MatchContext& m, GreedyChoice& choice, const Follow& follow) {
-  if (!follow.set || !follow.canPay(m, choice.spare.number())) {
-    giveBack(m, choice);
-  } else if (!giveBackToFollow(m, choice, follow)) {
-    popGreedy(m);
-    return Next::kFail;
-  }
-  m.moveTo(choice.at);
-  const int32_t next = choice.tag.node() + 1;
-  if (choice.spare.number() == 0) popGreedy(m);
-  return goOn(m, next);
-}
-
-Next stepGreedy(MatchContext& m, const RxNode& item, int32_t quantifier) {
-  const RxNode& bounds = m.nodes[quantifier];
-  const int32_t least = bounds.op1;
-  const int32_t most = std::min(bounds.op2, m.remaining());
-  const uint8_t* const start = m.at;
-  const int32_t count = takeItems(m, item, std::max(least, most));
-  if (count < least) return Next::kFail;
-
-  const int32_t spare = count - least;
-  if (spare == 0) return goOn(m, quantifier + 1);
-  // At the program's end nothing can make the repeat give back.
-  if (quantifier + 1 == m.endNode && m.run == kNoRun && !m.nonEmpty && m.budget >= 0) return Next::kMatched;
-  m.node = quantifier;
-  const Follow follow = followOf(m, quantifier);
-  GreedyChoice& choice = pushGreedy(m, item, start, count);
-  choice.spare = {spare, follow.set != nullptr};
-  if (!follow.excludes(m) || !follow.canPay(m, int64_t{spare} + 1)) return goOn(m, quantifier + 1);
-  follow.payForTries(m, 1);
-  return retryGreedyWith(m, choice, follow);
-}
-
-// A lazy repeat of one byte looks for the literal that follows it before it tries anything, and places
-// without it cost no step. Whether that literal is itself optional is not asked.
-bool looksForLiteral(const MatchContext& m, const RxNode& item, int32_t next) {
-  if (item.code != RX_CHAR && item.code != RX_BYTE) return false;
-  return next < m.numNodes && m.nodes[next].code == RX_CHAR && !(m.options & RX_OPT_CASELESS);
-}
-
-// The repeat has no choice left.
-Next failRepeat(MatchContext& m) {
-  m.choices.pop<LazyChoice>();
-  return Next::kFail;
-}
-
-// The bytes that a lazy repeat of one byte has taken stay counted when it finally fails: callers know the
-// lengths that come of it.
-Next failLazy(MatchContext& m, LazyChoice& choice) {
-  if (m.nodes[choice.tag.node()].code == RX_CHAR) m.surplus += choice.count.number();
-  return failRepeat(m);
-}
-
-bool takeOneMore(MatchContext& m, LazyChoice& choice, const RxNode& item) {
-  if (choice.count.number() >= choice.most) return false;
-  const int32_t length = itemLength(m, item, m.at);
-  if (length == kNoMatch) return false;
-  m.at += length;
-  choice.count += 1;
+// Gives back as much as the next try needs. False when there is none.
+ULK_INLINE bool giveBackForNextTry(MatchContext& m, Greedy& greedy, const Follow& follow) {
+  if (follow.set && canPay(m, follow, greedy.spare)) return giveBackToFollow(m, greedy, follow);
+  giveBack(m, greedy);
   return true;
 }
 
-int32_t stillAllowed(const LazyChoice& choice) { return choice.most - choice.count.number(); }
+// Leaves the choice to give back more, and goes on behind the repeat. `asForeseen`: all items have been taken
+// with the options that the analysis had in mind.
+ULK_INLINE Outcome tryBehind(const RxNode* quantifier, MatchContext& m, const Greedy& greedy,
+                             bool asForeseen) {
+  if (greedy.spare == 0) return goOn(greedy.at, quantifier + 1, m);
+  if (greedy.kind != ChoiceKind::kGreedyBytes) m.choices.push<uint32_t>() = greedy.start;
+  push<GreedyChoice>(m, greedy.kind, greedy.at, quantifier).spare = {greedy.spare, asForeseen};
+  return goOnWithChoice(greedy.at, quantifier + 1, m);
+}
 
-// Takes items of one byte as long as what follows cannot begin before them, and pays for the tries.
-void takeHopelessItems(MatchContext& m, LazyChoice& choice, const RxNode& item, const Follow& follow) {
-  const int32_t affordable = m.budget / follow.note.steps();
-  const int32_t most = std::min({stillAllowed(choice), m.remaining(), affordable});
-  const uint8_t* const end = m.at + std::max(most, 0);
-  const auto take = [&](auto accepts) {
-    const uint8_t* at = m.at;
-    while (at < end && *at < 0x80 && !follow.admits(m, at) && accepts(*at)) ++at;
-    return static_cast<int32_t>(at - m.at);
-  };
-  int32_t taken = 0;
-  const Set128* const set = item.code == RX_CLASS ? classSet(item, m.options) : nullptr;
-  if (set) {
-    taken = take([set](uint8_t byte) { return set->contains(byte); });
-  } else if (item.code == RX_CHARTYPE) {
-    const uint8_t wanted = byteSetOf(item.op1, m.options);
-    taken = take([wanted](uint8_t byte) { return inByteSet(byte, wanted); });
+// The repeat has taken at least as many items as it must.
+ULK_INLINE Outcome tryAll(const RxNode* quantifier, MatchContext& m, Greedy greedy) {
+  if (greedy.spare == 0) return goOn(greedy.at, quantifier + 1, m);
+  // At the program's end nothing can make the repeat give back.
+  if (quantifier + 1 == m.runEnd && m.run == kNoRun && !m.nonEmpty && m.budget >= 0)
+    return goOn(greedy.at, quantifier + 1, m);
+  const Follow follow = followOf(m, *quantifier, m.options);
+  if (follow.excludes(m, greedy.at) && canPay(m, follow, int64_t{greedy.spare} + 1)) {
+    payForTries(m, follow, 1);
+    if (!giveBackForNextTry(m, greedy, follow)) return fail(m);
   }
-  m.at += taken;
-  choice.count += taken;
-  follow.payForTries(m, taken);
+  return tryBehind(quantifier, m, greedy, follow.set != nullptr);
 }
 
-// Takes items of one byte up to the next place of the literal. False if they do not reach one.
-bool takeToLiteral(MatchContext& m, LazyChoice& choice, const RxNode& item, int32_t literal) {
-  const auto atLiteral = [&] { return m.at < m.textEnd && *m.at == literal; };
-  if (atLiteral()) return true;
-  const int32_t most = stillAllowed(choice);
-  int32_t taken = 0;
-  if (item.code == RX_CHAR) {
-    taken = takeItems(m, item, most);
-  } else {
-    const int32_t left = std::max(m.remaining(), 0);
-    const int32_t found =
-        literal > 255 ? -1 : findUnit(m.at, std::min(left, most + 1), static_cast<uint8_t>(literal));
-    taken = found < 0 ? std::min(left, most) : found;
-    m.at += taken;
-  }
-  choice.count += taken;
-  return atLiteral();
+// Takes the items of the node at `at`, which are bytes below 0x80 that `accepts` tells of; where there are
+// others, the general step takes them.
+template <class Accepts>
+ULK_INLINE Outcome takeBytes(const uint8_t* at, const RxNode* node, const RxNode* quantifier, MatchContext& m,
+                             Accepts accepts) {
+  const uint8_t* const end = at + std::min(quantifier->op2, m.remaining(at));
+  const uint8_t* behind = at;
+  while (behind < end && *behind < 0x80 && accepts(*behind)) ++behind;
+  if (behind < end && *behind >= 0x80) return stepGreedyItem(at, node, m);
+  const auto spare = static_cast<int32_t>(behind - at) - quantifier->op1;
+  if (spare < 0) return fail(m);
+  return tryAll(quantifier, m, {ChoiceKind::kGreedyBytes, behind, spare, 0});
 }
 
-// Without budget nothing can be tried any more; the items are still counted.
-Next exhaustLazy(MatchContext& m, LazyChoice& choice, const RxNode& item) {
-  if (item.code == RX_CHAR) choice.count += takeItems(m, item, stillAllowed(choice));
-  return failLazy(m, choice);
-}
-
-Follow followOf(const MatchContext& m, const LazyChoice& choice, int32_t quantifier) {
-  return choice.count.flag() ? ulk::followOf(m, quantifier) : noFollow(m, quantifier);
-}
-
-// Tries what follows the repeat at the present count, or at the next one where it may be tried and can
-// succeed.
-Next continueLazy(MatchContext& m, LazyChoice& choice) {
-  const int32_t node = choice.tag.node();
-  const RxNode& item = m.nodes[node];
-  const int32_t next = afterItem(m, node) + 1;
-  const Follow follow = followOf(m, choice, next - 1);
-  if (follow.set && m.budget > 0) takeHopelessItems(m, choice, item, follow);
-  const bool looks = looksForLiteral(m, item, next);
-  for (;;) {
-    if (m.budget < 0) return exhaustLazy(m, choice, item);
-    if (looks && !takeToLiteral(m, choice, item, m.nodes[next].op1)) return failLazy(m, choice);
-    if (!follow.excludes(m) || !follow.canPay(m, 1)) break;
-    follow.payForTries(m, 1);
-    if (!takeOneMore(m, choice, item)) return failLazy(m, choice);
-  }
-  choice.at = m.offset();
-  return goOn(m, next);
-}
-
-// Takes the character at the position into a lazy repeat of code points or properties.
-bool takeCharacter(MatchContext& m, LazyChoice& choice, Utf8Char character) {
-  m.at += character.length;
-  choice.count += 1;
-  return choice.count.number() <= choice.most && m.at <= m.textEnd;
-}
-
-// The character that a lazy code point looks at. Behind the end of the text no more is read than it takes to
-// tell whether it is that code point: nothing of several bytes is ASCII.
-Utf8Char characterFor(const MatchContext& m, const RxNode& item) {
-  const bool isAscii = item.op1 >= 0 && item.op1 < 0x80 && !(m.options & RX_OPT_CASELESS);
-  if (isAscii && m.at == m.textEnd) return {static_cast<int8_t>(*m.at), 1};
-  return decodeUtf8(m.at);
-}
-
-// A lazy code point looks at the character first, also at the end of the text: one that differs makes the run
-// match as it stands, whatever follows in the program.
-Next continueLazyCodePoint(MatchContext& m, LazyChoice& choice) {
-  const int32_t node = choice.tag.node();
-  for (;;) {
-    const RxNode& item = m.nodes[node];
-    const Utf8Char character = characterFor(m, item);
-    if (!codePointAccepts(item, character.value, m.options)) return Next::kMatched;
-    if (m.budget >= 0) {
-      choice.at = m.offset();
-      return goOn(m, node + 2);
-    }
-    if (!takeCharacter(m, choice, character)) return failRepeat(m);
-  }
-}
-
-// A lazy property takes every character, but tries what follows only before one that has the property.
-Next continueLazyProperty(MatchContext& m, LazyChoice& choice) {
-  const int32_t node = choice.tag.node();
-  for (;;) {
-    const Utf8Char character = decodeUtf8(m.at);
-    if (m.budget < 0) return failRepeat(m);
-    if (propertyAccepts(m.nodes[node], character.value)) {
-      choice.at = m.offset();
-      return goOn(m, node + 2);
-    }
-    if (!takeCharacter(m, choice, character)) return failRepeat(m);
-  }
-}
-
-Next stepLazy(MatchContext& m, const RxNode& item, int32_t quantifier) {
-  const int32_t least = m.nodes[quantifier].op1;
-  const int32_t most = std::min(m.nodes[quantifier].op2, m.remaining());
-  if (least > m.remaining() || !takeRequiredItems(m, item, least)) return Next::kFail;
-  LazyChoice& choice = m.push<LazyChoice>(ChoiceKind::kLazy);
-  choice.most = most;
-  choice.count = {least, ulk::followOf(m, quantifier).set != nullptr};
-  switch (item.code) {
-    case RX_CODEPOINT:
-      choice.tag.setKind(ChoiceKind::kLazyCodePoint);
-      return m.at <= m.textEnd ? continueLazyCodePoint(m, choice) : failRepeat(m);
-    case RX_CATEGORY:
-    case RX_UNIRANGE:
-    case RX_SCRIPT:
-      choice.tag.setKind(ChoiceKind::kLazyProperty);
-      return m.at <= m.textEnd ? continueLazyProperty(m, choice) : failRepeat(m);
+// What a greedy repeat gives back at a time: bytes where every item was one.
+ChoiceKind greedyKind(const RxNode& item, bool bytes) {
+  switch (codeOf(item)) {
+    case RX_XSEQ:
+      return ChoiceKind::kGreedySequences;
+    case RX_BACKREF:
+      return ChoiceKind::kGreedyBackref;
     default:
-      return continueLazy(m, choice);
+      return bytes ? ChoiceKind::kGreedyBytes : ChoiceKind::kGreedyChars;
   }
 }
 
 }  // namespace
 
-Next stepRepeat(MatchContext& m, int32_t item, int32_t quantifier) {
-  if (m.nodes[quantifier].code == RX_REPEAT_LAZY) return stepLazy(m, m.nodes[item], quantifier);
-  return stepGreedy(m, m.nodes[item], quantifier);
+ULK_STEP stepGreedyShorthand(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  const uint8_t wanted = byteSetOf(*node, m.options);
+  const uint8_t* const sets = m.byteSets;
+  return takeBytes(at, node, node + 1, m, [=](uint8_t byte) { return (sets[byte] & wanted) != 0; });
 }
 
-Next retryGreedy(MatchContext& m) {
-  auto& choice = m.choices.top<GreedyChoice>();
-  if (m.budget < 0) {
-    popGreedy(m);
-    return Next::kFail;
+ULK_STEP stepGreedyClass(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  const auto* const set = static_cast<const Set128*>(node->text);
+  return takeBytes(at, node, node + node->op2 + 1, m, [=](uint8_t byte) { return set->contains(byte); });
+}
+
+ULK_STEP stepGreedyItem(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  const RxNode* const quantifier = afterItem(node);
+  const int32_t least = quantifier->op1;
+  const int32_t most = std::min(quantifier->op2, m.remaining(at));
+  const Taken taken = takeItems(m, *node, at, std::max(least, most));
+  if (taken.count < least) return fail(m);
+  const auto length = static_cast<int32_t>(taken.end - at);
+  const bool isBackref = codeOf(*node) == RX_BACKREF && taken.count > 0;
+  const uint32_t start = isBackref ? static_cast<uint32_t>(length / taken.count) : m.offsetOf(at);
+  return tryAll(quantifier, m,
+                {greedyKind(*node, length == taken.count), taken.end, taken.count - least, start});
+}
+
+namespace {
+
+ULK_INLINE Outcome retryGreedy(MatchContext& m, Greedy greedy, const RxNode* quantifier, bool asForeseen) {
+  if (m.budget < 0) return fail(m);
+  const Follow follow = asForeseen ? followOf(m, *quantifier, m.options) : noFollow(*quantifier);
+  if (!giveBackForNextTry(m, greedy, follow)) return fail(m);
+  return tryBehind(quantifier, m, greedy, asForeseen);
+}
+
+}  // namespace
+
+Outcome retryGreedyBytes(MatchContext& m) {
+  const auto& choice = m.choices.top<GreedyChoice>();
+  const Greedy greedy{ChoiceKind::kGreedyBytes, placeOf(m, choice.at), choice.spare.number(), 0};
+  const RxNode* const quantifier = m.nodes + choice.tag.node();
+  const bool asForeseen = choice.spare.flag();
+  m.choices.pop<GreedyChoice>();
+  return retryGreedy(m, greedy, quantifier, asForeseen);
+}
+
+Outcome retryGreedyItems(MatchContext& m) {
+  const auto& choice = m.choices.top<GreedyChoice>();
+  Greedy greedy{choice.tag.kind(), placeOf(m, choice.at), choice.spare.number(), 0};
+  const RxNode* const quantifier = m.nodes + choice.tag.node();
+  const bool asForeseen = choice.spare.flag();
+  m.choices.pop<GreedyChoice>();
+  greedy.start = m.choices.top<uint32_t>();
+  m.choices.pop<uint32_t>();
+  return retryGreedy(m, greedy, quantifier, asForeseen);
+}
+
+// ---- Lazy repeats. While one goes on, its choice is the newest.
+
+namespace {
+
+// A lazy repeat of one byte looks for the literal that follows it before it tries anything, and places
+// without it cost no step. Whether that literal is itself optional is not asked.
+bool looksForLiteral(const MatchContext& m, const RxNode& item, const RxNode* next) {
+  if (codeOf(item) != RX_CHAR && codeOf(item) != RX_BYTE) return false;
+  return next != m.programEnd && codeOf(*next) == RX_CHAR && !(m.options & RX_OPT_CASELESS);
+}
+
+// The repeat has no choice left.
+ULK_INLINE Outcome failRepeat(MatchContext& m) {
+  m.choices.pop<LazyChoice>();
+  return fail(m);
+}
+
+// The bytes that a lazy repeat of one byte has taken stay counted when it finally fails: callers know the
+// lengths that come of it.
+ULK_INLINE Outcome failLazy(const RxNode& item, MatchContext& m) {
+  if (codeOf(item) == RX_CHAR) m.surplus += m.choices.top<LazyChoice>().count.number();
+  return failRepeat(m);
+}
+
+// The place behind one more item, null if there may be none or is none.
+const uint8_t* takeOneMore(const MatchContext& m, LazyChoice& choice, const RxNode& item, const uint8_t* at) {
+  if (choice.count.number() >= choice.most) return nullptr;
+  const int32_t length = itemLength(m, item, at);
+  if (length == kNoMatch) return nullptr;
+  choice.count += 1;
+  return at + length;
+}
+
+int32_t stillAllowed(const LazyChoice& choice) { return choice.most - choice.count.number(); }
+
+// Takes items of one byte as long as what follows cannot begin before them, and pays for the tries.
+const uint8_t* takeHopelessItems(MatchContext& m, LazyChoice& choice, const RxNode& item, const uint8_t* from,
+                                 const Follow& follow) {
+  const int32_t affordable = m.budget / follow.note.steps();
+  const int32_t most = std::min({stillAllowed(choice), m.remaining(from), affordable});
+  const uint8_t* const end = from + std::max(most, 0);
+  const uint8_t* at = from;
+  const auto take = [&](auto accepts) {
+    while (at < end && *at < 0x80 && !follow.admits(m, at) && accepts(*at)) ++at;
+  };
+  const Set128* const set = codeOf(item) == RX_CLASS ? classSet(item, m.options) : nullptr;
+  if (set) {
+    take([set](uint8_t byte) { return set->contains(byte); });
+  } else if (codeOf(item) == RX_CHARTYPE) {
+    const uint8_t wanted = byteSetOf(item, m.options);
+    take([wanted](uint8_t byte) { return inByteSet(byte, wanted); });
   }
-  const int32_t quantifier = choice.tag.node();
-  return retryGreedyWith(m, choice, choice.spare.flag() ? followOf(m, quantifier) : noFollow(m, quantifier));
+  const auto taken = static_cast<int32_t>(at - from);
+  choice.count += taken;
+  payForTries(m, follow, taken);
+  return at;
 }
 
-Next retryLazy(MatchContext& m) {
-  auto& choice = m.choices.top<LazyChoice>();
-  const int32_t node = choice.tag.node();
-  if (choice.count.flag() && !ulk::followOf(m, afterItem(m, node)).set) choice.count.setFlag(false);
-  m.moveTo(choice.at);
-  return takeOneMore(m, choice, m.nodes[node]) ? continueLazy(m, choice) : failLazy(m, choice);
+// Takes items of one byte up to the next place of the literal. Where they do not reach one, the place
+// returned is another.
+const uint8_t* takeToLiteral(const MatchContext& m, LazyChoice& choice, const RxNode& item, const uint8_t* at,
+                             int32_t literal) {
+  if (at < m.textEnd && *at == literal) return at;
+  const int32_t most = stillAllowed(choice);
+  Taken taken;
+  if (codeOf(item) == RX_CHAR) {
+    taken = takeItems(m, item, at, most);
+  } else {
+    const int32_t left = std::max(m.remaining(at), 0);
+    const int32_t found =
+        literal > 255 ? -1 : findUnit(at, std::min(left, most + 1), static_cast<uint8_t>(literal));
+    taken.count = found < 0 ? std::min(left, most) : found;
+    taken.end = at + taken.count;
+  }
+  choice.count += taken.count;
+  return taken.end;
 }
 
-Next retryLazyCodePoint(MatchContext& m) {
+// Without budget nothing can be tried any more; the items are still counted.
+Outcome exhaustLazy(const uint8_t* at, const RxNode& item, MatchContext& m) {
   auto& choice = m.choices.top<LazyChoice>();
-  m.moveTo(choice.at);
-  const Utf8Char character = characterFor(m, m.nodes[choice.tag.node()]);
-  return takeCharacter(m, choice, character) ? continueLazyCodePoint(m, choice) : failRepeat(m);
+  if (codeOf(item) == RX_CHAR) choice.count += takeItems(m, item, at, stillAllowed(choice)).count;
+  return failLazy(item, m);
 }
 
-Next retryLazyProperty(MatchContext& m) {
+// Tries what follows the repeat of the item at the present count, or at the next one where it may be tried
+// and can succeed.
+ULK_STEP continueLazy(const uint8_t* at, const RxNode* item, MatchContext& m) {
   auto& choice = m.choices.top<LazyChoice>();
-  m.moveTo(choice.at);
-  return takeCharacter(m, choice, decodeUtf8(m.at)) ? continueLazyProperty(m, choice) : failRepeat(m);
+  const RxNode* const quantifier = afterItem(item);
+  const RxNode* const next = quantifier + 1;
+  const Follow follow = choice.count.flag() ? followOf(m, *quantifier, m.options) : noFollow(*quantifier);
+  if (follow.set && m.budget > 0) at = takeHopelessItems(m, choice, *item, at, follow);
+  const bool looks = looksForLiteral(m, *item, next);
+  for (;;) {
+    if (m.budget < 0) return exhaustLazy(at, *item, m);
+    if (looks) {
+      at = takeToLiteral(m, choice, *item, at, next->op1);
+      if (at >= m.textEnd || *at != next->op1) return failLazy(*item, m);
+    }
+    if (!follow.excludes(m, at) || !canPay(m, follow, 1)) break;
+    payForTries(m, follow, 1);
+    const uint8_t* const behind = takeOneMore(m, choice, *item, at);
+    if (!behind) return failLazy(*item, m);
+    at = behind;
+  }
+  choice.at = m.offsetOf(at);
+  return goOnWithChoice(at, next, m);
+}
+
+// Takes the character at the position into a lazy repeat of code points or properties. False if the repeat
+// then has no choice left.
+bool takeCharacter(const MatchContext& m, LazyChoice& choice, const uint8_t* behind) {
+  choice.count += 1;
+  return choice.count.number() <= choice.most && behind <= m.textEnd;
+}
+
+// The character that a lazy code point looks at. Behind the end of the text no more is read than it takes to
+// tell whether it is that code point: nothing of several bytes is ASCII.
+Utf8Char characterFor(const MatchContext& m, const RxNode& item, const uint8_t* at) {
+  const bool isAscii = item.op1 >= 0 && item.op1 < 0x80 && !(m.options & RX_OPT_CASELESS);
+  if (isAscii && at == m.textEnd) return {static_cast<int8_t>(*at), 1};
+  return decodeUtf8(at);
+}
+
+// A lazy code point looks at the character first, also at the end of the text: one that differs makes the run
+// match as it stands, whatever follows in the program.
+ULK_STEP continueLazyCodePoint(const uint8_t* at, const RxNode* item, MatchContext& m) {
+  auto& choice = m.choices.top<LazyChoice>();
+  for (;;) {
+    const Utf8Char character = characterFor(m, *item, at);
+    if (!codePointAccepts(*item, character.value, m.options)) return runMatched(at, item, m);
+    if (m.budget >= 0) break;
+    at += character.length;
+    if (!takeCharacter(m, choice, at)) return failRepeat(m);
+  }
+  choice.at = m.offsetOf(at);
+  return goOnWithChoice(at, item + 2, m);
+}
+
+// A lazy property takes every character, but tries what follows only before one that has the property.
+ULK_STEP continueLazyProperty(const uint8_t* at, const RxNode* item, MatchContext& m) {
+  auto& choice = m.choices.top<LazyChoice>();
+  for (;;) {
+    const Utf8Char character = decodeUtf8(at);
+    if (m.budget < 0) return failRepeat(m);
+    if (propertyAccepts(*item, character.value)) break;
+    at += character.length;
+    if (!takeCharacter(m, choice, at)) return failRepeat(m);
+  }
+  choice.at = m.offsetOf(at);
+  return goOnWithChoice(at, item + 2, m);
+}
+
+}  // namespace
+
+ULK_STEP stepLazyItem(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  const RxNode* const quantifier = afterItem(node);
+  const int32_t least = quantifier->op1;
+  const int32_t most = std::min(quantifier->op2, m.remaining(at));
+  if (least > m.remaining(at)) return fail(m);
+  if (least > 0) {
+    const Taken required = takeItems(m, *node, at, least);
+    if (required.count < least) return fail(m);
+    at = required.end;
+  }
+  auto& choice = push<LazyChoice>(m, ChoiceKind::kLazy, at, node);
+  choice.most = most;
+  choice.count = {least, followOf(m, *quantifier, m.options).set != nullptr};
+  switch (codeOf(*node)) {
+    case RX_CODEPOINT:
+      choice.tag.setKind(ChoiceKind::kLazyCodePoint);
+      return at <= m.textEnd ? continueLazyCodePoint(at, node, m) : failRepeat(m);
+    case RX_CATEGORY:
+    case RX_UNIRANGE:
+    case RX_SCRIPT:
+      choice.tag.setKind(ChoiceKind::kLazyProperty);
+      return at <= m.textEnd ? continueLazyProperty(at, node, m) : failRepeat(m);
+    default:
+      return continueLazy(at, node, m);
+  }
+}
+
+Outcome retryLazy(MatchContext& m) {
+  auto& choice = m.choices.top<LazyChoice>();
+  const RxNode* const item = m.nodes + choice.tag.node();
+  if (choice.count.flag() && !followOf(m, *afterItem(item), m.options).set) choice.count.setFlag(false);
+  const uint8_t* const behind = takeOneMore(m, choice, *item, placeOf(m, choice.at));
+  return behind ? continueLazy(behind, item, m) : failLazy(*item, m);
+}
+
+Outcome retryLazyCodePoint(MatchContext& m) {
+  auto& choice = m.choices.top<LazyChoice>();
+  const RxNode* const item = m.nodes + choice.tag.node();
+  const uint8_t* const at = placeOf(m, choice.at);
+  const uint8_t* const behind = at + characterFor(m, *item, at).length;
+  return takeCharacter(m, choice, behind) ? continueLazyCodePoint(behind, item, m) : failRepeat(m);
+}
+
+Outcome retryLazyProperty(MatchContext& m) {
+  auto& choice = m.choices.top<LazyChoice>();
+  const RxNode* const item = m.nodes + choice.tag.node();
+  const uint8_t* const at = placeOf(m, choice.at);
+  const uint8_t* const behind = at + decodeUtf8(at).length;
+  return takeCharacter(m, choice, behind) ? continueLazyProperty(behind, item, m) : failRepeat(m);
 }
 
 }  // namespace ulk

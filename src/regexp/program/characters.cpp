@@ -10,7 +10,7 @@ bool codePointAccepts(const RxNode& node, int32_t codePoint, uint32_t options) {
 }
 
 bool propertyAccepts(const RxNode& node, int32_t codePoint) {
-  switch (node.code) {
+  switch (codeOf(node)) {
     case RX_CATEGORY:
       return acceptsCategory(codePoint, static_cast<uint32_t>(node.op1), node.op2 != 0);
     case RX_UNIRANGE:

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+#include "regexp/program/step.h"
 #include "regexp/text/options.h"
 
 namespace ulk {
@@ -16,7 +17,8 @@ enum RxCode : uint32_t {
   RX_STRING,             // op2 length (2 or more), text; op3 as RX_CHAR
   RX_BACKREF,            // op1 group number
   RX_CLASS,              // op1 negation (0 or -1), op2 number of member nodes that follow
-  RX_CHARTYPE,           // op1 one of . d D s S w W; op3 the negation of a class member
+  RX_CHARTYPE,           // op1 one of . d D s S w W; as an item op2, op3 see byteSetOf; as a class member
+                         //   op3 its negation
   RX_ASSERT,             // op1 one of ^ $ A B G Z b z, or kLeadingDotStar
   RX_ALT,                // op1 signed serial of the group, 0 at top level; op2 options in force at the bar
   RX_RANGE,              // class member: op1 low, op2 high, op3 negation
@@ -65,27 +67,34 @@ struct RxNode {
 };
 static_assert(sizeof(void*) != 4 || sizeof(RxNode) == 20);
 
+// How the node is run, which the analysis writes into its code.
+inline Step stepOf(const RxNode& node) { return static_cast<Step>(node.code >> 8 & 0xFF); }
+inline void setStep(RxNode& node, Step step) { node.code |= static_cast<uint32_t>(step) << 8; }
+inline RxCode codeOf(const RxNode& node) { return static_cast<RxCode>(node.code & ~0xFF00u); }
+
 inline bool isQuantifier(const RxNode& node) { return node.code == RX_REPEAT || node.code == RX_REPEAT_LAZY; }
-inline bool isGroupOpen(const RxNode& node) { return node.code >= RX_LOOKBEHIND && node.code <= RX_ATOMIC; }
+inline bool isGroupOpen(const RxNode& node) {
+  return codeOf(node) >= RX_LOOKBEHIND && codeOf(node) <= RX_ATOMIC;
+}
 inline bool isLookaround(const RxNode& node) {
-  return node.code >= RX_LOOKBEHIND && node.code <= RX_NLOOKAHEAD;
+  return codeOf(node) >= RX_LOOKBEHIND && codeOf(node) <= RX_NLOOKAHEAD;
 }
 
 // An item that takes one character or a string.
 inline bool isItem(const RxNode& node) {
-  return node.code < RX_ASSERT ? node.code != RX_BACKREF : node.code > RX_OPTIONS;
+  return codeOf(node) < RX_ASSERT ? codeOf(node) != RX_BACKREF : codeOf(node) > RX_OPTIONS;
 }
 
 // The index behind the item at `i`: a class counts with its members, a closed group with its body and end.
 inline int32_t nextItem(const RxNode* nodes, int32_t i) {
   const RxNode& node = nodes[i];
   if (isGroupOpen(node)) return i + node.op2 + 2;
-  return node.code == RX_CLASS ? i + node.op2 + 1 : i + 1;
+  return codeOf(node) == RX_CLASS ? i + node.op2 + 1 : i + 1;
 }
 
 // The options in force after the node, in the order of the pattern.
 inline uint32_t optionsAfter(const RxNode& node, uint32_t options) {
-  switch (node.code) {
+  switch (codeOf(node)) {
     case RX_OPTIONS:
       return static_cast<uint32_t>(node.op1);
     case RX_OPTGROUP:
@@ -96,6 +105,12 @@ inline uint32_t optionsAfter(const RxNode& node, uint32_t options) {
     default:
       return options;
   }
+}
+
+// The bit of kByteSets for an RX_CHARTYPE that is an item. The analysis keeps it in the node, that with the
+// option s beside it.
+inline uint8_t byteSetOf(const RxNode& item, uint32_t options) {
+  return static_cast<uint8_t>(options & RX_OPT_DOTALL ? item.op3 : item.op2);
 }
 
 // The bar that a bar or an open node is linked to, null if there is none.

@@ -62,6 +62,9 @@ struct StartPair {
   SmallSet second;     // one of these bytes,
   int32_t run;         // or so many more of the same set, if this is not 0
   int32_t extraSteps;  // what an attempt costs more that finds the first byte alone
+  // If there are several ways to begin, each with a literal: the first one, and the bar before the second.
+  int32_t firstLiteral;
+  int32_t literalBar;
 };
 
 // Where a match may begin (start_filter.h). "The set" is that in frame kStartSetFrame.
@@ -81,7 +84,7 @@ struct StartFilter {
   int32_t steps;          // that an attempt elsewhere costs
   int32_t boundarySteps;  // that it costs where there is no word boundary
   uint8_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
-  bool literals;    // there are several ways to begin, each with a literal
+  bool literals;    // there are several ways to begin, each with a literal, which the same frame tells
   bool hasPair;     // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
   SmallSet small;   // the set, where it is one
   int32_t item;     // the node of the one item that every match begins with, -1 if there are several

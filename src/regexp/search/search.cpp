@@ -26,7 +26,7 @@ int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, i
   if (state.trailingLiteral < 0) return length;
   const RxNode& literal = state.nodes()[state.trailingLiteral];
   const auto byte = static_cast<uint8_t>(literal.op1);
-  const bool isByte = literal.code == RX_CHAR;
+  const bool isByte = codeOf(literal) == RX_CHAR;
   const uint8_t* const bytes = isByte ? &byte : static_cast<const uint8_t*>(literal.text);
   const int32_t literalLength = isByte ? 1 : literal.op2;
   int32_t index = -1;
@@ -42,7 +42,7 @@ int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, i
 
 Anchor anchorOf(const ulkRegExpState& state) {
   const RxNode* const nodes = state.nodes();
-  if (state.numNodes == 0 || nodes[0].code != RX_ASSERT || startFilterOf(state).firstBar >= 0)
+  if (state.numNodes == 0 || codeOf(nodes[0]) != RX_ASSERT || startFilterOf(state).firstBar >= 0)
     return Anchor::kNone;
   const bool optional = state.numNodes > 1 && isQuantifier(nodes[1]) && nodes[1].op1 == 0;
   switch (nodes[0].op1) {
@@ -65,15 +65,13 @@ class Search {
         starts_(m_, state),
         anchor_(anchorOf(state)),
         end_(text + cutAtTrailingLiteral(state, text, length)) {
-    m_.node = 0;
-    m_.endNode = state.numNodes;
     m_.options = state.options & kMatcherOptions;
     m_.budget = state.matchLimit;
     m_.nonEmpty = false;
     m_.numCaptures = state.numCaptures;
-    m_.numNodes = state.numNodes;
     m_.textStart = text;
     m_.nodes = state.nodes();
+    m_.programEnd = m_.nodes + state.numNodes;
     m_.captures = state.captures;
     m_.frames = state.frames;
   }
@@ -88,7 +86,7 @@ class Search {
   ulkStatus findAll(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
   bool findFrom(const uint8_t* start, const uint8_t* end);
   bool matchAt(const uint8_t* start);
-  bool matchAlternative(int32_t first);
+  bool matchAlternative(const RxNode* first);
   const uint8_t* nextStart(const uint8_t* at) const;
   bool outOfBudget() const { return m_.budget < 0; }
   void copyCaptures(ulkRegExpFind* records, int32_t first, int32_t last);
@@ -112,28 +110,24 @@ const uint8_t* Search::nextStart(const uint8_t* at) const {
   return at + (state_.format == kFormatUtf8 ? decodeUtf8(at).length : 1);
 }
 
-bool Search::matchAlternative(int32_t first) {
-  m_.at = m_.matchStart;
-  m_.surplus.clear();
-  m_.node = first;
-  m_.run = kNoRun;
-  if (first < m_.numNodes && failsAtLiteral(m_, first)) {
+bool Search::matchAlternative(const RxNode* first) {
+  if (first != m_.programEnd && m_.budget >= 0 && failsAtLiteral(m_, first, m_.matchStart)) {
     --m_.budget;
     return false;
   }
-  return rxMatch(m_);
+  return rxMatch(m_, first);
 }
 
 // Tries the top-level alternatives at one position. Options that a failed try has changed stay in force.
 bool Search::matchAt(const uint8_t* start) {
   m_.matchStart = start;
   std::fill(state_.captures + 1, state_.captures + state_.numCaptures, CaptureSlot{nullptr, -1});
-  if (matchAlternative(0)) return true;
+  if (matchAlternative(m_.nodes)) return true;
   const int32_t firstBar = startFilterOf(state_).firstBar;
   const RxNode* bar = firstBar < 0 ? nullptr : m_.nodes + firstBar;
   for (; bar; bar = nextBar(*bar)) {
-    m_.setOptions(bar->op2);
-    if (matchAlternative(m_.indexOf(bar) + 1)) return true;
+    m_.options = static_cast<uint32_t>(bar->op2) & kMatcherOptions;
+    if (matchAlternative(bar + 1)) return true;
   }
   return false;
 }
@@ -144,7 +138,7 @@ bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
   for (const uint8_t* at = start; at <= end; at = nextStart(at)) {
     if (anchor_ == Anchor::kNone) at = starts_.next(at);
     if (at <= end && !outOfBudget() && matchAt(at)) {
-      state_.captures[0] = {at, m_.matchLength()};
+      state_.captures[0] = {at, m_.lengthTo(m_.at)};
       return true;
     }
     // Without budget no later start can match.

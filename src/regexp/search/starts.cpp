@@ -53,7 +53,6 @@ Starts::Starts(MatchContext& m, const ulkRegExpState& state)
       pair_(state.frames[kStartPairFrame].pair),
       stride_(strideOf(state, filter_)),
       beginsWithItem_(filter_.item >= 0 && !isQuantified(state, filter_.item)),
-      ways_(firstAlternatives(state.nodes(), state.numNodes, filter_.firstBar)),
       asciiEnd_(nullptr),
       runEnd_(nullptr),
       attemptsEnd_(nullptr) {}
@@ -186,8 +185,8 @@ const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) 
 
 // Whether none of the literals is at this place that a match begins with.
 bool Starts::lacksLiterals(const uint8_t* at) const {
-  if (itemLength(m_, m_.nodes[ways_.first], at) != kNoMatch) return false;
-  for (const RxNode* bar = ways_.firstBar; bar; bar = nextBar(*bar))
+  if (itemLength(m_, m_.nodes[pair_.firstLiteral], at) != kNoMatch) return false;
+  for (const RxNode* bar = m_.nodes + pair_.literalBar; bar; bar = nextBar(*bar))
     if (itemLength(m_, bar[1], at) != kNoMatch) return false;
   return true;
 }
@@ -196,12 +195,12 @@ bool Starts::lacksLiterals(const uint8_t* at) const {
 // further.
 int32_t Starts::stepsToMissingItem(const uint8_t* at) const {
   int32_t steps = filter_.steps;
-  for (int32_t node = filter_.item; isItem(m_.nodes[node]); ++steps) {
-    const int32_t next = afterItem(m_, node);
-    if (m_.hasQuantifier(next) || at > m_.textEnd) return 0;
-    const int32_t length = itemLength(m_, m_.nodes[node], at);
+  for (const RxNode* node = m_.nodes + filter_.item; isItem(*node); ++steps) {
+    const RxNode* const next = afterItem(node);
+    if (m_.isQuantified(next) || at > m_.textEnd) return 0;
+    const int32_t length = itemLength(m_, *node, at);
     if (length == kNoMatch) return steps;
-    if (next >= m_.numNodes) return 0;
+    if (next == m_.programEnd) return 0;
     at += length;
     node = next;
   }
@@ -220,7 +219,7 @@ int32_t Starts::hopelessSteps(const uint8_t* at) const {
 // when `at` is one of them; otherwise notes up to where there is something to try.
 const uint8_t* Starts::passRun(const uint8_t* at) {
   constexpr int64_t kPlenty = 1 << 17;  // the sum of the tries of so many attempts exhausts every budget
-  const Follow follow = followOf(m_, filter_.run);
+  const Follow follow = followOf(m_, m_.nodes[filter_.run], m_.options);
   if (at >= runEnd_) {
     runEnd_ = at;
     while (runEnd_ < m_.textEnd && *runEnd_ < 0x80 && set_.contains(*runEnd_)) ++runEnd_;

@@ -16,11 +16,16 @@ inline int32_t saturated(int64_t length) {
 // What the match length counts beyond the distance from the match's start; never negative.
 class Surplus {
  public:
-  void operator+=(int64_t bytes) { bytes_ = saturated(bytes_ + bytes); }
+  void operator+=(int64_t bytes) {
+    if (__builtin_add_overflow(bytes_, bytes, &bytes_)) bytes_ = INT32_MAX;
+  }
   void clear() { bytes_ = 0; }
 
   // The match length where the match reaches over `distance` bytes of text.
-  int32_t lengthOver(int64_t distance) const { return saturated(bytes_ + distance); }
+  int32_t lengthOver(int64_t distance) const {
+    int32_t length;
+    return __builtin_add_overflow(bytes_, distance, &length) ? INT32_MAX : length;
+  }
 
  private:
   int32_t bytes_ = 0;

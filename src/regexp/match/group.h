@@ -1,0 +1,34 @@
+// What the steps of groups have in common.
+#pragma once
+
+#include "regexp/match/items.h"
+#include "regexp/match/steps.h"
+
+namespace ulk {
+
+ULK_INLINE const RxNode* endOf(const RxNode* open) { return open + open->op2 + 1; }
+
+ULK_INLINE GroupFrame& frameOf(const MatchContext& m, const RxNode* open) {
+  return m.frames[open->op1].group;
+}
+
+// The node that opens the group of a bar, or the open node itself.
+ULK_INLINE const RxNode* openOf(const MatchContext& m, const RxNode* barOrOpen) {
+  return codeOf(*barOrOpen) == RX_ALT ? m.nodes + m.frames[barOrOpen->op1].group.openNode : barOrOpen;
+}
+
+// A slot as a choice remembers it.
+struct SavedSlot {
+  int32_t at;
+  int32_t length;  // -1: unset
+};
+
+ULK_INLINE SavedSlot saved(const MatchContext& m, const CaptureSlot& slot) {
+  return {slot.length < 0 ? 0 : static_cast<int32_t>(slot.start - m.textStart), slot.length};
+}
+
+ULK_INLINE CaptureSlot restored(const MatchContext& m, SavedSlot slot) {
+  return {slot.length < 0 ? nullptr : m.textStart + slot.at, slot.length};
+}
+
+}  // namespace ulk

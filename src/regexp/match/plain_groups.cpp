@@ -1,0 +1,136 @@
+// Plain groups: they match at most once, their bodies do not refer to them, and the program changes no
+// options (analysis/group_links.cpp). The open step remembers all there is to put back, and leaving the group
+// changes nothing that a choice within it could see.
+#include "regexp/match/group.h"
+
+namespace ulk {
+
+namespace {
+
+// Finds the first alternative, from the one after this bar or open node on, that a literal does not rule out,
+// and pays for those before it. Null if there is none.
+ULK_INLINE const RxNode* hopefulAlternative(MatchContext& m, const uint8_t* at, const RxNode* bar) {
+  while (bar && m.budget >= 0 && failsAtLiteral(m, bar + 1, at)) {
+    --m.budget;
+    bar = nextBar(*bar);
+  }
+  return bar;
+}
+
+// All alternatives have failed: goes on without the group where it may be left out.
+ULK_INLINE Outcome afterAll(const uint8_t* at, const RxNode* open, MatchContext& m) {
+  const RxNode* const next = endOf(open) + 1;
+  const bool optional = m.isQuantified(next) && next->code == RX_REPEAT && next->op1 < 1;
+  return optional ? goOn(at, next + 1, m) : fail(m);
+}
+
+ULK_INLINE Outcome enterPlain(const uint8_t* at, const RxNode* open, MatchContext& m) {
+  const RxNode* const first = hopefulAlternative(m, at, open);
+  if (first != open) m.surplus.clear();  // as behind any alternative that has failed
+  if (!first) return afterAll(at, open, m);
+  push<PlaceChoice>(m, ChoiceKind::kPlain, at, first);
+  return goOnWithChoice(at, first + 1, m);
+}
+
+ULK_INLINE Outcome enterCapture(const uint8_t* at, const RxNode* open, MatchContext& m) {
+  const RxNode* const first = hopefulAlternative(m, at, open);
+  if (first != open) m.surplus.clear();
+  if (!first) return afterAll(at, open, m);
+  CaptureSlot& slot = m.captures[open->op3];
+  GroupFrame& frame = frameOf(m, open);
+  const SavedSlot before = saved(m, slot);
+  auto& choice = push<PlainCaptureChoice>(m, ChoiceKind::kPlainCapture, at, first);
+  choice.captureAt = before.at;
+  choice.captureLength = before.length;
+  choice.remaining = frame.remainingAtIteration;
+  frame.remainingAtIteration = m.remaining(at);
+  slot = {at, 0};
+  return goOnWithChoice(at, first + 1, m);
+}
+
+ULK_INLINE Outcome enter(const uint8_t* at, const RxNode* open, MatchContext& m) {
+  return codeOf(*open) == RX_CAPTURE ? enterCapture(at, open, m) : enterPlain(at, open, m);
+}
+
+ULK_INLINE void setCapture(const uint8_t* at, const RxNode* open, MatchContext& m) {
+  const int32_t length = frameOf(m, open).remainingAtIteration - m.remaining(at);
+  m.captures[open->op3] = {at - length, length};
+}
+
+}  // namespace
+
+ULK_STEP stepOpenPassed(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  return goOn(at, node + 1, m);
+}
+
+ULK_STEP stepOpenPlain(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  return enterPlain(at, node, m);
+}
+
+ULK_STEP stepOpenCapture(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  return enterCapture(at, node, m);
+}
+
+ULK_STEP stepOpenQuantifiedPlain(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  const RxNode* const quantifier = endOf(node) + 1;
+  if (quantifier->op2 == 0) return goOn(at, quantifier + 1, m);
+  if (quantifier->code == RX_REPEAT || quantifier->op1 > 0) return enter(at, node, m);
+  push<PlaceChoice>(m, ChoiceKind::kPlainEnter, at, node);
+  return goOnWithChoice(at, quantifier + 1, m);
+}
+
+ULK_STEP stepEndPlain(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  return goOn(at, node + 1, m);
+}
+
+ULK_STEP stepEndCapture(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  setCapture(at, static_cast<const RxNode*>(node->text), m);
+  return goOn(at, node + 1, m);
+}
+
+ULK_STEP stepEndQuantifiedPlain(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  const auto* const open = static_cast<const RxNode*>(node->text);
+  if (codeOf(*open) == RX_CAPTURE) setCapture(at, open, m);
+  return goOn(at, node + 2, m);
+}
+
+// An alternative has failed.
+Outcome retryPlain(MatchContext& m) {
+  auto& choice = m.choices.top<PlaceChoice>();
+  const RxNode* const barOrOpen = m.nodes + choice.tag.node();
+  const uint8_t* const at = placeOf(m, choice.at);
+  m.surplus.clear();
+  if (const RxNode* const bar = hopefulAlternative(m, at, nextBar(*barOrOpen))) {
+    choice.tag.setNode(m.indexOf(bar));
+    return goOn(at, bar + 1, m);
+  }
+  m.choices.pop<PlaceChoice>();
+  return afterAll(at, openOf(m, barOrOpen), m);
+}
+
+Outcome retryPlainCapture(MatchContext& m) {
+  auto& choice = m.choices.top<PlainCaptureChoice>();
+  const RxNode* const barOrOpen = m.nodes + choice.tag.node();
+  const uint8_t* const at = placeOf(m, choice.at);
+  m.surplus.clear();
+  if (const RxNode* const bar = hopefulAlternative(m, at, nextBar(*barOrOpen))) {
+    choice.tag.setNode(m.indexOf(bar));
+    return goOn(at, bar + 1, m);
+  }
+  const RxNode* const open = openOf(m, barOrOpen);
+  frameOf(m, open).remainingAtIteration = choice.remaining;
+  m.captures[open->op3] = restored(m, {choice.captureAt, choice.captureLength});
+  m.choices.pop<PlainCaptureChoice>();
+  return afterAll(at, open, m);
+}
+
+// What a lazy group tries first, going on behind it, has failed.
+Outcome retryPlainEnter(MatchContext& m) {
+  const auto& choice = m.choices.top<PlaceChoice>();
+  const uint8_t* const at = placeOf(m, choice.at);
+  const RxNode* const open = m.nodes + choice.tag.node();
+  m.choices.pop<PlaceChoice>();
+  return enter(at, open, m);
+}
+
+}  // namespace ulk
