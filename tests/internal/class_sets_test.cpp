@@ -42,7 +42,7 @@ std::vector<int32_t> codePoints() {
 // The first class of a program.
 const RxNode& headerIn(const ulkRegExpState& state) {
   const RxNode* node = state.nodes();
-  while (node->code != RX_CLASS) ++node;
+  while (codeOf(*node) != RX_CLASS) ++node;
   return *node;
 }
 

@@ -94,20 +94,20 @@ void expectSound(Compiled& compiled) {
   for (int32_t i = 0; i < state.numNodes; ++i) {
     const RxNode& node = nodes[i];
     ASSERT_LT(i, ends.back() + 1);
-    if (node.code == RX_CLASS) {
+    if (codeOf(node) == RX_CLASS) {
       i += node.op2;
     } else if (isGroupOpen(node)) {
       ends.push_back(i + node.op2 + 1);
       ASSERT_LT(ends.back(), ends[ends.size() - 2]);
       ASSERT_EQ(nodes[ends.back()].op1, node.op1);
-    } else if (node.code == RX_END) {
+    } else if (codeOf(node) == RX_END) {
       ASSERT_EQ(ends.back(), i);
       ends.pop_back();
     } else if (isQuantifier(node)) {
       ASSERT_TRUE(i > 0 && node.op1 >= 0 && node.op1 <= node.op2);
       const RxNode& before = nodes[i - 1];
-      ASSERT_FALSE(isQuantifier(before) || before.code == RX_ALT || before.code == RX_STRING ||
-                   before.code == RX_OPTIONS || isGroupOpen(before));
+      ASSERT_FALSE(isQuantifier(before) || codeOf(before) == RX_ALT || codeOf(before) == RX_STRING ||
+                   codeOf(before) == RX_OPTIONS || isGroupOpen(before));
     }
   }
   ASSERT_EQ(ends.size(), 1u);

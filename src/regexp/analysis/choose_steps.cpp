@@ -49,6 +49,8 @@ Step StepChooser::item(int32_t index) const {
     case RX_CHAR:
       if (changesOptions_) return Step::kItem;
       return (options_ & RX_OPT_CASELESS) && isAsciiLetter(node.op1) ? Step::kLetter : Step::kByte;
+    case RX_STRING:
+      return changesOptions_ || (options_ & RX_OPT_CASELESS) ? Step::kItem : Step::kString;
     case RX_CHARTYPE:
       return Step::kShorthand;
     case RX_CLASS:

@@ -198,6 +198,9 @@ class Choices {
     tag() = {ChoiceKind::kBottom, 0};
   }
 
+  // Takes back all of them.
+  void clear() { top_ = memory_ + sizeof(ChoiceTag); }
+
   // Goes on in a larger memory.
   void moveTo(std::byte* memory, size_t size) {
     const std::byte* const before = memory_;

@@ -108,10 +108,11 @@ ULK_INLINE Outcome runAlternative(const uint8_t* at, MatchContext& m, const RxNo
   return goOnWithChoice(at, first, m);
 }
 
-Outcome enterConditional(const uint8_t* at, const RxNode* open, MatchContext& m) {
-  const RxNode* const condition = open + 1;
+ULK_STEP enterConditional(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  const RxNode* const condition = node + 1;
   if (codeOf(*condition) != RX_BACKREF) return runCondition(at, condition, m);
-  return branch(at, m, condition->op1 < m.numCaptures && m.captures[condition->op1].length != -1);
+  const bool holds = condition->op1 < m.numCaptures && m.captures[condition->op1].length != -1;
+  return holds ? conditionHolds(at, node, m) : conditionFails(at, node, m);
 }
 
 // Runs the first alternative, or the branch that a conditional's condition chooses.
@@ -121,7 +122,7 @@ ULK_INLINE Outcome enterBody(const uint8_t* at, const RxNode* open, MatchContext
 }
 
 // Passes over a group that is to be matched no times.
-Outcome passOver(const uint8_t* at, const Group& group, MatchContext& m) {
+ULK_INLINE Outcome passOver(const uint8_t* at, const Group& group, MatchContext& m) {
   auto& choice = m.choices.push<OptionsChoice>();
   choice.options = m.options;
   choice.tag = {ChoiceKind::kOptions, 0};
@@ -181,20 +182,21 @@ ULK_STEP stepOptions(const uint8_t* at, const RxNode* node, MatchContext& m) {
   return goOn(at, node + 1, m);
 }
 
+ULK_STEP conditionHolds(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  const RxNode* const condition = node + 1;
+  const RxNode* const first = condition + (isLookaround(*condition) ? condition->op2 + 2 : 1);
+  return runAlternative(at, m, node, first);
+}
+
 // Without a second branch, a condition that does not hold passes over the group, whose end is not reached.
-Outcome branch(const uint8_t* at, MatchContext& m, bool conditionHolds) {
-  ChoiceTag& tag = m.choices.tag();
-  const RxNode* const open = m.nodes + tag.node();
-  const RxNode* const condition = open + 1;
-  if (conditionHolds)
-    return runAlternative(at, m, open, condition + (isLookaround(*condition) ? condition->op2 + 2 : 1));
-  const RxNode* const bar = nextBar(*open);
+ULK_STEP conditionFails(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  const RxNode* const bar = nextBar(*node);
   if (!bar) {
-    tag.setKind(ChoiceKind::kLeft);
-    return goOnWithChoice(at, groupAt(m, open).next, m);
+    m.choices.tag().setKind(ChoiceKind::kLeft);
+    return goOnWithChoice(at, groupAt(m, node).next, m);
   }
   m.setOptions(bar->op2);
-  return runAlternative(at, m, open, bar + 1);
+  return runAlternative(at, m, node, bar + 1);
 }
 
 // What a lazy group tries first, going on behind it, has failed.

@@ -139,6 +139,13 @@ ULK_STEP stepByte(const uint8_t* at, const RxNode* node, MatchContext& m) {
   return at < m.textEnd && *at == node->op1 ? goOn(at + 1, node + 1, m) : fail(m);
 }
 
+ULK_STEP stepString(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  const auto* const text = static_cast<const uint8_t*>(node->text);
+  if (node->op2 > m.remaining(at) || *at != *text) return fail(m);
+  if (std::memcmp(at, text, static_cast<size_t>(node->op2)) != 0) return fail(m);
+  return goOn(at + node->op2, node + 1, m);
+}
+
 ULK_STEP stepLetter(const uint8_t* at, const RxNode* node, MatchContext& m) {
   return at < m.textEnd && (*at | 0x20) == (node->op1 | 0x20) ? goOn(at + 1, node + 1, m) : fail(m);
 }

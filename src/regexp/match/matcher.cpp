@@ -20,6 +20,7 @@ constexpr auto kSteps = [] {
   const auto set = [&](Step step, StepFunction function) { steps[static_cast<size_t>(step)] = function; };
   set(Step::kNone, stepNone);
   set(Step::kByte, stepByte);
+  set(Step::kString, stepString);
   set(Step::kLetter, stepLetter);
   set(Step::kShorthand, stepShorthand);
   set(Step::kClass, stepClass);
@@ -90,8 +91,7 @@ constexpr auto kRetries = [] {
 // A step leaves one choice of 28 bytes at most, and a run's larger one is dropped when the run ends; runs
 // nest at most as deep as groups do. So within the default limit the memory suffices; a search with a higher
 // limit that comes to the end of it is out of budget.
-constexpr size_t kShallow = 2048;
-constexpr size_t kDefault = size_t{kDefaultMatchLimit} * 28 + kMaxDepth * kLargestChoice + kShallow;
+constexpr size_t kDefault = size_t{kDefaultMatchLimit} * 28 + kMaxDepth * kLargestChoice + kSearchChoices;
 constexpr size_t kDeep = size_t{800} << 10;
 
 // Goes on with that much memory. It stays in the frame of this one function, so that the ordinary search
@@ -106,21 +106,41 @@ __attribute__((noinline)) Outcome goOnIn(MatchContext& m) {
   return fail(m);
 }
 
+// What is left to do when an attempt has not simply failed.
+__attribute__((noinline)) bool finish(MatchContext& m, Outcome outcome) {
+  if (outcome == Outcome::kOutOfChoices) {
+    const Choices before = m.choices;
+    outcome = m.budget <= kDefaultMatchLimit ? goOnIn<kDefault>(m) : goOnIn<kDeep>(m);
+    m.choices = before;
+  }
+  m.choices.clear();
+  m.runEnd = m.programEnd;
+  m.run = kNoRun;
+  return outcome == Outcome::kMatch;
+}
+
 }  // namespace
 
-bool rxMatch(MatchContext& m, const RxNode* first) {
-  alignas(RunChoice) std::byte memory[kShallow];
-  m.choices.use(memory, kShallow);
+void prepareMatcher(MatchContext& m, ulkRegExpState& state, std::byte* memory) {
+  m.nodes = state.nodes();
+  m.programEnd = m.nodes + state.numNodes;
+  m.captures = state.captures;
+  m.frames = state.frames;
+  m.numCaptures = state.numCaptures;
+  m.nonEmpty = false;
+  m.runEnd = m.programEnd;
+  m.run = kNoRun;
+  m.choices.use(memory, kSearchChoices);
   m.steps = kSteps.data();
   m.retries = kRetries.data();
   m.byteSets = kByteSets.data();
+}
+
+// An attempt that fails leaves the context as it was: no choices, and no run within the program's.
+bool rxMatch(MatchContext& m, const RxNode* first) {
   m.surplus.clear();
-  m.runEnd = m.programEnd;
-  m.run = kNoRun;
-  Outcome outcome = goOn(m.matchStart, first, m);
-  if (outcome == Outcome::kOutOfChoices)
-    outcome = m.budget <= kDefaultMatchLimit ? goOnIn<kDefault>(m) : goOnIn<kDeep>(m);
-  return outcome == Outcome::kMatch;
+  const Outcome outcome = goOn(m.matchStart, first, m);
+  return outcome == Outcome::kNoMatch ? false : finish(m, outcome);
 }
 
 }  // namespace ulk

@@ -11,6 +11,7 @@
 // on the number of its steps alone.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "regexp/match/choices.h"
@@ -79,6 +80,12 @@ struct MatchContext {
   // the surplus.
   int32_t lengthTo(const uint8_t* end) const { return surplus.lengthOver(end - matchStart); }
 };
+
+// The stack of choices that every search has; one that needs more finds it by itself.
+inline constexpr size_t kSearchChoices = 2048;
+
+// Prepares a context for attempts, whose text and options the caller sets. `memory` has kSearchChoices bytes.
+void prepareMatcher(MatchContext& m, ulkRegExpState& state, std::byte* memory);
 
 // Runs the program from `first` on at m.matchStart. True for a match, which ends at m.at.
 bool rxMatch(MatchContext& m, const RxNode* first);

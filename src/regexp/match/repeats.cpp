@@ -9,6 +9,7 @@
 #include "regexp/match/follow.h"
 #include "regexp/match/items.h"
 #include "regexp/match/steps.h"
+#include "regexp/match/take.h"
 #include "unicode/unicode.h"
 
 namespace ulk {
@@ -118,14 +119,10 @@ ULK_INLINE Outcome tryAll(const RxNode* quantifier, MatchContext& m, Greedy gree
   return tryBehind(quantifier, m, greedy, follow.set != nullptr);
 }
 
-// Takes the items of the node at `at`, which are bytes below 0x80 that `accepts` tells of; where there are
-// others, the general step takes them.
-template <class Accepts>
-ULK_INLINE Outcome takeBytes(const uint8_t* at, const RxNode* node, const RxNode* quantifier, MatchContext& m,
-                             Accepts accepts) {
-  const uint8_t* const end = at + std::min(quantifier->op2, m.remaining(at));
-  const uint8_t* behind = at;
-  while (behind < end && *behind < 0x80 && accepts(*behind)) ++behind;
+// Goes on behind the bytes that the items of the node are; where there are others, the general step takes
+// them.
+ULK_INLINE Outcome tryBytes(const uint8_t* at, const RxNode* node, const RxNode* quantifier, MatchContext& m,
+                            const uint8_t* behind, const uint8_t* end) {
   if (behind < end && *behind >= 0x80) return stepGreedyItem(at, node, m);
   const auto spare = static_cast<int32_t>(behind - at) - quantifier->op1;
   if (spare < 0) return fail(m);
@@ -147,14 +144,15 @@ ChoiceKind greedyKind(const RxNode& item, bool bytes) {
 }  // namespace
 
 ULK_STEP stepGreedyShorthand(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  const uint8_t wanted = byteSetOf(*node, m.options);
-  const uint8_t* const sets = m.byteSets;
-  return takeBytes(at, node, node + 1, m, [=](uint8_t byte) { return (sets[byte] & wanted) != 0; });
+  const RxNode* const quantifier = node + 1;
+  const uint8_t* const end = at + std::min(quantifier->op2, m.remaining(at));
+  return tryBytes(at, node, quantifier, m, behindShorthand(m, *node, at, end), end);
 }
 
 ULK_STEP stepGreedyClass(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  const auto* const set = static_cast<const Set128*>(node->text);
-  return takeBytes(at, node, node + node->op2 + 1, m, [=](uint8_t byte) { return set->contains(byte); });
+  const RxNode* const quantifier = node + node->op2 + 1;
+  const uint8_t* const end = at + std::min(quantifier->op2, m.remaining(at));
+  return tryBytes(at, node, quantifier, m, behindClass(*node, at, end), end);
 }
 
 ULK_STEP stepGreedyItem(const uint8_t* at, const RxNode* node, MatchContext& m) {
@@ -280,7 +278,7 @@ const uint8_t* takeToLiteral(const MatchContext& m, LazyChoice& choice, const Rx
 }
 
 // Without budget nothing can be tried any more; the items are still counted.
-Outcome exhaustLazy(const uint8_t* at, const RxNode& item, MatchContext& m) {
+ULK_INLINE Outcome exhaustLazy(const uint8_t* at, const RxNode& item, MatchContext& m) {
   auto& choice = m.choices.top<LazyChoice>();
   if (codeOf(item) == RX_CHAR) choice.count += takeItems(m, item, at, stillAllowed(choice)).count;
   return failLazy(item, m);

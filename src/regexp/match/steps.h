@@ -55,6 +55,7 @@ ULK_INLINE const uint8_t* placeOf(const MatchContext& m, uint32_t offset) { retu
 
 // items.cpp
 ULK_STEP stepByte(const uint8_t* at, const RxNode* node, MatchContext& m);
+ULK_STEP stepString(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepLetter(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepShorthand(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepClass(const uint8_t* at, const RxNode* node, MatchContext& m);
@@ -98,8 +99,9 @@ Outcome retryAlternative(MatchContext& m);
 Outcome retryLazyLeave(MatchContext& m);
 Outcome retryLeft(MatchContext& m);
 Outcome retryOptions(MatchContext& m);
-// Takes the branch of the conditional whose choice is the newest one.
-Outcome branch(const uint8_t* at, MatchContext& m, bool conditionHolds);
+// Take a branch of the conditional at `node`, whose choice is the newest one.
+ULK_STEP conditionHolds(const uint8_t* at, const RxNode* node, MatchContext& m);
+ULK_STEP conditionFails(const uint8_t* at, const RxNode* node, MatchContext& m);
 
 // subruns.cpp
 ULK_STEP stepLookahead(const uint8_t* at, const RxNode* node, MatchContext& m);
@@ -109,7 +111,7 @@ ULK_STEP stepLookbehindItems(const uint8_t* at, const RxNode* node, MatchContext
 ULK_STEP stepAtomic(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepAtomicRepeat(const uint8_t* at, const RxNode* node, MatchContext& m);
 // Runs the lookaround that is the condition of the conditional whose choice is the newest one.
-Outcome runCondition(const uint8_t* at, const RxNode* lookaround, MatchContext& m);
+ULK_STEP runCondition(const uint8_t* at, const RxNode* lookaround, MatchContext& m);
 Outcome retryLookaround(MatchContext& m);
 Outcome retryCondition(MatchContext& m);
 Outcome retryAtomic(MatchContext& m);

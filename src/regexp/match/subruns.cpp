@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "regexp/match/group.h"
+#include "regexp/match/take.h"
 #include "regexp/text/utf8.h"
 
 namespace ulk {
@@ -76,6 +77,27 @@ ULK_INLINE Outcome runLookaround(const uint8_t* at, const RxNode* node, MatchCon
   return goOnWithChoice(bodyAt, node + 1, m);
 }
 
+// As itemLength, but quick for what lookarounds mostly look for.
+ULK_INLINE int32_t lengthInPlace(const MatchContext& m, const RxNode* node, const uint8_t* at) {
+  if (at >= m.textEnd) return kNoMatch;
+  switch (stepOf(*node)) {
+    case Step::kByte:
+      return *at == node->op1 ? 1 : kNoMatch;
+    case Step::kString:
+      if (*at != *static_cast<const uint8_t*>(node->text)) return kNoMatch;
+      break;
+    case Step::kShorthand:
+      if (!(m.byteSets[*at] & byteSetOf(*node, m.options))) return kNoMatch;
+      break;
+    case Step::kClass:
+      if (*at < 0x80) return static_cast<const Set128*>(node->text)->contains(*at) ? 1 : kNoMatch;
+      break;
+    default:
+      break;
+  }
+  return itemLength(m, *node, at);
+}
+
 // Whether a row of items matches, each of which is a step. A bar at its end is one as well.
 bool itemsMatch(const uint8_t* at, const RxNode* node, MatchContext& m) {
   for (;;) {
@@ -84,7 +106,7 @@ bool itemsMatch(const uint8_t* at, const RxNode* node, MatchContext& m) {
     if (at > m.textEnd) return false;
     --m.budget;
     if (codeOf(*node) == RX_ALT) return true;
-    const int32_t length = itemLength(m, *node, at);
+    const int32_t length = lengthInPlace(m, node, at);
     if (length == kNoMatch) return false;
     at += length;
     node = afterItem(node);
@@ -114,9 +136,10 @@ const uint8_t* characterBefore(const MatchContext& m, const uint8_t* at) {
 
 // The place `width` characters back, or as many bytes back where there are fewer characters.
 const uint8_t* lookbehindStart(const MatchContext& m, const uint8_t* const from, int32_t width) {
+  const int32_t full = width;
   const uint8_t* at = from;
-  for (int32_t i = 0; i < width; ++i) {
-    if (at == m.textStart) return from - width;
+  for (; width > 0; --width) {
+    if (at == m.textStart) return from - full;
     at = at[-1] < 0x80 ? at - 1 : characterBefore(m, at);
   }
   return at;
@@ -152,13 +175,14 @@ ULK_INLINE Outcome greedyIteration(const uint8_t* at, const RxNode* node, MatchC
   return goOnWithChoice(at, node + 1, m);
 }
 
-Outcome lazyIteration(const uint8_t* at, const RxNode* node, MatchContext& m, int32_t minLeft,
-                      int32_t maxLeft) {
+ULK_INLINE Outcome lazyIteration(const uint8_t* at, const RxNode* node, MatchContext& m, int32_t minLeft,
+                                 int32_t maxLeft) {
   return maxLeft < 1 ? fail(m) : greedyIteration(at, node, m, minLeft, maxLeft);
 }
 
 // Goes on after the group first if it has been matched often enough.
-Outcome lazyTurn(const uint8_t* at, const RxNode* node, MatchContext& m, int32_t minLeft, int32_t maxLeft) {
+ULK_INLINE Outcome lazyTurn(const uint8_t* at, const RxNode* node, MatchContext& m, int32_t minLeft,
+                            int32_t maxLeft) {
   if (minLeft > 0) return lazyIteration(at, node, m, minLeft, maxLeft);
   auto& choice = push<AtomicChoice>(m, ChoiceKind::kAtomicLazy, at, node);
   choice.minLeft = minLeft;
@@ -219,7 +243,7 @@ ULK_STEP stepLookbehindItems(const uint8_t* at, const RxNode* node, MatchContext
   return lookaroundInPlace(at, node, m, lookbehindStart(m, at, node->op3));
 }
 
-Outcome runCondition(const uint8_t* at, const RxNode* lookaround, MatchContext& m) {
+ULK_STEP runCondition(const uint8_t* at, const RxNode* lookaround, MatchContext& m) {
   startRun(at, lookaround, m, ChoiceKind::kCondition, lookaround, endOf(lookaround) + 1, at);
   return goOnWithChoice(at, lookaround, m);
 }
@@ -231,7 +255,10 @@ Outcome retryLookaround(MatchContext& m) {
   return assertLookaround(placeOf(m, choice.at), node, m, isNegative(*node));
 }
 
-Outcome retryCondition(MatchContext& m) { return branch(placeOf(m, endRun(m).at), m, false); }
+Outcome retryCondition(MatchContext& m) {
+  const uint8_t* const at = placeOf(m, endRun(m).at);
+  return conditionFails(at, m.nodes + m.choices.tag().node(), m);
+}
 
 ULK_STEP stepAtomic(const uint8_t* at, const RxNode* node, MatchContext& m) {
   const Atomic group = atomicAt(m, node);
@@ -251,10 +278,8 @@ ULK_STEP stepAtomicRepeat(const uint8_t* at, const RxNode* node, MatchContext& m
     return fail(m);
   }
   --m.budget;
-  const int32_t most = std::min(quantifier.op2, m.remaining(at));
-  const Taken taken = takeItems(m, *item, at, std::max(quantifier.op1, most));
-  if (taken.count < quantifier.op1) return fail(m);
-  return goOn(taken.end, endOf(node) + 1, m);
+  const Taken taken = takeAll(m, item, quantifier, at);
+  return taken.count < quantifier.op1 ? fail(m) : goOn(taken.end, endOf(node) + 1, m);
 }
 
 Outcome retryAtomic(MatchContext& m) {
@@ -306,8 +331,10 @@ ULK_STEP runMatched(const uint8_t* at, const RxNode*, MatchContext& m) {
   switch (m.choices.at<RunChoice>(m.run).tag.kind()) {
     case ChoiceKind::kAtomic:
       return leaveAtomic(at, m);
-    case ChoiceKind::kCondition:
-      return branch(placeOf(m, endRun(m).at), m, true);
+    case ChoiceKind::kCondition: {
+      const uint8_t* const place = placeOf(m, endRun(m).at);
+      return conditionHolds(place, m.nodes + m.choices.tag().node(), m);
+    }
     default: {
       const RunChoice& choice = endRun(m);
       const RxNode* const node = m.nodes + choice.tag.node();

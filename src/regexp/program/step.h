@@ -10,6 +10,7 @@ enum class Step : uint8_t {
   kNone,  // no step of its own: quantifiers and class members
   // Items that are not quantified
   kByte,
+  kString,  // that options do not change
   kLetter,  // a byte that matches in both cases
   kShorthand,
   kClass,

@@ -64,16 +64,12 @@ class Search {
       : state_(state),
         starts_(m_, state),
         anchor_(anchorOf(state)),
+        firstBar_(startFilterOf(state).firstBar),
         end_(text + cutAtTrailingLiteral(state, text, length)) {
+    prepareMatcher(m_, state, choices_);
+    m_.textStart = text;
     m_.options = state.options & kMatcherOptions;
     m_.budget = state.matchLimit;
-    m_.nonEmpty = false;
-    m_.numCaptures = state.numCaptures;
-    m_.textStart = text;
-    m_.nodes = state.nodes();
-    m_.programEnd = m_.nodes + state.numNodes;
-    m_.captures = state.captures;
-    m_.frames = state.frames;
   }
 
   ulkStatus find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
@@ -86,7 +82,7 @@ class Search {
   ulkStatus findAll(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
   bool findFrom(const uint8_t* start, const uint8_t* end);
   bool matchAt(const uint8_t* start);
-  bool matchAlternative(const RxNode* first);
+  bool matchFurtherAlternative();
   const uint8_t* nextStart(const uint8_t* at) const;
   bool outOfBudget() const { return m_.budget < 0; }
   void copyCaptures(ulkRegExpFind* records, int32_t first, int32_t last);
@@ -95,8 +91,10 @@ class Search {
   MatchContext m_;
   Starts starts_;
   const Anchor anchor_;
+  const int32_t firstBar_;  // at top level, -1 without one
   const uint8_t* const end_;
   int32_t numWritten_ = 0;
+  alignas(RunChoice) std::byte choices_[kSearchChoices];
 };
 
 // The character after the one at `at`; with a line anchor, the next line start. Beyond the end if there is
@@ -107,29 +105,26 @@ const uint8_t* Search::nextStart(const uint8_t* at) const {
     const int32_t newline = findUnit(at, static_cast<int32_t>(m_.textEnd - at), static_cast<uint8_t>('\n'));
     return newline < 0 ? m_.textEnd + 1 : at + newline + 1;
   }
-  return at + (state_.format == kFormatUtf8 ? decodeUtf8(at).length : 1);
+  return *at < 0x80 || state_.format != kFormatUtf8 ? at + 1 : at + decodeMultibyte(at).length;
 }
 
-bool Search::matchAlternative(const RxNode* first) {
-  if (first != m_.programEnd && m_.budget >= 0 && failsAtLiteral(m_, first, m_.matchStart)) {
-    --m_.budget;
-    return false;
-  }
-  return rxMatch(m_, first);
-}
-
-// Tries the top-level alternatives at one position. Options that a failed try has changed stay in force.
-bool Search::matchAt(const uint8_t* start) {
-  m_.matchStart = start;
-  std::fill(state_.captures + 1, state_.captures + state_.numCaptures, CaptureSlot{nullptr, -1});
-  if (matchAlternative(m_.nodes)) return true;
-  const int32_t firstBar = startFilterOf(state_).firstBar;
-  const RxNode* bar = firstBar < 0 ? nullptr : m_.nodes + firstBar;
-  for (; bar; bar = nextBar(*bar)) {
-    m_.options = static_cast<uint32_t>(bar->op2) & kMatcherOptions;
-    if (matchAlternative(bar + 1)) return true;
+// Tries the top-level alternatives behind the first one. Options that a failed try has changed stay in force.
+bool Search::matchFurtherAlternative() {
+  for (const RxNode* bar = m_.nodes + firstBar_; bar; bar = nextBar(*bar)) {
+    m_.setOptions(bar->op2);
+    if (m_.budget >= 0 && bar + 1 != m_.programEnd && failsAtLiteral(m_, bar + 1, m_.matchStart)) {
+      --m_.budget;
+    } else if (rxMatch(m_, bar + 1)) {
+      return true;
+    }
   }
   return false;
+}
+
+bool Search::matchAt(const uint8_t* start) {
+  m_.matchStart = start;
+  for (int32_t i = 1; i < state_.numCaptures; ++i) state_.captures[i] = {nullptr, -1};
+  return rxMatch(m_, m_.nodes) || (firstBar_ >= 0 && matchFurtherAlternative());
 }
 
 // Finds the first match that begins at `start` or later in a text that ends at `end`.
