@@ -31,16 +31,16 @@ std::string letters(int32_t options) {
 
 std::string string(const RxNode& node) {
   std::string text;
-  const auto* const bytes = static_cast<const uint8_t*>(node.text);
-  for (int32_t i = 0; i < node.op2; ++i) text += bytes[i] == ' ' ? " " : character(bytes[i]);
+  const uint8_t* const bytes = stringOf(node);
+  for (int32_t i = 0; i < stringLength(node); ++i) text += bytes[i] == ' ' ? " " : character(bytes[i]);
   return "\"" + text + "\"";
 }
 
 bool isNegated(const RxNode& node, bool member) {
-  if (codeOf(node) == RX_CATEGORY || codeOf(node) == RX_SCRIPT) return node.op2 != 0;
-  const bool canBe =
-      codeOf(node) == RX_CHAR || codeOf(node) == RX_RANGE || codeOf(node) == RX_CHARTYPE || codeOf(node) == RX_CODEPOINT;
-  return (codeOf(node) == RX_UNIRANGE || (member && canBe)) && node.op3 != 0;
+  if (codeOf(node) == RX_CATEGORY || codeOf(node) == RX_SCRIPT) return propertyNegation(node) != 0;
+  const bool canBe = codeOf(node) == RX_CHAR || codeOf(node) == RX_RANGE || codeOf(node) == RX_CHARTYPE ||
+                     codeOf(node) == RX_CODEPOINT;
+  return (codeOf(node) == RX_UNIRANGE || (member && canBe)) && memberNegation(node) != 0;
 }
 
 std::string optionSuffix(int32_t options) { return options ? "," + letters(options) : ""; }
@@ -51,16 +51,16 @@ std::string field(char form, const RxNode& node) {
   return form == '1'   ? number(node.op1)
          : form == '2' ? number(node.op2)
          : form == '3' ? number(node.op3)
-         : form == 'A' ? (node.op1 == kLeadingDotStar ? "dotstar" : character(node.op1))
+         : form == 'A' ? (assertionOf(node) == kLeadingDotStar ? "dotstar" : character(node.op1))
          : form == 'B' ? character(node.op2)
-         : form == 'E' ? (node.op3 ? "=" + number(node.op3) : "")
-         : form == 'G' ? letters(node.op3)
-         : form == 'H' ? format("%X", static_cast<unsigned>(node.op1))
-         : form == 'M' ? (node.op2 == kUnbounded ? "*" : number(node.op2))
-         : form == 'O' ? letters(node.op1)
-         : form == 'P' ? optionSuffix(node.op2)
+         : form == 'E' ? (repeatMark(node) ? "=" + number(repeatMark(node)) : "")
+         : form == 'G' ? letters(optionsInside(node))
+         : form == 'H' ? format("%X", static_cast<unsigned>(categoryMask(node)))
+         : form == 'M' ? (maxOf(node) == kUnbounded ? "*" : number(maxOf(node)))
+         : form == 'O' ? letters(newOptions(node))
+         : form == 'P' ? optionSuffix(optionsBehind(node))
          : form == 'Q' ? (node.op2 ? "?" : "")
-         : form == 'S' ? format("%X", static_cast<const CodePointRange*>(node.text)->first)
+         : form == 'S' ? format("%X", rangesOf(node)->first)
          : form == 'T' ? string(node)
                        : std::string(1, form);
 }
@@ -98,7 +98,8 @@ const struct {
 std::string word(const RxNode& node) {
   std::string text;
   for (const auto& known : kWords)
-    for (const char* form = known.form; known.code == codeOf(node) && *form; ++form) text += field(*form, node);
+    for (const char* form = known.form; known.code == codeOf(node) && *form; ++form)
+      text += field(*form, node);
   return text.empty() ? format("?%X", codeOf(node)) : text;
 }
 
@@ -107,8 +108,8 @@ std::string item(const RxNode& node, bool member) {
 }
 
 std::string bracketClass(const RxNode* header) {
-  std::string text = header->op1 ? "class^[" : "class[";
-  for (int32_t i = 1; i <= header->op2; ++i) text += (i > 1 ? " " : "") + item(header[i], true);
+  std::string text = classNegation(*header) ? "class^[" : "class[";
+  for (int32_t i = 1; i <= memberCount(*header); ++i) text += (i > 1 ? " " : "") + item(header[i], true);
   return text + "]";
 }
 
@@ -118,17 +119,11 @@ std::string dump(const ulkRegExpState& state) {
   std::string text;
   const auto add = [&](const std::string& next) { text += (text.empty() ? "" : " ") + next; };
   const RxNode* const nodes = state.nodes();
-  for (int32_t i = 0; i < state.numNodes; ++i) {
-    if (codeOf(nodes[i]) == RX_CLASS) {
-      add(bracketClass(nodes + i));
-      i += nodes[i].op2;
-    } else {
-      add(item(nodes[i], false));
-    }
-  }
+  for (int32_t i = 0; i < state.numNodes; i = nextNode(nodes, i))
+    add(codeOf(nodes[i]) == RX_CLASS ? bracketClass(nodes + i) : item(nodes[i], false));
   if (state.numCaptures != 1) add(format("slots=%d", state.numCaptures));
   const int32_t last = state.trailingLiteral;
-  if (last >= 0) add(format("last=%d", last) + optionSuffix(nodes[last].op3));
+  if (last >= 0) add(format("last=%d", last) + optionSuffix(literalOptions(nodes[last])));
   return text;
 }
 

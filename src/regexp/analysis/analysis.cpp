@@ -10,10 +10,10 @@ namespace {
 
 void resolveShorthands(ulkRegExpState& state) {
   RxNode* const nodes = state.nodes();
-  for (int32_t i = 0; i < state.numNodes; i = nodes[i].code == RX_CLASS ? nextItem(nodes, i) : i + 1) {
+  for (int32_t i = 0; i < state.numNodes; i = nextNode(nodes, i)) {
     if (nodes[i].code != RX_CHARTYPE) continue;
-    nodes[i].op2 = byteSetOf(nodes[i].op1, 0);
-    nodes[i].op3 = byteSetOf(nodes[i].op1, RX_OPT_DOTALL);
+    const int32_t letter = letterOf(nodes[i]);
+    setByteSets(nodes[i], byteSetOf(letter, 0), byteSetOf(letter, RX_OPT_DOTALL));
   }
 }
 

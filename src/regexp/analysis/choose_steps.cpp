@@ -22,12 +22,9 @@ class StepChooser {
   Step of(int32_t index) const;
 
  private:
-  const RxNode* quantifierOf(int32_t index) const {
-    const int32_t next = nextItem(nodes_, index);
-    return next < numNodes_ && isQuantifier(nodes_[next]) ? &nodes_[next] : nullptr;
-  }
+  const RxNode* quantifierAt(int32_t index) const { return quantifierOf(nodes_, numNodes_, index); }
   bool hasOneSet(const RxNode& node) const {
-    return !changesOptions_ && node.text && ClassNote(node).isMadeFor(options_);
+    return !changesOptions_ && recordOf(node) && ClassNote(node).isMadeFor(options_);
   }
   Step item(int32_t index) const;
   Step repeat(const RxNode& node, const RxNode& quantifier) const;
@@ -48,7 +45,7 @@ Step StepChooser::item(int32_t index) const {
   switch (node.code) {
     case RX_CHAR:
       if (changesOptions_) return Step::kItem;
-      return (options_ & RX_OPT_CASELESS) && isAsciiLetter(node.op1) ? Step::kLetter : Step::kByte;
+      return (options_ & RX_OPT_CASELESS) && isAsciiLetter(byteOf(node)) ? Step::kLetter : Step::kByte;
     case RX_STRING:
       return changesOptions_ || (options_ & RX_OPT_CASELESS) ? Step::kItem : Step::kString;
     case RX_CHARTYPE:
@@ -67,22 +64,22 @@ Step StepChooser::repeat(const RxNode& node, const RxNode& quantifier) const {
 }
 
 Step StepChooser::assertion(int32_t index) const {
-  const RxNode* const quantifier = quantifierOf(index);
-  if (quantifier) return quantifier->op1 == 0 ? Step::kOptionalAssertion : Step::kAssertion;
-  return nodes_[index].op1 == 'b' ? Step::kWordBoundary : Step::kAssertion;
+  const RxNode* const quantifier = quantifierAt(index);
+  if (quantifier) return minOf(*quantifier) == 0 ? Step::kOptionalAssertion : Step::kAssertion;
+  return assertionOf(nodes_[index]) == 'b' ? Step::kWordBoundary : Step::kAssertion;
 }
 
 // Whether all alternatives of the lookaround are rows of items that are not quantified.
 bool StepChooser::holdsItems(int32_t open) const {
-  const int32_t end = open + nodes_[open].op2 + 1;
+  const int32_t end = open + bodyLength(nodes_[open]) + 1;
   for (int32_t i = open + 1; i < end; i = nextItem(nodes_, i))
-    if (nodes_[i].code != RX_ALT && (!isItem(nodes_[i]) || quantifierOf(i))) return false;
+    if (nodes_[i].code != RX_ALT && (!isItem(nodes_[i]) || quantifierAt(i))) return false;
   return !changesOptions_;
 }
 
 bool StepChooser::holdsOneRepeat(int32_t open) const {
-  if (changesOptions_ || quantifierOf(open) || !isItem(nodes_[open + 1])) return false;
-  const RxNode* const quantifier = quantifierOf(open + 1);
+  if (changesOptions_ || quantifierAt(open) || !isItem(nodes_[open + 1])) return false;
+  const RxNode* const quantifier = quantifierAt(open + 1);
   return quantifier && quantifier->code == RX_REPEAT && quantifier[1].code == RX_END;
 }
 
@@ -100,19 +97,19 @@ Step StepChooser::open(int32_t index) const {
     default:
       break;
   }
-  const bool isPlain = nodes_[index + node.op2 + 1].text;
+  const bool isPlain = linkedOpen(nodes_[index + bodyLength(node) + 1]) != nullptr;
   if (!isPlain) return Step::kOpenGroup;
-  if (quantifierOf(index)) return Step::kOpenQuantifiedPlain;
+  if (quantifierAt(index)) return Step::kOpenQuantifiedPlain;
   if (node.code == RX_CAPTURE) return Step::kOpenCapture;
-  return node.op3 == kNoChoice ? Step::kOpenPassed : Step::kOpenPlain;
+  return choiceMark(node) == kNoChoice ? Step::kOpenPassed : Step::kOpenPlain;
 }
 
 Step StepChooser::end(int32_t index) const {
   const RxNode& node = nodes_[index];
-  if (node.op1 < 1) return Step::kNone;  // ends a run, which is no step
-  if (!node.text) return Step::kEndGroup;
-  if (quantifierOf(index)) return Step::kEndQuantifiedPlain;
-  return codeOf(*static_cast<const RxNode*>(node.text)) == RX_CAPTURE ? Step::kEndCapture : Step::kEndPlain;
+  if (serialOf(node) < 1) return Step::kNone;  // ends a run, which is no step
+  if (!linkedOpen(node)) return Step::kEndGroup;
+  if (quantifierAt(index)) return Step::kEndQuantifiedPlain;
+  return codeOf(*linkedOpen(node)) == RX_CAPTURE ? Step::kEndCapture : Step::kEndPlain;
 }
 
 Step StepChooser::of(int32_t index) const {
@@ -121,7 +118,7 @@ Step StepChooser::of(int32_t index) const {
     case RX_ASSERT:
       return assertion(index);
     case RX_ALT:
-      return node.op1 < 1 ? Step::kRunBar : Step::kBar;
+      return serialOf(node) < 1 ? Step::kRunBar : Step::kBar;
     case RX_END:
       return end(index);
     case RX_OPTIONS:
@@ -133,7 +130,7 @@ Step StepChooser::of(int32_t index) const {
       break;
   }
   if (isGroupOpen(node)) return open(index);
-  const RxNode* const quantifier = quantifierOf(index);
+  const RxNode* const quantifier = quantifierAt(index);
   return quantifier ? repeat(node, *quantifier) : item(index);
 }
 
@@ -142,11 +139,7 @@ Step StepChooser::of(int32_t index) const {
 void chooseSteps(ulkRegExpState& state) {
   const StepChooser chooser(state);
   RxNode* const nodes = state.nodes();
-  for (int32_t i = 0; i < state.numNodes; ++i) {
-    const int32_t members = nodes[i].code == RX_CLASS ? nodes[i].op2 : 0;
-    setStep(nodes[i], chooser.of(i));
-    i += members;
-  }
+  for (int32_t i = 0; i < state.numNodes; i = nextNode(nodes, i)) setStep(nodes[i], chooser.of(i));
 }
 
 }  // namespace ulk

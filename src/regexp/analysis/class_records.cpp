@@ -27,7 +27,7 @@ class RecordMaker {
   void placeSets(int64_t room);
   void writeSets(uint32_t* record);
   uint32_t* writeParts(uint32_t* at);
-  Set128 inClass(const Set128& set) const { return header_.op1 != 0 ? inverse(set) : set; }
+  Set128 inClass(const Set128& set) const { return classNegation(header_) != 0 ? inverse(set) : set; }
 
   RxNode& header_;
   const uint32_t caseless_;
@@ -87,7 +87,7 @@ bool RecordMaker::chooseParts(int64_t room) {
 // needs its `text`, leaves over enough room for all of them.
 void RecordMaker::placeSets(int64_t room) {
   facts_.numStored = static_cast<uint32_t>(std::min<int64_t>(numFurther_, (room - size_) / kWordsPerSet));
-  facts_.walk = kWordsPerSet * static_cast<int32_t>(numFurther_ - facts_.numStored) > header_.op2;
+  facts_.walk = kWordsPerSet * static_cast<int32_t>(numFurther_ - facts_.numStored) > memberCount(header_);
 }
 
 void RecordMaker::writeSets(uint32_t* record) {
@@ -98,8 +98,7 @@ void RecordMaker::writeSets(uint32_t* record) {
   if (facts_.walk) return;
   RxNode* member = &header_ + 1;
   for (uint32_t set = facts_.numStored; set < numFurther_; ++set)
-    for (const uint32_t word : further_[set].words)
-      (member++)->text = reinterpret_cast<const void*>(static_cast<uintptr_t>(word));
+    for (const uint32_t word : further_[set].words) setWord(*member++, word);
 }
 
 uint32_t* RecordMaker::writeParts(uint32_t* at) {
@@ -116,15 +115,15 @@ uint32_t* RecordMaker::writeParts(uint32_t* at) {
 }
 
 uint32_t* RecordMaker::make(uint32_t* at, int64_t room) {
-  for (int32_t i = 1; i <= header_.op2; ++i) members_.add((&header_)[i]);
+  for (int32_t i = 1; i <= memberCount(header_); ++i) members_.add((&header_)[i]);
   members_.finish();
   chooseSets();
-  header_.text = nullptr;
+  setRecord(header_, nullptr);
   if (!chooseParts(room)) return at;
   placeSets(room);
   writeSets(at);
-  header_.text = at;
-  header_.op3 = ClassNote::pack(facts_);
+  setRecord(header_, at);
+  classNote(header_) = ClassNote::pack(facts_);
   return writeParts(at + size_t{kWordsPerSet} * (1 + facts_.numStored));
 }
 
@@ -132,9 +131,7 @@ uint32_t* RecordMaker::make(uint32_t* at, int64_t room) {
 bool changesCase(const ulkRegExpState& state) {
   const RxNode* const nodes = state.nodes();
   return std::any_of(nodes, nodes + state.numNodes, [&](const RxNode& node) {
-    if (node.code != RX_OPTIONS && node.code != RX_OPTGROUP) return false;
-    const int32_t options = node.code == RX_OPTIONS ? node.op1 : node.op3;
-    return ((static_cast<uint32_t>(options) ^ state.options) & RX_OPT_CASELESS) != 0;
+    return ((optionsAfter(node, state.options) ^ state.options) & RX_OPT_CASELESS) != 0;
   });
 }
 
@@ -144,14 +141,13 @@ void makeClassSets(ulkRegExpState& state, SpareWords spare) {
   RxNode* const nodes = state.nodes();
   const bool bothCases = changesCase(state);
   uint32_t options = state.options;
-  for (int32_t i = 0; i < state.numNodes; ++i) {
+  for (int32_t i = 0; i < state.numNodes; i = nextNode(nodes, i)) {
     RxNode& node = nodes[i];
     if (bothCases) options = optionsAfter(node, options);
     if (node.code != RX_CLASS) continue;
-    const int64_t room = (int64_t{node.op3} - node.op2 - 1) * kNodeWords;
+    const int64_t room = (int64_t{patternBytes(node)} - memberCount(node) - 1) * kNodeWords;
     RecordMaker maker(node, options & RX_OPT_CASELESS, bothCases);
     spare.begin = maker.make(spare.begin, std::min<int64_t>(room, spare.end - spare.begin));
-    i += node.op2;
   }
 }
 

@@ -12,12 +12,6 @@ bool isRepeatableGroup(const RxNode& node) {
   return node.code == RX_CAPTURE || node.code == RX_GROUP || node.code == RX_OPTGROUP;
 }
 
-// The node after an item or a group, where its quantifier stands if it has one.
-int32_t afterNode(const RxNode* nodes, int32_t node) {
-  if (isGroupOpen(nodes[node])) return node + nodes[node].op2 + 2;
-  return node + 1 + (nodes[node].code == RX_CLASS ? nodes[node].op2 : 0);
-}
-
 void addMultibyte(ByteSet256& set) {
   for (int i = 4; i < 8; ++i) set.words[i] = ~0u;
 }
@@ -27,11 +21,11 @@ void addMultibyte(ByteSet256& set) {
 void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
   switch (item.code) {
     case RX_CHAR:
-      return addByte(item.op1, options, set);
+      return addByte(byteOf(item), options, set);
     case RX_STRING:
-      return addByte(*static_cast<const uint8_t*>(item.text), options, set);
+      return addByte(*stringOf(item), options, set);
     case RX_CHARTYPE:
-      return addShorthand(item.op1, options, set);
+      return addShorthand(letterOf(item), options, set);
     case RX_CLASS:
       return addClassBytes(item, options, set);
     case RX_CODEPOINT:
@@ -58,7 +52,7 @@ bool FirstBytes::alternatives(int32_t first, const RxNode* bar, int32_t end, uin
     int32_t node = first;
     if (sequence(node, end, options) != Way::kDecided) return false;
     if (!bar) return true;
-    options = static_cast<uint32_t>(bar->op2);
+    options = optionsAfter(*bar, options);
     leaveOptions(options);
     first = static_cast<int32_t>(bar - nodes_) + 1;
   }
@@ -68,11 +62,11 @@ bool FirstBytes::group(int32_t open, uint32_t options) {
   constexpr int32_t kMaxNesting = 32;
   const RxNode& node = nodes_[open];
   if (depth_ >= kMaxNesting) return false;
-  if (node.code == RX_OPTGROUP) options = static_cast<uint32_t>(node.op3);
   // A repeatable group derives the match length anew when it fails; others put it back.
   const bool entersGroupOutside = entersGroup || isRepeatableGroup(node);
   ++depth_;
-  const bool decided = alternatives(open + 1, nextBar(node), open + node.op2 + 1, options);
+  const bool decided =
+      alternatives(open + 1, nextBar(node), open + 1 + bodyLength(node), optionsAfter(node, options));
   --depth_;
   entersGroup = entersGroupOutside;
   return decided;
@@ -122,16 +116,16 @@ FirstBytes::Way FirstBytes::sequence(int32_t& node, int32_t end, uint32_t& optio
     if (item.code == RX_ALT || item.code == RX_END) break;
     if (++steps > maxSteps_) return Way::kUndecided;
     if (item.code == RX_OPTIONS) {
-      options = static_cast<uint32_t>(item.op1);
+      options = optionsAfter(item, options);
       leaveOptions(options);
       ++node;
       continue;
     }
-    const int32_t next = afterNode(nodes_, node);
-    const RxNode* const quantifier = next < numNodes_ && isQuantifier(nodes_[next]) ? &nodes_[next] : nullptr;
+    const int32_t next = nextItem(nodes_, node);
+    const RxNode* const quantifier = quantifierOf(nodes_, numNodes_, node);
     if (item.code == RX_ASSERT) {
       // One that may be left out is not tested.
-      if (!quantifier || quantifier->op1 > 0) way = assertion(item.op1);
+      if (!quantifier || minOf(*quantifier) > 0) way = assertion(assertionOf(item));
       node = next + (quantifier ? 1 : 0);
       continue;
     }
@@ -144,12 +138,12 @@ FirstBytes::Way FirstBytes::sequence(int32_t& node, int32_t end, uint32_t& optio
     } else if ((!isGroup && !isRun) || !group(node, options)) {
       break;
     }
-    if (!quantifier || quantifier->op1 > 0) {
+    if (!quantifier || minOf(*quantifier) > 0) {
       way = Way::kDecided;
-    } else if (isGroup && quantifier->op2 > 0) {
+    } else if (isGroup && maxOf(*quantifier) > 0) {
       // A group that matches no times is left with the options outside it, and puts them back when that
       // fails.
-      options = static_cast<uint32_t>(nodes_[next - 1].op2);
+      options = optionsAfter(nodes_[next - 1], options);
       ++depth_;
       way = Way::kOpen;
     } else if (isItem(item) && quantifier->code == RX_REPEAT) {
@@ -169,13 +163,13 @@ bool FirstBytes::ofRest(int32_t node, uint32_t options, bool afterWord) {
   for (;;) {
     const Way way = sequence(node, numNodes_, options);
     if (way != Way::kOpen) return way == Way::kDecided && exitOptions == entryOptions;
-    if (node >= numNodes_ || nodes_[node].op1 < 1) return false;
+    if (node >= numNodes_ || serialOf(nodes_[node]) < 1) return false;
 
     // The group's end, which at a bar is reached in the same step.
     const int32_t end = groupEnd(node);
-    if (end < 0 || (end + 1 < numNodes_ && isQuantifier(nodes_[end + 1]))) return false;
+    if (end < 0 || quantifierOf(nodes_, numNodes_, end)) return false;
     if (++steps > maxSteps_) return false;
-    options = static_cast<uint32_t>(nodes_[end].op2);
+    options = optionsAfter(nodes_[end], options);
     depth_ = 1;  // the group's end puts them back
     node = end + 1;
   }
@@ -183,9 +177,9 @@ bool FirstBytes::ofRest(int32_t node, uint32_t options, bool afterWord) {
 
 // The end of the group that a bar or an end belongs to, -1 if it is far away.
 int32_t FirstBytes::groupEnd(int32_t node) const {
-  const int32_t serial = nodes_[node].op1;
+  const int32_t serial = serialOf(nodes_[node]);
   for (int32_t i = node; i < numNodes_ && i < node + kMaxRestNodes; ++i)
-    if (nodes_[i].code == RX_END && nodes_[i].op1 == serial) return i;
+    if (nodes_[i].code == RX_END && serialOf(nodes_[i]) == serial) return i;
   return -1;
 }
 

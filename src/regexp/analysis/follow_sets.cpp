@@ -13,7 +13,7 @@ namespace {
 int32_t highestSerial(const RxNode* nodes, int32_t numNodes) {
   int32_t highest = 0;
   for (int32_t i = 0; i < numNodes; ++i)
-    if (nodes[i].code == RX_END) highest = std::max(highest, std::abs(nodes[i].op1));
+    if (nodes[i].code == RX_END) highest = std::max(highest, std::abs(serialOf(nodes[i])));
   return highest;
 }
 
@@ -50,9 +50,9 @@ class OptionalRow {
  private:
   bool passOptional() {
     if (end_ >= numNodes_ || !isItem(nodes_[end_])) return false;
-    const int32_t next = nextItem(nodes_, end_);
-    if (next >= numNodes_ || nodes_[next].code != RX_REPEAT || nodes_[next].op1 > 0) return false;
-    end_ = next + 1;
+    const RxNode* const quantifier = quantifierOf(nodes_, numNodes_, end_);
+    if (!quantifier || quantifier->code != RX_REPEAT || minOf(*quantifier) > 0) return false;
+    end_ = nextItem(nodes_, end_) + 1;
     return true;
   }
 
@@ -74,28 +74,27 @@ void makeFollowSets(ulkRegExpState& state, SpareFrames& frames) {
   OptionalRow row(state);
   ByteSet256 words{};
   addShorthand('w', 0, words);
-  for (int32_t i = 0; i < state.numNodes; ++i) {
+  for (int32_t i = 0; i < state.numNodes; i = nextNode(nodes, i)) {
     RxNode& node = nodes[i];
     options = optionsAfter(node, options);
     if (!isQuantifier(node)) {
       item = &node;
-      if (node.code == RX_CLASS) i += node.op2;
       continue;
     }
-    node.text = nullptr;
+    setFollowSet(node, nullptr);
     if (!frames.any()) continue;
     if (item->code == RX_END || item->code == RX_ASSERT || item->code == RX_BACKREF) continue;
     if (row.isTooLong(i + 1)) continue;
     ByteSet256 taken{};
     addFirstBytes(*item, options, taken);
     FirstBytes follow(state);
-    const bool afterWord = node.op1 > 0 && isSubset(taken, words);
+    const bool afterWord = minOf(node) > 0 && isSubset(taken, words);
     if (!follow.ofRest(i + 1, options, afterWord) || follow.steps > kMaxFollowSteps) continue;
     const bool disjoint = !intersect(taken, follow.set);
     ByteSet256& set = state.frames[frames.take()].bytes;
     set = follow.set;
-    node.text = &set;
-    node.op3 = FollowNote::pack(
+    setFollowSet(node, &set);
+    followNote(node) = FollowNote::pack(
         {options & kMatcherOptions, follow.steps, follow.entersGroup, disjoint, follow.atEnd});
   }
 }

@@ -24,9 +24,9 @@ class Links {
   void add(int32_t index);
 
  private:
-  OpenGroupLink& linkOf(const RxNode& node) { return state_.frames[std::abs(node.op1)].link; }
-  bool isQuantified(int32_t index) const {
-    return index + 1 < state_.numNodes && isQuantifier(nodes_[index + 1]);
+  OpenGroupLink& linkOf(const RxNode& node) { return state_.frames[std::abs(serialOf(node))].link; }
+  const RxNode* quantifierOf(int32_t index) const {
+    return ulk::quantifierOf(nodes_, state_.numNodes, index);
   }
   void open(int32_t index);
   void bar(RxNode& node);
@@ -58,24 +58,24 @@ Links::Links(ulkRegExpState& state)
 // Whether the repeat can make the run around it match as it stands, whatever its groups have got to.
 bool matchesAtOnce(const RxNode& item, const RxNode& quantifier) {
   return quantifier.code == RX_REPEAT_LAZY &&
-         (item.code == RX_CODEPOINT || (item.code == RX_END && item.op1 < 0));
+         (item.code == RX_CODEPOINT || (item.code == RX_END && serialOf(item) < 0));
 }
 
 void Links::open(int32_t index) {
   RxNode& node = nodes_[index];
-  node.text = nullptr;
+  linkTo(nullptr, node);
   linkOf(node) = {index, index, numAtOnce_, true, false};
-  if (node.code == RX_CAPTURE) state_.captures[numCaptures_ = node.op3].length = node.op1;
+  if (node.code == RX_CAPTURE) state_.captures[numCaptures_ = captureNumber(node)].length = serialOf(node);
 }
 
 void Links::bar(RxNode& node) {
-  node.text = nullptr;
-  if (node.op1 == kTopLevel) {
-    if (topLevelBar_) topLevelBar_->text = &node;
+  linkTo(nullptr, node);
+  if (serialOf(node) == kTopLevel) {
+    if (topLevelBar_) linkTo(&node, *topLevelBar_);
     topLevelBar_ = &node;
   } else {
     int32_t& last = linkOf(node).last;
-    nodes_[last].text = &node;
+    linkTo(&node, nodes_[last]);
     last = static_cast<int32_t>(&node - nodes_);
   }
 }
@@ -91,14 +91,16 @@ void Links::close(int32_t index) {
   OpenGroupLink& group = linkOf(end);
   group.isOpen = false;
   RxNode& open = nodes_[group.open];
-  const bool atMostOnce = !isQuantified(index) || nodes_[index + 1].op2 <= 1;
+  const RxNode* const quantifier = quantifierOf(index);
+  const bool atMostOnce = !quantifier || maxOf(*quantifier) <= 1;
   const bool canBePlain =
       (open.code == RX_GROUP || open.code == RX_CAPTURE) && atMostOnce && !changesOptions_;
   const bool seenFromWithin =
       open.code == RX_CAPTURE && (group.refersToItself || group.numAtOnce != numAtOnce_);
-  end.text = canBePlain && !seenFromWithin ? &open : nullptr;
+  const bool plain = canBePlain && !seenFromWithin;
+  linkTo(plain ? &open : nullptr, end);
   if (open.code == RX_GROUP)
-    open.op3 = end.text && !makesSurplus_ && !isQuantified(index) && !nextBar(open) ? kNoChoice : 0;
+    choiceMark(open) = plain && !makesSurplus_ && !quantifier && !nextBar(open) ? kNoChoice : 0;
 }
 
 void Links::add(int32_t index) {
@@ -108,7 +110,7 @@ void Links::add(int32_t index) {
     case RX_ALT:
       return bar(node);
     case RX_BACKREF:
-      return backref(node.op1);
+      return backref(referredCapture(node));
     case RX_END:
       close(index);
       break;
@@ -117,17 +119,15 @@ void Links::add(int32_t index) {
     default:
       return;
   }
-  if (isQuantified(index) && matchesAtOnce(node, nodes_[index + 1])) ++numAtOnce_;
+  const RxNode* const quantifier = quantifierOf(index);
+  if (quantifier && matchesAtOnce(node, *quantifier)) ++numAtOnce_;
 }
 
 }  // namespace
 
 void linkGroups(ulkRegExpState& state) {
   Links links(state);
-  for (int32_t i = 0; i < state.numNodes; ++i) {
-    links.add(i);
-    if (state.nodes()[i].code == RX_CLASS) i += state.nodes()[i].op2;
-  }
+  for (int32_t i = 0; i < state.numNodes; i = nextNode(state.nodes(), i)) links.add(i);
 }
 
 }  // namespace ulk

@@ -54,11 +54,12 @@ bool containsAll(const ByteSet256& set) {
 // others.
 int32_t runOf(const RxNode* nodes, int32_t numNodes, int32_t item, uint32_t options) {
   if (item < 0 || nodes[item].code == RX_XSEQ) return 0;
-  const int32_t quantifier = nextItem(nodes, item);
-  if (quantifier >= numNodes) return 0;
-  const RxNode& node = nodes[quantifier];
-  if (node.code != RX_REPEAT || node.op1 < 1 || !node.text) return 0;
-  return FollowNote(node.op3).options() == (options & kMatcherOptions) ? quantifier : 0;
+  const RxNode* const quantifier = quantifierOf(nodes, numNodes, item);
+  if (!quantifier || quantifier->code != RX_REPEAT || minOf(*quantifier) < 1 || !followSet(*quantifier))
+    return 0;
+  return FollowNote(followNote(*quantifier)).options() == (options & kMatcherOptions)
+             ? static_cast<int32_t>(quantifier - nodes)
+             : 0;
 }
 
 StartKind kindOf(const FirstBytes& items, const RxNode* nodes, StartFilter& filter) {
@@ -80,14 +81,13 @@ StartKind kindOf(const FirstBytes& items, const RxNode* nodes, StartFilter& filt
 
 bool isLiteral(const ulkRegExpState& state, int32_t node) {
   const RxNode* const nodes = state.nodes();
-  const bool quantified = node + 1 < state.numNodes && isQuantifier(nodes[node + 1]);
-  return node < state.numNodes && nodes[node].code <= RX_STRING && !quantified;
+  return node < state.numNodes && nodes[node].code <= RX_STRING && !quantifierOf(nodes, state.numNodes, node);
 }
 
 // The first node that is neither an option change nor a word boundary.
 int32_t firstNode(const RxNode* nodes, int32_t numNodes) {
   const auto isPassed = [](const RxNode& node) {
-    return node.code == RX_OPTIONS || (node.code == RX_ASSERT && node.op1 == 'b');
+    return node.code == RX_OPTIONS || (node.code == RX_ASSERT && assertionOf(node) == 'b');
   };
   int32_t first = 0;
   while (first < numNodes && isPassed(nodes[first])) ++first;
@@ -118,12 +118,12 @@ bool beginsWithLiterals(const ulkRegExpState& state, const StartFilter& filter) 
   if (std::any_of(nodes, nodes + ways.first, changesOptions)) return false;
   if (filter.firstBar < 0) {
     // A group that may be left out is not the only beginning.
-    const int32_t next = nextItem(nodes, ways.first - 1);
-    if (next < state.numNodes && isQuantifier(nodes[next]) && nodes[next].op1 == 0) return false;
+    const RxNode* const quantifier = quantifierOf(nodes, state.numNodes, ways.first - 1);
+    if (quantifier && minOf(*quantifier) == 0) return false;
   }
   const RxNode* bar = ways.firstBar;
-  while (bar && bar->op2 == filter.options &&
-         isLiteral(state, static_cast<int32_t>(bar - state.nodes()) + 1)) {
+  while (bar && optionsBehind(*bar) == filter.options &&
+         isLiteral(state, static_cast<int32_t>(bar - nodes) + 1)) {
     bar = nextBar(*bar);
   }
   return !bar;
@@ -132,7 +132,7 @@ bool beginsWithLiterals(const ulkRegExpState& state, const StartFilter& filter) 
 // Adds the second bytes of literals; false if one has none.
 bool addSecondByte(const RxNode& literal, uint32_t options, ByteSet256& set) {
   if (literal.code != RX_STRING) return false;
-  addByte(static_cast<const uint8_t*>(literal.text)[1], options, set);
+  addByte(stringOf(literal)[1], options, set);
   return true;
 }
 
@@ -159,13 +159,12 @@ bool describePair(const ulkRegExpState& state, const StartFilter& filter, StartP
   const int32_t next = nextItem(nodes, filter.item);
   if (next >= state.numNodes) return false;
   if (isQuantifier(nodes[next])) {
-    pair.run = std::min(nodes[next].op1 - 1, 15);
+    pair.run = std::min(minOf(nodes[next]) - 1, 15);
     return pair.run > 0;
   }
-  const int32_t afterNext = isGroupOpen(nodes[next]) ? state.numNodes : nextItem(nodes, next);
-  const bool optional =
-      afterNext < state.numNodes && isQuantifier(nodes[afterNext]) && nodes[afterNext].op1 == 0;
-  if (!isItem(nodes[next]) || optional) return false;
+  if (!isItem(nodes[next])) return false;
+  const RxNode* const quantifier = quantifierOf(nodes, state.numNodes, next);
+  if (quantifier && minOf(*quantifier) == 0) return false;
   addFirstBytes(nodes[next], filter.options, seconds);
   pair.extraSteps = 1;
   return describe(seconds, pair.second);
@@ -174,7 +173,7 @@ bool describePair(const ulkRegExpState& state, const StartFilter& filter, StartP
 // The first top-level bar, -1 without one.
 int32_t firstTopLevelBar(const RxNode* nodes, int32_t numNodes) {
   for (int32_t i = 0; i < numNodes; ++i)
-    if (nodes[i].code == RX_ALT && nodes[i].op1 == kTopLevel) return i;
+    if (nodes[i].code == RX_ALT && serialOf(nodes[i]) == kTopLevel) return i;
   return -1;
 }
 
@@ -185,7 +184,7 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   StartFilter filter{};
   filter.firstBar = firstTopLevelBar(nodes, state.numNodes);
   if (state.numNodes == 0) return filter;
-  if (nodes[0].code == RX_ASSERT && nodes[0].op1 == kLeadingDotStar && filter.firstBar < 0) {
+  if (nodes[0].code == RX_ASSERT && assertionOf(nodes[0]) == kLeadingDotStar && filter.firstBar < 0) {
     filter.kind = StartKind::kLineStart;
     filter.steps = 1;
     filter.options = static_cast<uint8_t>(state.options);

@@ -59,7 +59,7 @@ class ClassParser {
 
   ulkStatus literal(RxCode code, int32_t value, const uint8_t* where);
   ulkStatus takeByte();
-  void addChar(int32_t value);
+  void add(RxCode code, int32_t value);
   void addShorthand(uint8_t letter);
   void closeOpenRange();
 
@@ -72,10 +72,10 @@ class ClassParser {
 ulkStatus ClassParser::parse() {
   if (looksLikePosix()) return in_.fail(ulkErrRegExpClass, in_.at + 1);
   RxNode& header = in_.append(RX_CLASS);
-  header.op1 = 0;
+  classNegation(header) = 0;
   ++in_.at;
   if (*in_.at == '^') {
-    header.op1 = -1;
+    classNegation(header) = -1;
     ++in_.at;
   }
   if (*in_.at == ']' || *in_.at == '-') takeByte();
@@ -151,9 +151,9 @@ ulkStatus ClassParser::posixClass(const uint8_t* name, const uint8_t* nameEnd) {
     closeOpenRange();
     for (int32_t i = 0; i < posix.numMembers; ++i) {
       RxNode& node = in_.append(posix.members[i].code);
-      node.op1 = posix.members[i].low;
-      if (node.code == RX_RANGE) node.op2 = posix.members[i].high;
-      node.op3 = negated ? -1 : 0;
+      lowOf(node) = posix.members[i].low;
+      if (node.code == RX_RANGE) highOf(node) = posix.members[i].high;
+      memberNegation(node) = negated ? -1 : 0;
     }
     in_.at = nameEnd + 2;
     return ulkOk;
@@ -235,34 +235,31 @@ ulkStatus ClassParser::takeByte() {
 ulkStatus ClassParser::literal(RxCode code, int32_t value, const uint8_t* where) {
   if (rangeOpen_) {
     RxNode& range = in_.nodes[in_.numNodes - 1];
-    if (value < range.op1) return in_.fail(ulkErrRegExpClass, where);
+    if (value < lowOf(range)) return in_.fail(ulkErrRegExpClass, where);
     range.code = RX_RANGE;
-    range.op2 = value;
+    highOf(range) = value;
     rangeOpen_ = false;
     return ulkOk;
   }
-  RxNode& node = in_.append(code);
-  node.op1 = value;
-  node.op3 = 0;
+  add(code, value);
   return ulkOk;
 }
 
-void ClassParser::addChar(int32_t value) {
-  RxNode& node = in_.append(RX_CHAR);
+// A byte, a code point or a shorthand's letter: all are the first operand of their nodes.
+void ClassParser::add(RxCode code, int32_t value) {
+  RxNode& node = in_.append(code);
   node.op1 = value;
-  node.op3 = 0;
+  memberNegation(node) = 0;
 }
 
 void ClassParser::addShorthand(uint8_t letter) {
   closeOpenRange();
-  RxNode& node = in_.append(RX_CHARTYPE);
-  node.op1 = letter;
-  node.op3 = 0;
+  add(RX_CHARTYPE, letter);
 }
 
 // Where no upper end comes, the "-" was a literal.
 void ClassParser::closeOpenRange() {
-  if (rangeOpen_) addChar('-');
+  if (rangeOpen_) add(RX_CHAR, '-');
   rangeOpen_ = false;
 }
 
@@ -273,14 +270,14 @@ ulkStatus ClassParser::finish() {
   if (numMembers == 0) return in_.fail(ulkErrRegExpGroup, in_.at);
 
   RxNode& last = in_.nodes[in_.numNodes - 1];
-  if (numMembers == 1 && header.op1 == 0 && (last.code == RX_CHAR || last.code == RX_CHARTYPE)) {
+  if (numMembers == 1 && classNegation(header) == 0 && (last.code == RX_CHAR || last.code == RX_CHARTYPE)) {
     // A lone "^" that had to be escaped is refused, however it was written.
-    if (last.code == RX_CHAR && last.op1 == '^') return in_.fail(ulkErrRegExpGroup, in_.at);
+    if (last.code == RX_CHAR && byteOf(last) == '^') return in_.fail(ulkErrRegExpGroup, in_.at);
     header = last;
     --in_.numNodes;
   } else {
-    header.op2 = numMembers;
-    header.op3 = static_cast<int32_t>(in_.at + 1 - start_);
+    memberCount(header) = numMembers;
+    patternBytes(header) = static_cast<int32_t>(in_.at + 1 - start_);
     last.code |= kLastMember;
   }
   ++in_.at;

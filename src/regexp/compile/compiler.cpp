@@ -1,8 +1,8 @@
 // The main pass: one walk over the pattern that writes nodes from left to right.
 //
 // Literal bytes are gathered in a run that becomes one node when anything else follows. A quantifier goes
-// behind what was written last. A group's open node is completed when its ")" is read; until then op1 holds
-// its depth, as does that of its bars, and op2 its serial.
+// behind what was written last. A group's open node is completed when its ")" is read, and only then its bars
+// get its serial.
 //
 // No pattern of n bytes makes more than n + 1 nodes, which is what the state has room for: every token makes
 // at most one node for each of its bytes, and the leading marker is the one that no byte pays for. A text of
@@ -83,8 +83,11 @@ bool startsQuantifier(const uint8_t* at) {
   return readQuantifier(at, ignored);
 }
 
-// Neither bound ever exceeds kUnbounded, so their sum does not overflow.
-int32_t addBounds(int32_t a, int32_t b) { return std::min(a + b, kUnbounded); }
+// No bound ever exceeds kUnbounded, so no sum overflows.
+void raiseBounds(RxNode& quantifier, int32_t min, int32_t max) {
+  minOf(quantifier) = std::min(minOf(quantifier) + min, kUnbounded);
+  maxOf(quantifier) = std::min(maxOf(quantifier) + max, kUnbounded);
+}
 
 bool isSpace(uint8_t byte) { return byte == 9 || byte == 10 || byte == 12 || byte == 13 || byte == ' '; }
 
@@ -190,6 +193,7 @@ class Compiler : public Parse {
   void noteLiteral(RxNode& node);
   void noteQuantifiedByte(int32_t min, bool splitOff);
   void appendRepeat(int32_t min, int32_t max, RxCode code);
+  void appendReference(int32_t group);
   bool isCharType(int32_t node, uint8_t letter) const;
   RxNode& lastNode() { return nodes[numNodes - 1]; }
 
@@ -222,7 +226,7 @@ void Compiler::writeLeadingMarker() {
   const bool star = pattern[0] == '.' && (pattern[1] == '*' || pattern[1] == '+') && pattern[2] != '?';
   const bool group = end - pattern >= 6 && (std::memcmp(pattern, "(?:.*)", 6) == 0 ||  //
                                             std::memcmp(pattern, "(?:.+)", 6) == 0);
-  if (star || group) append(RX_ASSERT).op1 = kLeadingDotStar;
+  if (star || group) assertionOf(append(RX_ASSERT)) = kLeadingDotStar;
 }
 
 ulkStatus Compiler::writeHeader(const char* optionLetters) {
@@ -258,15 +262,14 @@ void Compiler::finish() {
   }
 
   uint8_t* text = reinterpret_cast<uint8_t*>(nodes + numNodes);
-  for (int32_t i = 0; i < numNodes; ++i) {
+  for (int32_t i = 0; i < numNodes; i = nextNode(nodes, i)) {
     RxNode& node = nodes[i];
     if (node.code == RX_STRING) {
-      const size_t length = static_cast<size_t>(node.op2);
-      node.text = std::memcpy(text, node.text, length);
+      const auto length = static_cast<size_t>(stringLength(node));
+      setString(node, std::memcpy(text, stringOf(node), length));
       text += length;
     } else if (node.code == RX_CLASS) {
-      i += node.op2;
-      nodes[i].code &= ~kLastMember;
+      nodes[nextNode(nodes, i) - 1].code &= ~kLastMember;
     }
   }
   state_.numNodes = numNodes;
@@ -290,7 +293,7 @@ void Compiler::removeGaps() {
       groups_[depth_++].node = count;
     } else if (node.code == RX_END) {
       const int32_t open = groups_[--depth_].node;
-      nodes[open].op2 = count - open - 1;
+      bodyLength(nodes[open]) = count - open - 1;
     }
     nodes[count++] = node;
   }
@@ -361,8 +364,8 @@ ulkStatus Compiler::bar() {
   flush();
   ++at;
   RxNode& node = append(RX_ALT);
-  node.op1 = depth_;
-  node.op2 = static_cast<int32_t>(options_);
+  serialOf(node) = kTopLevel;
+  optionsBehind(node) = static_cast<int32_t>(options_);
   if (depth_ == 0) trailing_ = kAlternatives;
   return ulkOk;
 }
@@ -370,7 +373,7 @@ ulkStatus Compiler::bar() {
 ulkStatus Compiler::assertion(uint8_t letter, int32_t bytes) {
   flush();
   at += bytes;
-  append(RX_ASSERT).op1 = letter;
+  assertionOf(append(RX_ASSERT)) = letter;
   return ulkOk;
 }
 
@@ -385,10 +388,9 @@ ulkStatus Compiler::charType(uint8_t letter, int32_t bytes) {
     appendRepeat(count, count, RX_REPEAT);
   } else if (isCharType(numNodes - 2, letter) && isQuantifier(lastNode())) {
     if (quantified) return ulkOk;
-    lastNode().op1 = addBounds(lastNode().op1, 1);
-    lastNode().op2 = addBounds(lastNode().op2, 1);
+    raiseBounds(lastNode(), 1, 1);
   } else {
-    append(RX_CHARTYPE).op1 = letter;
+    letterOf(append(RX_CHARTYPE)) = letter;
   }
   return ulkOk;
 }
@@ -455,9 +457,7 @@ ulkStatus Compiler::numberEscape() {
   const int32_t group = readGroupNumber(p, 10);
   if (group < state_.numCaptures) {
     at = p;
-    RxNode& node = append(RX_BACKREF);
-    node.op1 = group;
-    node.op2 = 0;
+    appendReference(group);
     return ulkOk;
   }
   if (p == at + 2) return fail(ulkErrRegExpBackRef, at + 1);
@@ -478,7 +478,7 @@ ulkStatus Compiler::hexEscape() {
   const uint8_t* const digits = at + 3;
   int32_t value;
   if (!readHexCodePoint(value)) return fail(ulkErrRegExpSyntax, digits);
-  append(RX_CODEPOINT).op1 = value;
+  codePointOf(append(RX_CODEPOINT)) = value;
   return ulkOk;
 }
 
@@ -550,15 +550,14 @@ ulkStatus Compiler::mergeQuantifier(const Quantifier& q, const uint8_t* start) {
     return fail(ulkErrRegExpQuantifier, start);
   RxNode& node = lastNode();
   node.code = RX_REPEAT;
-  node.op1 = addBounds(node.op1, q.min);
-  node.op2 = addBounds(node.op2, q.max);
+  raiseBounds(node, q.min, q.max);
   return ulkOk;
 }
 
 ulkStatus Compiler::appendQuantifier(const Quantifier& q, bool lazy) {
   RxNode& last = lastNode();
   if (last.code == RX_END) {
-    if (last.op3 == kRepeatMarkBody) last.op3 = kRepeatMarkRepeated;
+    if (repeatMark(last) == kRepeatMarkBody) repeatMark(last) = kRepeatMarkRepeated;
     if (quantifyLookaround(q)) return ulkOk;
   }
   appendRepeat(q.min, q.max, lazy ? RX_REPEAT_LAZY : RX_REPEAT);
@@ -568,7 +567,7 @@ ulkStatus Compiler::appendQuantifier(const Quantifier& q, bool lazy) {
 // A repeated assertion is the assertion, an optional one is nothing. False if the last group is no
 // lookaround.
 bool Compiler::quantifyLookaround(const Quantifier& q) {
-  const auto* const open = static_cast<const RxNode*>(lastNode().text);
+  const RxNode* const open = linkedOpen(lastNode());
   if (!isLookaround(*open)) return false;
   if (q.min == 0) numNodes = static_cast<int32_t>(open - nodes);
   return true;
@@ -580,15 +579,15 @@ bool Compiler::splitLastByte() {
   flush();
   if (numNodes == 0 || lastNode().code != RX_STRING) return fromRun;
   RxNode& head = lastNode();
-  const auto* const text = static_cast<const uint8_t*>(head.text);
-  const int32_t length = head.op2;
+  const uint8_t* const text = stringOf(head);
+  const int32_t length = stringLength(head);
   if (length == 2) {
     head.code = RX_CHAR;
-    head.op1 = text[0];
+    byteOf(head) = text[0];
   } else {
-    head.op2 = length - 1;
+    stringLength(head) = length - 1;
   }
-  append(RX_CHAR).op1 = text[length - 1];
+  byteOf(append(RX_CHAR)) = text[length - 1];
   return true;
 }
 
@@ -630,15 +629,13 @@ ulkStatus Compiler::enterGroup(RxCode code, int32_t bytes) {
   if (nextSerial_ > kMaxSerial) return fail(ulkErrRegExpGroup, at);
   at += bytes;
   groups_[depth_++] = {numNodes, options_};
-  RxNode& node = append(code);
-  node.op1 = depth_;
-  node.op2 = nextSerial_++;
+  serialOf(append(code)) = nextSerial_++;
   return ulkOk;
 }
 
 ulkStatus Compiler::capture() {
   const ulkStatus status = enterGroup(RX_CAPTURE, 1);
-  if (status == ulkOk) lastNode().op3 = nextCapture_++;
+  if (status == ulkOk) captureNumber(lastNode()) = nextCapture_++;
   return status;
 }
 
@@ -674,12 +671,12 @@ ulkStatus Compiler::optionGroup() {
   if (*p == ':') {
     const ulkStatus status = enterGroup(RX_OPTGROUP, static_cast<int32_t>(p + 1 - open));
     if (status != ulkOk) return status;
-    lastNode().op3 = static_cast<int32_t>(changed);
+    optionsInside(lastNode()) = static_cast<int32_t>(changed);
   } else {
     at = p + 1;
     // The matcher has no use for x, so the two forms that change nothing else make no node.
     const bool extendedOnly = std::memcmp(open, "(?x)", 4) == 0 || std::memcmp(open, "(?-x)", 5) == 0;
-    if (!extendedOnly) append(RX_OPTIONS).op1 = static_cast<int32_t>(changed);
+    if (!extendedOnly) newOptions(append(RX_OPTIONS)) = static_cast<int32_t>(changed);
   }
   options_ = changed;
   return ulkOk;
@@ -698,9 +695,7 @@ ulkStatus Compiler::conditional() {
   if (*p != ')') return fail(ulkErrRegExpGroup, p);
   if (group == 0) return fail(ulkErrRegExpBackRef, digits + 1);
   at = p + 1;
-  RxNode& node = append(RX_BACKREF);
-  node.op1 = group;
-  node.op2 = 0;
+  appendReference(group);
   return ulkOk;
 }
 
@@ -717,20 +712,19 @@ ulkStatus Compiler::closeGroup() {
   const int64_t width = plain ? simpleWidth(nodes, first, numNodes) : -1;
   if (flatten(open, first, width)) return ulkOk;
 
-  const int32_t serial = isLookaround(open) || open.code == RX_ATOMIC ? -open.op2 : open.op2;
-  open.op1 = serial;
-  open.op2 = numNodes - first;
-  const int32_t bars = claimBars(first, serial);
+  if (isLookaround(open) || open.code == RX_ATOMIC) serialOf(open) = -serialOf(open);
+  bodyLength(open) = numNodes - first;
+  const int32_t bars = claimBars(first, serialOf(open));
   if (open.code == RX_COND && (bars > 1 || !conditionIsSound(first))) return fail(ulkErrRegExpGroup, close);
   const bool lookbehind = open.code == RX_LOOKBEHIND || open.code == RX_NLOOKBEHIND;
   if (lookbehind && !measureLookbehind(open, first)) return fail(ulkErrRegExpGroup, close);
 
   const bool marked = width == 1 && isQuantifier(lastNode());
   RxNode& node = append(RX_END);
-  node.op1 = serial;
-  node.op2 = static_cast<int32_t>(options_);
-  node.op3 = marked ? kRepeatMarkBody : kRepeatMarkNone;
-  node.text = &open;  // until the bars are linked
+  serialOf(node) = serialOf(open);
+  optionsBehind(node) = static_cast<int32_t>(options_);
+  repeatMark(node) = marked ? kRepeatMarkBody : kRepeatMarkNone;
+  linkTo(&open, node);
   return ulkOk;
 }
 
@@ -738,13 +732,13 @@ ulkStatus Compiler::closeGroup() {
 bool Compiler::flatten(RxNode& open, int32_t first, int64_t width) {
   if (open.code != RX_GROUP || width < 1) return false;
   const int32_t length = numNodes - first;
-  const bool isOneGap = nodes[first].code == kGap && nodes[first].op2 == length - 1;
-  const int32_t numReal = isOneGap ? nodes[first].op3 : length;
-  if (width == 1 ? numReal != 1 : startsQuantifier(at)) return false;
+  const bool isOneGap = nodes[first].code == kGap && bodyLength(nodes[first]) == length - 1;
+  const int32_t numSolid = isOneGap ? solidNodes(nodes[first]) : length;
+  if (width == 1 ? numSolid != 1 : startsQuantifier(at)) return false;
   open.code = kGap;
-  open.op1 = width == 1 ? 1 : 2;
-  open.op2 = length;
-  open.op3 = numReal;
+  gapWidth(open) = width == 1 ? 1 : 2;
+  bodyLength(open) = length;
+  solidNodes(open) = numSolid;
   hasGaps_ = true;
   --nextSerial_;
   return true;
@@ -755,7 +749,7 @@ int32_t Compiler::claimBars(int32_t first, int32_t serial) {
   int32_t bars = 0;
   for (int32_t i = first; i < numNodes; i = nextItem(nodes, i)) {
     if (nodes[i].code != RX_ALT) continue;
-    nodes[i].op1 = serial;
+    serialOf(nodes[i]) = serial;
     ++bars;
   }
   return bars;
@@ -765,19 +759,18 @@ int32_t Compiler::claimBars(int32_t first, int32_t serial) {
 bool Compiler::conditionIsSound(int32_t first) const {
   if (first == numNodes) return false;
   if (nodes[first].code != RX_BACKREF && !isLookaround(nodes[first])) return false;
-  const int32_t next = nextItem(nodes, first);
-  return next == numNodes || !isQuantifier(nodes[next]);
+  return !quantifierOf(nodes, numNodes, first);
 }
 
 bool Compiler::measureLookbehind(RxNode& open, int32_t first) {
   for (int32_t i = first; i < numNodes; ++i) {
     const RxNode& node = nodes[i];
-    if (node.code == RX_LOOKBEHIND || node.code == RX_NLOOKBEHIND) i += node.op2;  // measured already
-    if (node.code == RX_BACKREF || (isQuantifier(node) && node.op1 != node.op2)) return false;
+    if (node.code == RX_LOOKBEHIND || node.code == RX_NLOOKBEHIND) i += bodyLength(node);  // measured already
+    if (node.code == RX_BACKREF || (isQuantifier(node) && minOf(node) != maxOf(node))) return false;
   }
   const int64_t width = fixedWidth(nodes, first, numNodes);
   if (width < 0 || width > INT32_MAX) return false;
-  open.op3 = static_cast<int32_t>(width);
+  lookbehindWidth(open) = static_cast<int32_t>(width);
   return true;
 }
 
@@ -793,10 +786,10 @@ void Compiler::flush() {
 void Compiler::appendLiteral(const uint8_t* text, int32_t length) {
   RxNode& node = append(length == 1 ? RX_CHAR : RX_STRING);
   if (length == 1) {
-    node.op1 = *text;
+    byteOf(node) = *text;
   } else {
-    node.op2 = length;
-    node.text = text;
+    stringLength(node) = length;
+    setString(node, text);
   }
   noteLiteral(node);
 }
@@ -804,7 +797,7 @@ void Compiler::appendLiteral(const uint8_t* text, int32_t length) {
 void Compiler::noteLiteral(RxNode& node) {
   if (depth_ != 0 || trailing_ < kNoTrailingLiteral) return;
   trailing_ = numNodes - 1;
-  node.op3 = static_cast<int32_t>(options_);
+  literalOptions(node) = static_cast<int32_t>(options_);
 }
 
 // A repeated byte ends the expression's text only if it is there at least once. That this also forgets a
@@ -822,12 +815,18 @@ void Compiler::noteQuantifiedByte(int32_t min, bool splitOff) {
 
 void Compiler::appendRepeat(int32_t min, int32_t max, RxCode code) {
   RxNode& node = append(code);
-  node.op1 = min;
-  node.op2 = max;
+  minOf(node) = min;
+  maxOf(node) = max;
+}
+
+void Compiler::appendReference(int32_t group) {
+  RxNode& node = append(RX_BACKREF);
+  referredCapture(node) = group;
+  node.op2 = 0;
 }
 
 bool Compiler::isCharType(int32_t node, uint8_t letter) const {
-  return node >= 0 && nodes[node].code == RX_CHARTYPE && nodes[node].op1 == letter;
+  return node >= 0 && nodes[node].code == RX_CHARTYPE && letterOf(nodes[node]) == letter;
 }
 
 }  // namespace

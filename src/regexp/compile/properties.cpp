@@ -41,16 +41,16 @@ const Category* findCategory(const uint8_t* name, int32_t length) {
 void appendCategory(const Category& category, RxNode* nodes, int32_t& numNodes, int32_t negate) {
   RxNode& node = nodes[numNodes++];
   node.code = RX_CATEGORY;
-  node.op1 = static_cast<int32_t>(category.mask);
-  node.op2 = negate;
+  categoryMask(node) = static_cast<int32_t>(category.mask);
+  propertyNegation(node) = negate;
 }
 
 void appendAny(RxNode* nodes, int32_t& numNodes, int32_t negate) {
   RxNode& node = nodes[numNodes++];
   node.code = RX_UNIRANGE;
-  node.op1 = 0;
-  node.op2 = 0x10FFFF;
-  node.op3 = negate;
+  lowOf(node) = 0;
+  highOf(node) = 0x10FFFF;
+  memberNegation(node) = negate;
 }
 
 // Blocks are recognised, but what follows the name is then read as a script's name, which a "}" is not: no
@@ -69,9 +69,9 @@ int32_t ownRegExpParseScript(const uint8_t*& at, RxNode* nodes, int32_t& numNode
   RxNode& node = nodes[numNodes++];
   node.code = RX_SCRIPT;
   node.op1 = 1;
-  node.op2 = negate;
-  node.op3 = script->numRanges;
-  node.text = script->ranges;
+  propertyNegation(node) = negate;
+  numRanges(node) = script->numRanges;
+  setRanges(node, script->ranges);
   at += std::strlen(script->name);
   return 0;
 }

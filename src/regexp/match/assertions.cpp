@@ -50,7 +50,7 @@ ULK_INLINE bool assertionHolds(const MatchContext& m, const uint8_t* at, int32_t
 }  // namespace
 
 ULK_STEP stepAssertion(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  if (!assertionHolds(m, at, node->op1)) return fail(m);
+  if (!assertionHolds(m, at, assertionOf(*node))) return fail(m);
   ++node;
   return goOn(at, m.isQuantified(node) ? node + 1 : node, m);
 }

@@ -32,20 +32,22 @@ struct Follow {
  private:
   // A string that does not match fails in the step that its first byte would fail in.
   bool beginsWithLiteral(const MatchContext& m, const uint8_t* at) const {
-    return literal->op2 <= m.textEnd - at &&
-           std::memcmp(literal->text, at, static_cast<size_t>(literal->op2)) == 0;
+    return stringLength(*literal) <= m.textEnd - at &&
+           std::memcmp(stringOf(*literal), at, static_cast<size_t>(stringLength(*literal))) == 0;
   }
 };
 
-inline Follow noFollow(const RxNode& quantifier) { return {nullptr, nullptr, FollowNote(quantifier.op3)}; }
+inline Follow noFollow(const RxNode& quantifier) {
+  return {nullptr, nullptr, FollowNote(followNote(quantifier))};
+}
 
 // With the options in force, which must be those that the repeat's items were taken with.
 inline Follow followOf(const MatchContext& m, const RxNode& quantifier, uint32_t options) {
-  const FollowNote note(quantifier.op3);
-  if (!quantifier.text || note.options() != options) return noFollow(quantifier);
+  const FollowNote note(followNote(quantifier));
+  if (!followSet(quantifier) || note.options() != options) return noFollow(quantifier);
   const RxNode* const next = &quantifier + 1;
   const bool isLiteral = next != m.programEnd && codeOf(*next) == RX_STRING && !(options & RX_OPT_CASELESS);
-  return {static_cast<const ByteSet256*>(quantifier.text), isLiteral ? next : nullptr, note};
+  return {followSet(quantifier), isLiteral ? next : nullptr, note};
 }
 
 }  // namespace ulk

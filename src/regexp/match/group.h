@@ -6,15 +6,15 @@
 
 namespace ulk {
 
-ULK_INLINE const RxNode* endOf(const RxNode* open) { return open + open->op2 + 1; }
+ULK_INLINE const RxNode* endOf(const RxNode* open) { return open + bodyLength(*open) + 1; }
 
 ULK_INLINE GroupFrame& frameOf(const MatchContext& m, const RxNode* open) {
-  return m.frames[open->op1].group;
+  return m.frames[serialOf(*open)].group;
 }
 
 // The node that opens the group of a bar, or the open node itself.
 ULK_INLINE const RxNode* openOf(const MatchContext& m, const RxNode* barOrOpen) {
-  return codeOf(*barOrOpen) == RX_ALT ? m.nodes + m.frames[barOrOpen->op1].group.openNode : barOrOpen;
+  return codeOf(*barOrOpen) == RX_ALT ? m.nodes + m.frames[serialOf(*barOrOpen)].group.openNode : barOrOpen;
 }
 
 // A slot as a choice remembers it.

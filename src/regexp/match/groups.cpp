@@ -25,11 +25,11 @@ ULK_INLINE Group groupAt(const MatchContext& m, const RxNode* open) {
   const RxNode* const end = endOf(open);
   const RxNode* const quantifier = end + 1;
   if (!m.isQuantified(quantifier)) return {end, quantifier, 1, 1, false};
-  return {end, quantifier + 1, quantifier->op1, quantifier->op2, quantifier->code == RX_REPEAT_LAZY};
+  return {end, quantifier + 1, minOf(*quantifier), maxOf(*quantifier), quantifier->code == RX_REPEAT_LAZY};
 }
 
 ULK_INLINE CaptureSlot* slotOf(const MatchContext& m, const RxNode* open) {
-  return codeOf(*open) == RX_CAPTURE ? &m.captures[open->op3] : nullptr;
+  return codeOf(*open) == RX_CAPTURE ? &m.captures[captureNumber(*open)] : nullptr;
 }
 
 // The group as a step finds it. `kind` says how the step goes on when what it tries now fails.
@@ -92,14 +92,14 @@ ULK_INLINE Outcome failGroup(MatchContext& m, const RxNode* open) {
 
 // Goes on behind the group and its quantifier, with the options in force outside it.
 ULK_INLINE Outcome leave(const uint8_t* at, const Group& group, MatchContext& m) {
-  m.setOptions(group.end->op2);
+  m.setOptions(optionsBehind(*group.end));
   return goOnWithChoice(at, group.next, m);
 }
 
 // Puts the options in force with which an alternative of the group begins; `outside` are those of the step.
 ULK_INLINE void setBodyOptions(MatchContext& m, const RxNode* open, uint32_t outside) {
   m.options = outside;
-  if (codeOf(*open) == RX_OPTGROUP) m.setOptions(open->op3);
+  if (codeOf(*open) == RX_OPTGROUP) m.setOptions(optionsInside(*open));
 }
 
 ULK_INLINE Outcome runAlternative(const uint8_t* at, MatchContext& m, const RxNode* barOrOpen,
@@ -111,7 +111,8 @@ ULK_INLINE Outcome runAlternative(const uint8_t* at, MatchContext& m, const RxNo
 ULK_STEP enterConditional(const uint8_t* at, const RxNode* node, MatchContext& m) {
   const RxNode* const condition = node + 1;
   if (codeOf(*condition) != RX_BACKREF) return runCondition(at, condition, m);
-  const bool holds = condition->op1 < m.numCaptures && m.captures[condition->op1].length != -1;
+  const bool holds =
+      referredCapture(*condition) < m.numCaptures && m.captures[referredCapture(*condition)].length != -1;
   return holds ? conditionHolds(at, node, m) : conditionFails(at, node, m);
 }
 
@@ -150,7 +151,7 @@ ULK_STEP stepOpenGroup(const uint8_t* at, const RxNode* node, MatchContext& m) {
 
 // The body has reached the group's end.
 ULK_STEP stepEndGroup(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  GroupFrame& frame = m.frames[node->op1].group;
+  GroupFrame& frame = m.frames[serialOf(*node)].group;
   const RxNode* const open = m.nodes + frame.openNode;
   const Group group = groupAt(m, open);
   rememberFurther(m, at, open);
@@ -173,18 +174,18 @@ ULK_STEP stepEndGroup(const uint8_t* at, const RxNode* node, MatchContext& m) {
 
 // The end of an alternative: the group ends, in the same step.
 ULK_STEP stepBar(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  const RxNode* const end = endOf(m.nodes + m.frames[node->op1].group.openNode);
+  const RxNode* const end = endOf(m.nodes + m.frames[serialOf(*node)].group.openNode);
   return m.steps[static_cast<size_t>(stepOf(*end))](at, end, m);
 }
 
 ULK_STEP stepOptions(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  m.setOptions(node->op1);
+  m.setOptions(newOptions(*node));
   return goOn(at, node + 1, m);
 }
 
 ULK_STEP conditionHolds(const uint8_t* at, const RxNode* node, MatchContext& m) {
   const RxNode* const condition = node + 1;
-  const RxNode* const first = condition + (isLookaround(*condition) ? condition->op2 + 2 : 1);
+  const RxNode* const first = condition + (isLookaround(*condition) ? bodyLength(*condition) + 2 : 1);
   return runAlternative(at, m, node, first);
 }
 
@@ -195,7 +196,7 @@ ULK_STEP conditionFails(const uint8_t* at, const RxNode* node, MatchContext& m) 
     m.choices.tag().setKind(ChoiceKind::kLeft);
     return goOnWithChoice(at, groupAt(m, node).next, m);
   }
-  m.setOptions(bar->op2);
+  m.setOptions(optionsBehind(*bar));
   return runAlternative(at, m, node, bar + 1);
 }
 
@@ -222,7 +223,7 @@ Outcome retryAlternative(MatchContext& m) {
 
   if (codeOf(*open) != RX_COND) {
     if (const RxNode* const bar = nextBar(*barOrOpen)) {
-      m.setOptions(bar->op2);
+      m.setOptions(optionsBehind(*bar));
       return runAlternative(at, m, bar, bar + 1);
     }
   }
@@ -241,7 +242,7 @@ Outcome retryLeft(MatchContext& m) {
   const ChoiceTag tag = m.choices.tag();
   const RxNode* const open = m.nodes + tag.node();
   putBack(m, open);
-  if (tag.kind() == ChoiceKind::kGaveUp && endOf(open)->op3 == kRepeatMarkRepeated)
+  if (tag.kind() == ChoiceKind::kGaveUp && repeatMark(*endOf(open)) == kRepeatMarkRepeated)
     frameOf(m, open).maxLeft = 2;
   return fail(m);
 }

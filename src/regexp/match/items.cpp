@@ -22,18 +22,19 @@ int32_t classLength(const RxNode& item, const uint8_t* at, uint32_t options) {
 }
 
 int32_t backrefLength(const MatchContext& m, const RxNode& item, const uint8_t* at, uint32_t options) {
-  const CaptureSlot& group = m.captures[item.op1];
+  const CaptureSlot& group = m.captures[referredCapture(item)];
   if (group.length < 0 || group.length > m.textEnd - at) return kNoMatch;
   return sameBytes(group.start, at, group.length, options) ? group.length : kNoMatch;
 }
 
-int32_t stringLength(const MatchContext& m, const RxNode& item, const uint8_t* at, uint32_t options) {
-  if (item.op2 > m.textEnd - at) return kNoMatch;
-  const auto* const text = static_cast<const uint8_t*>(item.text);
+int32_t lengthOfString(const MatchContext& m, const RxNode& item, const uint8_t* at, uint32_t options) {
+  const int32_t length = stringLength(item);
+  if (length > m.textEnd - at) return kNoMatch;
+  const uint8_t* const text = stringOf(item);
   const bool same = options & RX_OPT_CASELESS
-                        ? sameBytes(text, at, item.op2, options)
-                        : *text == *at && std::memcmp(text, at, static_cast<size_t>(item.op2)) == 0;
-  return same ? item.op2 : kNoMatch;
+                        ? sameBytes(text, at, length, options)
+                        : *text == *at && std::memcmp(text, at, static_cast<size_t>(length)) == 0;
+  return same ? length : kNoMatch;
 }
 
 // No ASCII character is a mark.
@@ -71,9 +72,10 @@ Taken takeBytes(const MatchContext& m, const RxNode& item, const uint8_t* at, in
   const auto limit = static_cast<int32_t>(std::clamp<ptrdiff_t>(m.textEnd - at, 0, most));
   if (codeOf(item) == RX_BYTE) return {at + limit, limit};
   int32_t count = 0;
-  while (count < limit && count < kLooks && at[count] == item.op1) ++count;
+  while (count < limit && count < kLooks && at[count] == byteOf(item)) ++count;
   if (count == kLooks) {
-    const int32_t other = scanForOther<Forward>(at + count, limit - count, static_cast<uint8_t>(item.op1));
+    const int32_t other =
+        scanForOther<Forward>(at + count, limit - count, static_cast<uint8_t>(byteOf(item)));
     count = other < 0 ? limit : count + other;
   }
   return {at + count, count};
@@ -81,7 +83,7 @@ Taken takeBytes(const MatchContext& m, const RxNode& item, const uint8_t* at, in
 
 bool isOneByte(const RxNode& item, uint32_t options) {
   return codeOf(item) == RX_BYTE ||
-         (codeOf(item) == RX_CHAR && !((options & RX_OPT_CASELESS) && isAsciiLetter(item.op1)));
+         (codeOf(item) == RX_CHAR && !((options & RX_OPT_CASELESS) && isAsciiLetter(byteOf(item))));
 }
 
 }  // namespace
@@ -91,7 +93,7 @@ int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at)
   if (at >= m.textEnd) return kNoMatch;
   switch (codeOf(item)) {
     case RX_CHAR:
-      return sameByte(item.op1, *at, options) ? 1 : kNoMatch;
+      return sameByte(byteOf(item), *at, options) ? 1 : kNoMatch;
     case RX_BYTE:
       return 1;
     case RX_BACKREF:
@@ -103,7 +105,7 @@ int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at)
     case RX_XSEQ:
       return sequenceLength(m, at);
     case RX_STRING:
-      return stringLength(m, item, at, options);
+      return lengthOfString(m, item, at, options);
     case RX_CODEPOINT: {
       const Utf8Char character = decodeUtf8(at);
       return codePointAccepts(item, character.value, options) ? character.length : kNoMatch;
@@ -136,18 +138,19 @@ Taken takeItems(const MatchContext& m, const RxNode& item, const uint8_t* at, in
 // ---- Steps
 
 ULK_STEP stepByte(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  return at < m.textEnd && *at == node->op1 ? goOn(at + 1, node + 1, m) : fail(m);
+  return at < m.textEnd && *at == byteOf(*node) ? goOn(at + 1, node + 1, m) : fail(m);
 }
 
 ULK_STEP stepString(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  const auto* const text = static_cast<const uint8_t*>(node->text);
-  if (node->op2 > m.remaining(at) || *at != *text) return fail(m);
-  if (std::memcmp(at, text, static_cast<size_t>(node->op2)) != 0) return fail(m);
-  return goOn(at + node->op2, node + 1, m);
+  const uint8_t* const text = stringOf(*node);
+  const int32_t length = stringLength(*node);
+  if (length > m.remaining(at) || *at != *text) return fail(m);
+  if (std::memcmp(at, text, static_cast<size_t>(length)) != 0) return fail(m);
+  return goOn(at + length, node + 1, m);
 }
 
 ULK_STEP stepLetter(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  return at < m.textEnd && (*at | 0x20) == (node->op1 | 0x20) ? goOn(at + 1, node + 1, m) : fail(m);
+  return at < m.textEnd && (*at | 0x20) == (byteOf(*node) | 0x20) ? goOn(at + 1, node + 1, m) : fail(m);
 }
 
 ULK_STEP stepShorthand(const uint8_t* at, const RxNode* node, MatchContext& m) {
@@ -158,8 +161,7 @@ ULK_STEP stepShorthand(const uint8_t* at, const RxNode* node, MatchContext& m) {
 
 ULK_STEP stepClass(const uint8_t* at, const RxNode* node, MatchContext& m) {
   if (at >= m.textEnd || *at >= 0x80) return stepItem(at, node, m);
-  const auto* const set = static_cast<const Set128*>(node->text);
-  return set->contains(*at) ? goOn(at + 1, node + node->op2 + 1, m) : fail(m);
+  return recordOf(*node)->contains(*at) ? goOn(at + 1, afterClass(node), m) : fail(m);
 }
 
 ULK_STEP stepItem(const uint8_t* at, const RxNode* node, MatchContext& m) {

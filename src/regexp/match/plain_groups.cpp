@@ -20,7 +20,7 @@ ULK_INLINE const RxNode* hopefulAlternative(MatchContext& m, const uint8_t* at, 
 // All alternatives have failed: goes on without the group where it may be left out.
 ULK_INLINE Outcome afterAll(const uint8_t* at, const RxNode* open, MatchContext& m) {
   const RxNode* const next = endOf(open) + 1;
-  const bool optional = m.isQuantified(next) && next->code == RX_REPEAT && next->op1 < 1;
+  const bool optional = m.isQuantified(next) && next->code == RX_REPEAT && minOf(*next) < 1;
   return optional ? goOn(at, next + 1, m) : fail(m);
 }
 
@@ -36,7 +36,7 @@ ULK_INLINE Outcome enterCapture(const uint8_t* at, const RxNode* open, MatchCont
   const RxNode* const first = hopefulAlternative(m, at, open);
   if (first != open) m.surplus.clear();
   if (!first) return afterAll(at, open, m);
-  CaptureSlot& slot = m.captures[open->op3];
+  CaptureSlot& slot = m.captures[captureNumber(*open)];
   GroupFrame& frame = frameOf(m, open);
   const SavedSlot before = saved(m, slot);
   auto& choice = push<PlainCaptureChoice>(m, ChoiceKind::kPlainCapture, at, first);
@@ -54,7 +54,7 @@ ULK_INLINE Outcome enter(const uint8_t* at, const RxNode* open, MatchContext& m)
 
 ULK_INLINE void setCapture(const uint8_t* at, const RxNode* open, MatchContext& m) {
   const int32_t length = frameOf(m, open).remainingAtIteration - m.remaining(at);
-  m.captures[open->op3] = {at - length, length};
+  m.captures[captureNumber(*open)] = {at - length, length};
 }
 
 }  // namespace
@@ -73,8 +73,8 @@ ULK_STEP stepOpenCapture(const uint8_t* at, const RxNode* node, MatchContext& m)
 
 ULK_STEP stepOpenQuantifiedPlain(const uint8_t* at, const RxNode* node, MatchContext& m) {
   const RxNode* const quantifier = endOf(node) + 1;
-  if (quantifier->op2 == 0) return goOn(at, quantifier + 1, m);
-  if (quantifier->code == RX_REPEAT || quantifier->op1 > 0) return enter(at, node, m);
+  if (maxOf(*quantifier) == 0) return goOn(at, quantifier + 1, m);
+  if (quantifier->code == RX_REPEAT || minOf(*quantifier) > 0) return enter(at, node, m);
   push<PlaceChoice>(m, ChoiceKind::kPlainEnter, at, node);
   return goOnWithChoice(at, quantifier + 1, m);
 }
@@ -84,12 +84,12 @@ ULK_STEP stepEndPlain(const uint8_t* at, const RxNode* node, MatchContext& m) {
 }
 
 ULK_STEP stepEndCapture(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  setCapture(at, static_cast<const RxNode*>(node->text), m);
+  setCapture(at, linkedOpen(*node), m);
   return goOn(at, node + 1, m);
 }
 
 ULK_STEP stepEndQuantifiedPlain(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  const auto* const open = static_cast<const RxNode*>(node->text);
+  const RxNode* const open = linkedOpen(*node);
   if (codeOf(*open) == RX_CAPTURE) setCapture(at, open, m);
   return goOn(at, node + 2, m);
 }
@@ -119,7 +119,7 @@ Outcome retryPlainCapture(MatchContext& m) {
   }
   const RxNode* const open = openOf(m, barOrOpen);
   frameOf(m, open).remainingAtIteration = choice.remaining;
-  m.captures[open->op3] = restored(m, {choice.captureAt, choice.captureLength});
+  m.captures[captureNumber(*open)] = restored(m, {choice.captureAt, choice.captureLength});
   m.choices.pop<PlainCaptureChoice>();
   return afterAll(at, open, m);
 }

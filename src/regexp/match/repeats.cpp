@@ -124,7 +124,7 @@ ULK_INLINE Outcome tryAll(const RxNode* quantifier, MatchContext& m, Greedy gree
 ULK_INLINE Outcome tryBytes(const uint8_t* at, const RxNode* node, const RxNode* quantifier, MatchContext& m,
                             const uint8_t* behind, const uint8_t* end) {
   if (behind < end && *behind >= 0x80) return stepGreedyItem(at, node, m);
-  const auto spare = static_cast<int32_t>(behind - at) - quantifier->op1;
+  const auto spare = static_cast<int32_t>(behind - at) - minOf(*quantifier);
   if (spare < 0) return fail(m);
   return tryAll(quantifier, m, {ChoiceKind::kGreedyBytes, behind, spare, 0});
 }
@@ -145,20 +145,20 @@ ChoiceKind greedyKind(const RxNode& item, bool bytes) {
 
 ULK_STEP stepGreedyShorthand(const uint8_t* at, const RxNode* node, MatchContext& m) {
   const RxNode* const quantifier = node + 1;
-  const uint8_t* const end = at + std::min(quantifier->op2, m.remaining(at));
+  const uint8_t* const end = at + std::min(maxOf(*quantifier), m.remaining(at));
   return tryBytes(at, node, quantifier, m, behindShorthand(m, *node, at, end), end);
 }
 
 ULK_STEP stepGreedyClass(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  const RxNode* const quantifier = node + node->op2 + 1;
-  const uint8_t* const end = at + std::min(quantifier->op2, m.remaining(at));
+  const RxNode* const quantifier = afterClass(node);
+  const uint8_t* const end = at + std::min(maxOf(*quantifier), m.remaining(at));
   return tryBytes(at, node, quantifier, m, behindClass(*node, at, end), end);
 }
 
 ULK_STEP stepGreedyItem(const uint8_t* at, const RxNode* node, MatchContext& m) {
   const RxNode* const quantifier = afterItem(node);
-  const int32_t least = quantifier->op1;
-  const int32_t most = std::min(quantifier->op2, m.remaining(at));
+  const int32_t least = minOf(*quantifier);
+  const int32_t most = std::min(maxOf(*quantifier), m.remaining(at));
   const Taken taken = takeItems(m, *node, at, std::max(least, most));
   if (taken.count < least) return fail(m);
   const auto length = static_cast<int32_t>(taken.end - at);
@@ -296,8 +296,8 @@ ULK_STEP continueLazy(const uint8_t* at, const RxNode* item, MatchContext& m) {
   for (;;) {
     if (m.budget < 0) return exhaustLazy(at, *item, m);
     if (looks) {
-      at = takeToLiteral(m, choice, *item, at, next->op1);
-      if (at >= m.textEnd || *at != next->op1) return failLazy(*item, m);
+      at = takeToLiteral(m, choice, *item, at, byteOf(*next));
+      if (at >= m.textEnd || *at != byteOf(*next)) return failLazy(*item, m);
     }
     if (!follow.excludes(m, at) || !canPay(m, follow, 1)) break;
     payForTries(m, follow, 1);
@@ -319,7 +319,7 @@ bool takeCharacter(const MatchContext& m, LazyChoice& choice, const uint8_t* beh
 // The character that a lazy code point looks at. Behind the end of the text no more is read than it takes to
 // tell whether it is that code point: nothing of several bytes is ASCII.
 Utf8Char characterFor(const MatchContext& m, const RxNode& item, const uint8_t* at) {
-  const bool isAscii = item.op1 >= 0 && item.op1 < 0x80 && !(m.options & RX_OPT_CASELESS);
+  const bool isAscii = codePointOf(item) >= 0 && codePointOf(item) < 0x80 && !(m.options & RX_OPT_CASELESS);
   if (isAscii && at == m.textEnd) return {static_cast<int8_t>(*at), 1};
   return decodeUtf8(at);
 }
@@ -357,8 +357,8 @@ ULK_STEP continueLazyProperty(const uint8_t* at, const RxNode* item, MatchContex
 
 ULK_STEP stepLazyItem(const uint8_t* at, const RxNode* node, MatchContext& m) {
   const RxNode* const quantifier = afterItem(node);
-  const int32_t least = quantifier->op1;
-  const int32_t most = std::min(quantifier->op2, m.remaining(at));
+  const int32_t least = minOf(*quantifier);
+  const int32_t most = std::min(maxOf(*quantifier), m.remaining(at));
   if (least > m.remaining(at)) return fail(m);
   if (least > 0) {
     const Taken required = takeItems(m, *node, at, least);

@@ -49,7 +49,7 @@ ULK_INLINE const RxNode* nextAlternative(MatchContext& m) {
   const RxNode* const bar = nextBar(m.nodes[choice.bar]);
   if (!bar) return nullptr;
   choice.bar = m.indexOf(bar);
-  m.setOptions(bar->op2);
+  m.setOptions(optionsBehind(*bar));
   m.surplus = choice.surplus;
   m.surplus += int64_t{choice.at} - choice.bodyAt;
   return bar + 1;
@@ -82,15 +82,15 @@ ULK_INLINE int32_t lengthInPlace(const MatchContext& m, const RxNode* node, cons
   if (at >= m.textEnd) return kNoMatch;
   switch (stepOf(*node)) {
     case Step::kByte:
-      return *at == node->op1 ? 1 : kNoMatch;
+      return *at == byteOf(*node) ? 1 : kNoMatch;
     case Step::kString:
-      if (*at != *static_cast<const uint8_t*>(node->text)) return kNoMatch;
+      if (*at != *stringOf(*node)) return kNoMatch;
       break;
     case Step::kShorthand:
       if (!(m.byteSets[*at] & byteSetOf(*node, m.options))) return kNoMatch;
       break;
     case Step::kClass:
-      if (*at < 0x80) return static_cast<const Set128*>(node->text)->contains(*at) ? 1 : kNoMatch;
+      if (*at < 0x80) return recordOf(*node)->contains(*at) ? 1 : kNoMatch;
       break;
     default:
       break;
@@ -146,7 +146,7 @@ const uint8_t* lookbehindStart(const MatchContext& m, const uint8_t* const from,
 }
 
 ULK_INLINE bool reachesBeforeText(const uint8_t* at, const RxNode& lookbehind, const MatchContext& m) {
-  return int64_t{m.offsetOf(at)} < lookbehind.op3;
+  return int64_t{m.offsetOf(at)} < lookbehindWidth(lookbehind);
 }
 
 // ---- Atomic groups
@@ -235,12 +235,12 @@ ULK_STEP stepLookaheadItems(const uint8_t* at, const RxNode* node, MatchContext&
 
 ULK_STEP stepLookbehind(const uint8_t* at, const RxNode* node, MatchContext& m) {
   if (reachesBeforeText(at, *node, m)) return assertLookaround(at, node, m, isNegative(*node));
-  return runLookaround(at, node, m, lookbehindStart(m, at, node->op3));
+  return runLookaround(at, node, m, lookbehindStart(m, at, lookbehindWidth(*node)));
 }
 
 ULK_STEP stepLookbehindItems(const uint8_t* at, const RxNode* node, MatchContext& m) {
   if (reachesBeforeText(at, *node, m)) return assertLookaround(at, node, m, isNegative(*node));
-  return lookaroundInPlace(at, node, m, lookbehindStart(m, at, node->op3));
+  return lookaroundInPlace(at, node, m, lookbehindStart(m, at, lookbehindWidth(*node)));
 }
 
 ULK_STEP runCondition(const uint8_t* at, const RxNode* lookaround, MatchContext& m) {
@@ -263,8 +263,8 @@ Outcome retryCondition(MatchContext& m) {
 ULK_STEP stepAtomic(const uint8_t* at, const RxNode* node, MatchContext& m) {
   const Atomic group = atomicAt(m, node);
   const bool quantified = group.next == group.end + 2;
-  const int32_t least = quantified ? group.end[1].op1 : 1;
-  const int32_t most = quantified ? group.end[1].op2 : 1;
+  const int32_t least = quantified ? minOf(group.end[1]) : 1;
+  const int32_t most = quantified ? maxOf(group.end[1]) : 1;
   return group.lazy ? lazyTurn(at, node, m, least, most) : greedyIteration(at, node, m, least, most);
 }
 
@@ -279,7 +279,7 @@ ULK_STEP stepAtomicRepeat(const uint8_t* at, const RxNode* node, MatchContext& m
   }
   --m.budget;
   const Taken taken = takeAll(m, item, quantifier, at);
-  return taken.count < quantifier.op1 ? fail(m) : goOn(taken.end, endOf(node) + 1, m);
+  return taken.count < minOf(quantifier) ? fail(m) : goOn(taken.end, endOf(node) + 1, m);
 }
 
 Outcome retryAtomic(MatchContext& m) {

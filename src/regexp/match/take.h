@@ -24,14 +24,14 @@ ULK_INLINE const uint8_t* behindShorthand(const MatchContext& m, const RxNode& i
 }
 
 ULK_INLINE const uint8_t* behindClass(const RxNode& item, const uint8_t* at, const uint8_t* end) {
-  const auto* const set = static_cast<const Set128*>(item.text);
+  const Set128* const set = recordOf(item);
   return behindBytes(at, end, [=](uint8_t byte) { return set->contains(byte); });
 }
 
 // As many items as the quantifier allows; fewer than it requires if there are no more.
 ULK_INLINE Taken takeAll(const MatchContext& m, const RxNode* item, const RxNode& quantifier,
                          const uint8_t* at) {
-  const int32_t most = std::min(quantifier.op2, m.remaining(at));
+  const int32_t most = std::min(maxOf(quantifier), m.remaining(at));
   const uint8_t* const end = at + most;
   const uint8_t* behind = end;
   if (stepOf(*item) == Step::kGreedyShorthand) {
@@ -39,9 +39,9 @@ ULK_INLINE Taken takeAll(const MatchContext& m, const RxNode* item, const RxNode
   } else if (stepOf(*item) == Step::kGreedyClass) {
     behind = behindClass(*item, at, end);
   } else {
-    return takeItems(m, *item, at, std::max(quantifier.op1, most));
+    return takeItems(m, *item, at, std::max(minOf(quantifier), most));
   }
-  if (behind < end && *behind >= 0x80) return takeItems(m, *item, at, std::max(quantifier.op1, most));
+  if (behind < end && *behind >= 0x80) return takeItems(m, *item, at, std::max(minOf(quantifier), most));
   return {behind, static_cast<int32_t>(behind - at)};
 }
 

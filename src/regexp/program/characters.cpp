@@ -4,21 +4,22 @@
 
 namespace ulk {
 
+int32_t scriptOf(const RxNode& script) { return scriptOf(static_cast<int32_t>(rangesOf(script)->first)); }
+
 bool codePointAccepts(const RxNode& node, int32_t codePoint, uint32_t options) {
-  if (node.op1 == codePoint) return true;
-  return (options & RX_OPT_CASELESS) && foldCase(node.op1) == foldCase(codePoint);
+  if (codePointOf(node) == codePoint) return true;
+  return (options & RX_OPT_CASELESS) && foldCase(codePointOf(node)) == foldCase(codePoint);
 }
 
 bool propertyAccepts(const RxNode& node, int32_t codePoint) {
   switch (codeOf(node)) {
     case RX_CATEGORY:
-      return acceptsCategory(codePoint, static_cast<uint32_t>(node.op1), node.op2 != 0);
+      return acceptsCategory(codePoint, static_cast<uint32_t>(categoryMask(node)),
+                             propertyNegation(node) != 0);
     case RX_UNIRANGE:
-      return (node.op1 <= codePoint && codePoint <= node.op2) != (node.op3 != 0);
-    case RX_SCRIPT: {
-      const auto first = static_cast<int32_t>(static_cast<const CodePointRange*>(node.text)->first);
-      return (scriptOf(codePoint) == scriptOf(first)) != (node.op2 != 0);
-    }
+      return (lowOf(node) <= codePoint && codePoint <= highOf(node)) != (memberNegation(node) != 0);
+    case RX_SCRIPT:
+      return (scriptOf(codePoint) == scriptOf(node)) != (propertyNegation(node) != 0);
     default:
       return false;
   }

@@ -10,11 +10,11 @@ namespace ulk {
 
 namespace {
 
-bool isByteRange(const RxNode& member) { return member.op1 < 256 && member.op2 < 256; }
+bool isByteRange(const RxNode& member) { return lowOf(member) < 256 && highOf(member) < 256; }
 
 bool rangeAccepts(const RxNode& member, Utf8Char character, uint8_t byte, uint32_t options) {
-  const int32_t low = member.op1;
-  const int32_t high = member.op2;
+  const int32_t low = lowOf(member);
+  const int32_t high = highOf(member);
   if (character.length == 1 && isByteRange(member)) {
     const auto inRange = [&](int32_t c) { return low <= c && c <= high; };
     if (inRange(byte)) return true;
@@ -30,15 +30,16 @@ bool rangeAccepts(const RxNode& member, Utf8Char character, uint8_t byte, uint32
 // One member's answer, its own negation included.
 bool memberAccepts(const RxNode& member, Utf8Char character, uint8_t byte, uint32_t options) {
   const int32_t byteOrCodePoint = character.length == 1 ? byte : character.value;
+  const bool negated = memberNegation(member) != 0;
   switch (member.code) {
     case RX_CHAR:
-      return sameByte(member.op1, byteOrCodePoint, options) != (member.op3 != 0);
+      return sameByte(byteOf(member), byteOrCodePoint, options) != negated;
     case RX_RANGE:
-      return rangeAccepts(member, character, byte, options) != (member.op3 != 0);
+      return rangeAccepts(member, character, byte, options) != negated;
     case RX_CHARTYPE:
-      return inByteSet(byte, byteSetOf(member.op1, options)) != (member.op3 != 0);
+      return inByteSet(byte, byteSetOf(letterOf(member), options)) != negated;
     case RX_CODEPOINT:
-      return codePointAccepts(member, character.value, options) != (member.op3 != 0);
+      return codePointAccepts(member, character.value, options) != negated;
     default:
       return propertyAccepts(member, character.value);
   }
@@ -70,7 +71,9 @@ int32_t fold(int32_t c) {
 }
 
 Spans spansOf(const RxNode& member) {
-  const Interval plain{member.op1, member.code == RX_CODEPOINT ? member.op1 : member.op2};
+  const bool isRange = member.code != RX_CODEPOINT;
+  const Interval plain =
+      isRange ? Interval{lowOf(member), highOf(member)} : Interval{codePointOf(member), codePointOf(member)};
   return {plain, {fold(plain.low), fold(plain.high)}};
 }
 
@@ -93,7 +96,7 @@ int32_t joinIntervals(Interval* first, int32_t count) {
 
 bool anyMemberAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options) {
   const RxNode* const members = &header + 1;
-  return std::any_of(members, members + header.op2,
+  return std::any_of(members, members + memberCount(header),
                      [&](const RxNode& member) { return memberAccepts(member, character, byte, options); });
 }
 
@@ -106,7 +109,7 @@ void ClassMembers::add(const RxNode& member) {
     case RX_RANGE:
       return addRange(member);
     case RX_CATEGORY:
-      kinds |= acceptedKinds(static_cast<uint32_t>(member.op1), member.op2 != 0);
+      kinds |= acceptedKinds(static_cast<uint32_t>(categoryMask(member)), propertyNegation(member) != 0);
       return;
     case RX_SCRIPT:
       return addScript(member);
@@ -121,8 +124,8 @@ void ClassMembers::addInBoth(const Set128& set) {
 }
 
 void ClassMembers::addChar(const RxNode& member) {
-  const int32_t c = member.op1;
-  if (member.op3 != 0) {
+  const int32_t c = byteOf(member);
+  if (memberNegation(member) != 0) {
     Set128 set{};
     addBit(c, set.words);
     addInBoth(inverse(set));
@@ -139,10 +142,11 @@ void ClassMembers::addChar(const RxNode& member) {
 
 void ClassMembers::addShorthand(const RxNode& member) {
   ByteSet256 set{};
-  ulk::addShorthand(member.op1, 0, set);
-  const bool highBytes = inByteSet(0x80, byteSetOf(member.op1, 0)) != (member.op3 != 0);
+  ulk::addShorthand(letterOf(member), 0, set);
+  const bool negated = memberNegation(member) != 0;
+  const bool highBytes = inByteSet(0x80, byteSetOf(letterOf(member), 0)) != negated;
   const Set128 ascii{{set.words[0], set.words[1], set.words[2], set.words[3]}};
-  addInBoth(member.op3 != 0 ? inverse(ascii) : ascii);
+  addInBoth(negated ? inverse(ascii) : ascii);
   if (highBytes) high = kAll128;
   anyMultibyte |= highBytes;
 }
@@ -152,9 +156,9 @@ void ClassMembers::addRange(const RxNode& member) {
   const Spans spans = spansOf(member);
   Set128 ascii{};
   Set128 highBytes{};
-  addSpan(member.op1, member.op2, ascii);
-  addSpan(int64_t{member.op1} - 0x80, int64_t{member.op2} - 0x80, highBytes);
-  if (member.op3 != 0) {
+  addSpan(lowOf(member), highOf(member), ascii);
+  addSpan(int64_t{lowOf(member)} - 0x80, int64_t{highOf(member)} - 0x80, highBytes);
+  if (memberNegation(member) != 0) {
     addAll(inverse(ascii), asciiPlain_);
     addAll(inverse(inBothCases(ascii)), asciiFolded_);
     addAll(inverse(highBytes), high);
@@ -162,14 +166,14 @@ void ClassMembers::addRange(const RxNode& member) {
   }
   addAll(ascii, bytes_);
   addAll(highBytes, high);
-  numPlain += member.op2 >= 0x80;
+  numPlain += highOf(member) >= 0x80;
   numFolded += isFoldedTo(spans.folded);
 }
 
 // A member that compares code points, also where a character is one byte, which is negative from 0x80 on.
 void ClassMembers::addCodes(const RxNode& member) {
   const Spans spans = spansOf(member);
-  const bool negated = member.op3 != 0;
+  const bool negated = memberNegation(member) != 0;
   Set128 plain{};
   Set128 highBytes{};
   addSpan(spans.plain.low, spans.plain.high, plain);
@@ -195,8 +199,8 @@ void ClassMembers::refuse(const Spans& spans) {
 
 void ClassMembers::addScript(const RxNode& member) {
   uint32_t wanted[kScriptWords] = {};
-  addBit(scriptOf(static_cast<int32_t>(static_cast<const CodePointRange*>(member.text)->first)), wanted);
-  for (int i = 0; i < kScriptWords; ++i) scripts[i] |= member.op2 != 0 ? ~wanted[i] : wanted[i];
+  addBit(scriptOf(member), wanted);
+  for (int i = 0; i < kScriptWords; ++i) scripts[i] |= propertyNegation(member) != 0 ? ~wanted[i] : wanted[i];
   hasScripts = true;
 }
 
@@ -223,9 +227,9 @@ void ClassMembers::finish() {
 
 int32_t ClassMembers::writeList(const RxNode& header, Interval Spans::*form, Interval* list) const {
   Interval* end = list;
-  for (int32_t i = 1; i <= header.op2; ++i) {
+  for (int32_t i = 1; i <= memberCount(header); ++i) {
     const RxNode& member = (&header)[i];
-    if (!hasSpans(member) || member.op3 != 0) continue;
+    if (!hasSpans(member) || memberNegation(member) != 0) continue;
     const Spans spans = spansOf(member);
     const bool wanted = form == &Spans::plain ? spans.plain.high >= 0x80 : isFoldedTo(spans.folded);
     if (wanted) *end++ = spans.*form;

@@ -16,11 +16,8 @@ bool isKept(ClassNote note, uint32_t set) { return set < note.numStored() || !no
 // A word of a further set that is kept.
 uint32_t furtherWord(const RxNode& header, uint32_t set, int32_t word) {
   const uint32_t stored = ClassNote(header).numStored();
-  const auto place = static_cast<uint32_t>(word);
-  if (set < stored)
-    return static_cast<const uint32_t*>(header.text)[size_t{kWordsPerSet} * (1 + set) + place];
-  const RxNode& member = (&header)[1 + size_t{kWordsPerSet} * (set - stored) + place];
-  return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(member.text));
+  if (set < stored) return recordOf(header)[1 + set].words[word];
+  return wordIn((&header)[1 + size_t{kWordsPerSet} * (set - stored) + static_cast<uint32_t>(word)]);
 }
 
 bool inFurtherSet(const RxNode& header, uint32_t set, int32_t number) {
@@ -37,8 +34,7 @@ uint32_t otherAsciiPlace(ClassNote note) {
 
 // The parts of a record behind the sets.
 const uint32_t* partsOf(const RxNode& header) {
-  return static_cast<const uint32_t*>(header.text) +
-         size_t{kWordsPerSet} * (1 + ClassNote(header).numStored());
+  return recordOf(header)[1 + ClassNote(header).numStored()].words;
 }
 
 bool inIntervals(int32_t codePoint, const Interval* first, int32_t count) {
@@ -106,27 +102,28 @@ bool mayAcceptMultibyte(const RxNode& header, uint32_t options) {
 
 const Set128* otherClassSet(const RxNode& header) {
   const ClassNote note(header);
-  const auto* const sets = static_cast<const Set128*>(header.text);
+  const Set128* const sets = recordOf(header);
   if (!sets || !note.otherAscii()) return sets;
   const uint32_t place = otherAsciiPlace(note);
   return place < note.numStored() ? sets + 1 + place : nullptr;
 }
 
 bool walkAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options) {
-  return anyMemberAccepts(header, character, byte, options) != (header.op1 != 0);
+  return anyMemberAccepts(header, character, byte, options) != (classNegation(header) != 0);
 }
 
 bool classAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options) {
   if (byte < 0x80) {
     if (const Set128* const set = classSet(header, options)) return set->contains(byte);
     const uint32_t set = otherAsciiPlace(ClassNote(header));
-    if (!header.text || !isKept(ClassNote(header), set)) return walkAccepts(header, character, byte, options);
+    if (!recordOf(header) || !isKept(ClassNote(header), set))
+      return walkAccepts(header, character, byte, options);
     return inFurtherSet(header, set, byte);
   }
-  if (!header.text) return walkAccepts(header, character, byte, options);
+  if (!recordOf(header)) return walkAccepts(header, character, byte, options);
   const bool accept = character.length == 1 ? acceptHighByte(header, byte, options)
                                             : acceptMultibyte(header, character, byte, options);
-  return accept != (header.op1 != 0);
+  return accept != (classNegation(header) != 0);
 }
 
 void addClassBytes(const RxNode& header, uint32_t options, ByteSet256& set) {
@@ -142,7 +139,7 @@ void addClassBytes(const RxNode& header, uint32_t options, ByteSet256& set) {
     addByAsking(0, 0x7F);
   }
   const ClassNote note(header);
-  if (!header.text || header.op1 != 0 || mayAcceptMultibyte(header, options)) {
+  if (!recordOf(header) || classNegation(header) != 0 || mayAcceptMultibyte(header, options)) {
     std::fill(set.words + 4, set.words + 8, ~0u);
   } else if (note.highBytes() == ClassNote::kOwnSet && isKept(note, highBytesPlace(note))) {
     for (int i = 0; i < kWordsPerSet; ++i)
@@ -154,7 +151,7 @@ void addClassBytes(const RxNode& header, uint32_t options, ByteSet256& set) {
 
 void addAsciiOf(const RxNode& item, uint32_t options, ByteSet256& set) {
   RxNode member = item;
-  if (item.code == RX_CODEPOINT) member.op3 = 0;  // a negation only in members
+  if (item.code == RX_CODEPOINT) memberNegation(member) = 0;  // a negation only in members
   ClassMembers members;
   members.add(member);
   members.finish();

@@ -65,7 +65,7 @@ class ClassNote {
                                 facts.highBytes << 10 | facts.numStored << 12);
   }
 
-  explicit ClassNote(const RxNode& header) : packed_(static_cast<uint32_t>(header.op3)) {}
+  explicit ClassNote(const RxNode& header) : packed_(static_cast<uint32_t>(classNote(header))) {}
   bool isMadeFor(uint32_t options) const { return ((packed_ ^ options) & RX_OPT_CASELESS) == 0; }
   uint32_t numCharSets() const { return packed_ >> 8 & 3; }
   HighBytes highBytes() const { return static_cast<HighBytes>(packed_ >> 10 & 3); }
@@ -94,7 +94,7 @@ class ClassNote {
 const Set128* otherClassSet(const RxNode& header);
 inline const Set128* classSet(const RxNode& header, uint32_t options) {
   if (!ClassNote(header).isMadeFor(options)) return otherClassSet(header);
-  return static_cast<const Set128*>(header.text);
+  return recordOf(header);
 }
 
 // Whether the class accepts a character; `byte` is its first byte.

@@ -21,7 +21,7 @@ int64_t fixedWidth(const RxNode* nodes, int32_t first, int32_t last) {
     const RxNode& node = nodes[i];
     switch (node.code) {
       case RX_CLASS:
-        i += node.op2;
+        i += memberCount(node);
         [[fallthrough]];
       case RX_CHAR:
       case RX_CHARTYPE:
@@ -34,25 +34,25 @@ int64_t fixedWidth(const RxNode* nodes, int32_t first, int32_t last) {
         itemWidth = 1;
         break;
       case RX_STRING:
-        width = plus(width, node.op2);
+        width = plus(width, stringLength(node));
         break;
       case RX_REPEAT:
       case RX_REPEAT_LAZY:
-        if (node.op1 >= 1) width = plus(width, (node.op1 - 1) * itemWidth);
+        if (minOf(node) >= 1) width = plus(width, (minOf(node) - 1) * itemWidth);
         break;
       case RX_LOOKBEHIND:
       case RX_NLOOKBEHIND:
       case RX_LOOKAHEAD:
       case RX_NLOOKAHEAD:
-        i += node.op2;
+        i += bodyLength(node);
         break;
       case RX_CAPTURE:
       case RX_GROUP:
       case RX_ATOMIC:
-        itemWidth = fixedWidth(nodes, i + 1, i + 1 + node.op2);
+        itemWidth = fixedWidth(nodes, i + 1, i + 1 + bodyLength(node));
         if (itemWidth < 0) return -1;
         width = plus(width, itemWidth);
-        i += node.op2;
+        i += bodyLength(node);
         break;
       case RX_ALT:
         if (firstAlternative >= 0 && width != firstAlternative) return -1;
@@ -73,7 +73,7 @@ int64_t simpleWidth(const RxNode* nodes, int32_t first, int32_t last) {
     const RxNode& node = nodes[i];
     switch (node.code) {
       case RX_CLASS:
-        i += node.op2;
+        i += memberCount(node);
         [[fallthrough]];
       case RX_CHAR:
       case RX_CHARTYPE:
@@ -85,13 +85,13 @@ int64_t simpleWidth(const RxNode* nodes, int32_t first, int32_t last) {
         width += 1;
         break;
       case RX_STRING:
-        width += node.op2;
+        width += stringLength(node);
         break;
       case RX_REPEAT:
         break;
       case kGap:
-        width += node.op1;
-        i += node.op2;
+        width += gapWidth(node);
+        i += bodyLength(node);
         break;
       default:
         return -1;

@@ -25,12 +25,12 @@ enum class Anchor {
 int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, int32_t length) {
   if (state.trailingLiteral < 0) return length;
   const RxNode& literal = state.nodes()[state.trailingLiteral];
-  const auto byte = static_cast<uint8_t>(literal.op1);
+  const auto byte = static_cast<uint8_t>(byteOf(literal));
   const bool isByte = codeOf(literal) == RX_CHAR;
-  const uint8_t* const bytes = isByte ? &byte : static_cast<const uint8_t*>(literal.text);
-  const int32_t literalLength = isByte ? 1 : literal.op2;
+  const uint8_t* const bytes = isByte ? &byte : stringOf(literal);
+  const int32_t literalLength = isByte ? 1 : stringLength(literal);
   int32_t index = -1;
-  if (static_cast<uint32_t>(literal.op3) & RX_OPT_CASELESS) {
+  if (static_cast<uint32_t>(literalOptions(literal)) & RX_OPT_CASELESS) {
     index = findRevCaseless(text, length, bytes, literalLength);
   } else if (isByte) {
     ulksFindRevC_8u(text, length, byte, &index);
@@ -44,8 +44,9 @@ Anchor anchorOf(const ulkRegExpState& state) {
   const RxNode* const nodes = state.nodes();
   if (state.numNodes == 0 || codeOf(nodes[0]) != RX_ASSERT || startFilterOf(state).firstBar >= 0)
     return Anchor::kNone;
-  const bool optional = state.numNodes > 1 && isQuantifier(nodes[1]) && nodes[1].op1 == 0;
-  switch (nodes[0].op1) {
+  const RxNode* const quantifier = quantifierOf(nodes, state.numNodes, 0);
+  const bool optional = quantifier && minOf(*quantifier) == 0;
+  switch (assertionOf(nodes[0])) {
     case '^':
       // An optional "^" with multiline still restricts the search to line starts.
       if (state.options & RX_OPT_MULTILINE) return Anchor::kLineStart;
@@ -111,7 +112,7 @@ const uint8_t* Search::nextStart(const uint8_t* at) const {
 // Tries the top-level alternatives behind the first one. Options that a failed try has changed stay in force.
 bool Search::matchFurtherAlternative() {
   for (const RxNode* bar = m_.nodes + firstBar_; bar; bar = nextBar(*bar)) {
-    m_.setOptions(bar->op2);
+    m_.setOptions(optionsBehind(*bar));
     if (m_.budget >= 0 && bar + 1 != m_.programEnd && failsAtLiteral(m_, bar + 1, m_.matchStart)) {
       --m_.budget;
     } else if (rxMatch(m_, bar + 1)) {

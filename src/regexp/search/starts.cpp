@@ -29,12 +29,8 @@ constexpr ptrdiff_t kStride = 4096;
 
 ptrdiff_t strideOf(const ulkRegExpState& state, const StartFilter& filter) {
   const bool isString = filter.kind == StartKind::kString || filter.kind == StartKind::kCaselessString;
-  return isString ? std::max<ptrdiff_t>(kStride, 4 * ptrdiff_t{state.nodes()[filter.item].op2}) : kStride;
-}
-
-bool isQuantified(const ulkRegExpState& state, int32_t item) {
-  const int32_t next = nextItem(state.nodes(), item);
-  return next < state.numNodes && isQuantifier(state.nodes()[next]);
+  return isString ? std::max<ptrdiff_t>(kStride, 4 * ptrdiff_t{stringLength(state.nodes()[filter.item])})
+                  : kStride;
 }
 
 // Calls `run` with the set in the form for vectors.
@@ -52,7 +48,7 @@ Starts::Starts(MatchContext& m, const ulkRegExpState& state)
       set_(state.frames[kStartSetFrame].bytes),
       pair_(state.frames[kStartPairFrame].pair),
       stride_(strideOf(state, filter_)),
-      beginsWithItem_(filter_.item >= 0 && !isQuantified(state, filter_.item)),
+      beginsWithItem_(filter_.item >= 0 && !quantifierOf(state.nodes(), state.numNodes, filter_.item)),
       asciiEnd_(nullptr),
       runEnd_(nullptr),
       attemptsEnd_(nullptr) {}
@@ -113,11 +109,11 @@ int32_t Starts::find(const uint8_t* at, int32_t length) const {
     case StartKind::kString:
     case StartKind::kCaselessString: {
       const RxNode& literal = m_.nodes[filter_.item];
-      const auto reach =
-          static_cast<int32_t>(std::min<int64_t>(int64_t{length} + literal.op2 - 1, m_.textEnd - at));
-      const auto* const bytes = static_cast<const uint8_t*>(literal.text);
-      found = filter_.kind == StartKind::kString ? findSubstring(at, reach, bytes, literal.op2)
-                                                 : findCaseless(at, reach, bytes, literal.op2);
+      const auto reach = static_cast<int32_t>(
+          std::min<int64_t>(int64_t{length} + stringLength(literal) - 1, m_.textEnd - at));
+      found = filter_.kind == StartKind::kString
+                  ? findSubstring(at, reach, stringOf(literal), stringLength(literal))
+                  : findCaseless(at, reach, stringOf(literal), stringLength(literal));
       break;
     }
     case StartKind::kLineStart:
@@ -228,8 +224,8 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
   attemptsEnd_ = filter_.kind == StartKind::kBoundary ? at : end;
   if (end == at || (end < m_.textEnd && set_.contains(*end))) return at;
 
-  const int32_t least = m_.nodes[filter_.run].op1;
-  if (m_.nodes[filter_.run].op2 != kUnbounded) return passBounded(at, end, follow);
+  const int32_t least = minOf(m_.nodes[filter_.run]);
+  if (maxOf(m_.nodes[filter_.run]) != kUnbounded) return passBounded(at, end, follow);
   const uint8_t* last = end;
   if (follow.note.disjoint()) {
     if (!follow.admits(m_, last)) last = at;
@@ -253,22 +249,22 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
 
 // As passRun, one attempt after the other, for a repeat with a bound.
 const uint8_t* Starts::passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow) {
-  const RxNode& bounds = m_.nodes[filter_.run];
+  const int32_t least = minOf(m_.nodes[filter_.run]);
   // Where none of the items may follow the repeat, only the run's end is a place to go on from.
   const bool onlyAtEnd = follow.note.disjoint();
   const bool admitsEnd = follow.admits(m_, end);
   int64_t steps = 0;
   while (at < end && steps <= m_.budget) {
-    const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(bounds.op2, end - at));
+    const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(maxOf(m_.nodes[filter_.run]), end - at));
     bool hopeless = true;
     if (onlyAtEnd) {
-      hopeless = !admitsEnd || most < end - at || most < bounds.op1;
+      hopeless = !admitsEnd || most < end - at || most < least;
     } else {
-      for (int32_t count = most; count >= bounds.op1 && hopeless; --count)
+      for (int32_t count = most; count >= least && hopeless; --count)
         hopeless = !follow.admits(m_, at + count);
     }
     if (!hopeless) break;
-    steps += filter_.steps + int64_t{std::max(most - bounds.op1 + 1, 0)} * follow.note.steps();
+    steps += filter_.steps + int64_t{std::max(most - least + 1, 0)} * follow.note.steps();
     ++at;
     if (filter_.kind == StartKind::kBoundary) break;
   }
