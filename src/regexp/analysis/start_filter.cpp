@@ -186,6 +186,7 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   if (state.numNodes == 0) return filter;
   if (nodes[0].code == RX_ASSERT && assertionOf(nodes[0]) == kLeadingDotStar && filter.firstBar < 0) {
     filter.kind = StartKind::kLineStart;
+    filter.ascii = true;
     filter.steps = 1;
     filter.options = static_cast<uint8_t>(state.options);
     return filter;
@@ -205,6 +206,7 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   filter.item = items.itemOptions == filter.options ? items.soleItem : -1;
   filter.run = runOf(nodes, state.numNodes, filter.item, filter.options);
   filter.kind = kindOf(items, nodes, filter);
+  filter.ascii = !(items.set.words[4] | items.set.words[5] | items.set.words[6] | items.set.words[7]);
   filter.literals = beginsWithLiterals(state, filter);
   if (filter.kind != StartKind::kAny) state.frames[kStartSetFrame].bytes = items.set;
   StartPair& pair = state.frames[kStartPairFrame].pair;

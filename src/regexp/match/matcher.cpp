@@ -102,7 +102,7 @@ __attribute__((noinline)) Outcome goOnIn(MatchContext& m) {
   m.choices.moveTo(memory, kSize);
   const Outcome outcome = goOn(m.at, m.node, m);
   if (outcome != Outcome::kOutOfChoices) return outcome;
-  m.budget = -1;
+  m.budget.exhaust();
   return fail(m);
 }
 
@@ -110,7 +110,7 @@ __attribute__((noinline)) Outcome goOnIn(MatchContext& m) {
 __attribute__((noinline)) bool finish(MatchContext& m, Outcome outcome) {
   if (outcome == Outcome::kOutOfChoices) {
     const Choices before = m.choices;
-    outcome = m.budget <= kDefaultMatchLimit ? goOnIn<kDefault>(m) : goOnIn<kDeep>(m);
+    outcome = m.budget.left() <= kDefaultMatchLimit ? goOnIn<kDefault>(m) : goOnIn<kDeep>(m);
     m.choices = before;
   }
   m.choices.clear();

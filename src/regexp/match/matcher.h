@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "regexp/match/budget.h"
 #include "regexp/match/choices.h"
 #include "regexp/program/program.h"
 #include "regexp/program/state.h"
@@ -52,8 +53,8 @@ struct MatchContext {
 
   const uint8_t* matchStart;  // of the attempt
   uint32_t options;           // in force, of kMatcherOptions; an attempt leaves them as it ends
-  int32_t budget;             // steps still allowed, -1 when exhausted
-  Surplus surplus;            // what the match length counts more than the distance
+  StepBudget budget;
+  Surplus surplus;  // what the match length counts more than the distance
 
   // Where the attempt ended, or is to go on when there is room for choices again.
   const uint8_t* at;

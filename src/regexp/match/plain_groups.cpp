@@ -10,8 +10,8 @@ namespace {
 // Finds the first alternative, from the one after this bar or open node on, that a literal does not rule out,
 // and pays for those before it. Null if there is none.
 ULK_INLINE const RxNode* hopefulAlternative(MatchContext& m, const uint8_t* at, const RxNode* bar) {
-  while (bar && m.budget >= 0 && failsAtLiteral(m, bar + 1, at)) {
-    --m.budget;
+  while (bar && !m.budget.isExhausted() && failsAtLiteral(m, bar + 1, at)) {
+    m.budget.payStep();
     bar = nextBar(*bar);
   }
   return bar;

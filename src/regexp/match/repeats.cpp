@@ -18,11 +18,11 @@ namespace {
 
 // A try that runs out of budget on its way is made, not paid for.
 ULK_INLINE bool canPay(const MatchContext& m, const Follow& follow, int64_t tries) {
-  return follow.cost(tries) <= m.budget;
+  return m.budget.suffices(follow.cost(tries));
 }
 
 ULK_INLINE void payForTries(MatchContext& m, const Follow& follow, int32_t tries) {
-  m.budget -= static_cast<int32_t>(follow.cost(tries));
+  m.budget.pay(follow.cost(tries));
   if (follow.note.entersGroup() && tries > 0) m.surplus.clear();
 }
 
@@ -109,7 +109,7 @@ ULK_INLINE Outcome tryBehind(const RxNode* quantifier, MatchContext& m, const Gr
 ULK_INLINE Outcome tryAll(const RxNode* quantifier, MatchContext& m, Greedy greedy) {
   if (greedy.spare == 0) return goOn(greedy.at, quantifier + 1, m);
   // At the program's end nothing can make the repeat give back.
-  if (quantifier + 1 == m.runEnd && m.run == kNoRun && !m.nonEmpty && m.budget >= 0)
+  if (quantifier + 1 == m.runEnd && m.run == kNoRun && !m.nonEmpty && !m.budget.isExhausted())
     return goOn(greedy.at, quantifier + 1, m);
   const Follow follow = followOf(m, *quantifier, m.options);
   if (follow.excludes(m, greedy.at) && canPay(m, follow, int64_t{greedy.spare} + 1)) {
@@ -171,7 +171,7 @@ ULK_STEP stepGreedyItem(const uint8_t* at, const RxNode* node, MatchContext& m) 
 namespace {
 
 ULK_INLINE Outcome retryGreedy(MatchContext& m, Greedy greedy, const RxNode* quantifier, bool asForeseen) {
-  if (m.budget < 0) return fail(m);
+  if (m.budget.isExhausted()) return fail(m);
   const Follow follow = asForeseen ? followOf(m, *quantifier, m.options) : noFollow(*quantifier);
   if (!giveBackForNextTry(m, greedy, follow)) return fail(m);
   return tryBehind(quantifier, m, greedy, asForeseen);
@@ -237,7 +237,7 @@ int32_t stillAllowed(const LazyChoice& choice) { return choice.most - choice.cou
 // Takes items of one byte as long as what follows cannot begin before them, and pays for the tries.
 const uint8_t* takeHopelessItems(MatchContext& m, LazyChoice& choice, const RxNode& item, const uint8_t* from,
                                  const Follow& follow) {
-  const int32_t affordable = m.budget / follow.note.steps();
+  const int32_t affordable = m.budget.left() / follow.note.steps();
   const int32_t most = std::min({stillAllowed(choice), m.remaining(from), affordable});
   const uint8_t* const end = from + std::max(most, 0);
   const uint8_t* at = from;
@@ -291,10 +291,10 @@ ULK_STEP continueLazy(const uint8_t* at, const RxNode* item, MatchContext& m) {
   const RxNode* const quantifier = afterItem(item);
   const RxNode* const next = quantifier + 1;
   const Follow follow = choice.count.flag() ? followOf(m, *quantifier, m.options) : noFollow(*quantifier);
-  if (follow.set && m.budget > 0) at = takeHopelessItems(m, choice, *item, at, follow);
+  if (follow.set && m.budget.suffices(1)) at = takeHopelessItems(m, choice, *item, at, follow);
   const bool looks = looksForLiteral(m, *item, next);
   for (;;) {
-    if (m.budget < 0) return exhaustLazy(at, *item, m);
+    if (m.budget.isExhausted()) return exhaustLazy(at, *item, m);
     if (looks) {
       at = takeToLiteral(m, choice, *item, at, byteOf(*next));
       if (at >= m.textEnd || *at != byteOf(*next)) return failLazy(*item, m);
@@ -331,7 +331,7 @@ ULK_STEP continueLazyCodePoint(const uint8_t* at, const RxNode* item, MatchConte
   for (;;) {
     const Utf8Char character = characterFor(m, *item, at);
     if (!codePointAccepts(*item, character.value, m.options)) return runMatched(at, item, m);
-    if (m.budget >= 0) break;
+    if (!m.budget.isExhausted()) break;
     at += character.length;
     if (!takeCharacter(m, choice, at)) return failRepeat(m);
   }
@@ -344,7 +344,7 @@ ULK_STEP continueLazyProperty(const uint8_t* at, const RxNode* item, MatchContex
   auto& choice = m.choices.top<LazyChoice>();
   for (;;) {
     const Utf8Char character = decodeUtf8(at);
-    if (m.budget < 0) return failRepeat(m);
+    if (m.budget.isExhausted()) return failRepeat(m);
     if (propertyAccepts(*item, character.value)) break;
     at += character.length;
     if (!takeCharacter(m, choice, at)) return failRepeat(m);

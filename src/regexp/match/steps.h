@@ -25,16 +25,16 @@ ULK_STEP runEnded(const uint8_t* at, const RxNode* node, MatchContext& m);
 
 // Goes on at the node, which is a step of its own.
 ULK_INLINE Outcome goOn(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  if (m.budget < 0) return fail(m);
+  if (m.budget.isExhausted()) return fail(m);
   if (node == m.runEnd) return runEnded(at, node, m);
   if (at > m.textEnd) return fail(m);
-  --m.budget;
+  m.budget.payStep();
   return m.steps[static_cast<size_t>(stepOf(*node))](at, node, m);
 }
 
 // The same after a choice has been left.
 ULK_INLINE Outcome goOnWithChoice(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  if (m.choices.hasRoom() || m.budget < 0) return goOn(at, node, m);
+  if (m.choices.hasRoom() || m.budget.isExhausted()) return goOn(at, node, m);
   m.at = at;
   m.node = node;
   return Outcome::kOutOfChoices;

@@ -101,10 +101,10 @@ ULK_INLINE int32_t lengthInPlace(const MatchContext& m, const RxNode* node, cons
 // Whether a row of items matches, each of which is a step. A bar at its end is one as well.
 bool itemsMatch(const uint8_t* at, const RxNode* node, MatchContext& m) {
   for (;;) {
-    if (m.budget < 0) return false;
+    if (m.budget.isExhausted()) return false;
     if (codeOf(*node) == RX_END) return true;
     if (at > m.textEnd) return false;
-    --m.budget;
+    m.budget.payStep();
     if (codeOf(*node) == RX_ALT) return true;
     const int32_t length = lengthInPlace(m, node, at);
     if (length == kNoMatch) return false;
@@ -273,11 +273,11 @@ ULK_STEP stepAtomicRepeat(const uint8_t* at, const RxNode* node, MatchContext& m
   if (m.nonEmpty) return stepAtomic(at, node, m);
   const RxNode* const item = node + 1;
   const RxNode& quantifier = *afterItem(item);
-  if (m.budget <= 0) {
-    m.budget = -1;
+  if (!m.budget.suffices(1)) {
+    m.budget.exhaust();
     return fail(m);
   }
-  --m.budget;
+  m.budget.payStep();
   const Taken taken = takeAll(m, item, quantifier, at);
   return taken.count < minOf(quantifier) ? fail(m) : goOn(taken.end, endOf(node) + 1, m);
 }

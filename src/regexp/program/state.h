@@ -68,7 +68,7 @@ struct StartPair {
 };
 
 // Where a match may begin (start_filter.h). "The set" is that in frame kStartSetFrame.
-enum class StartKind : int32_t {
+enum class StartKind : uint8_t {
   kAny,             // nothing is known: every position is tried
   kString,          // with the string at `item`
   kCaselessString,  // the same, letters in either case
@@ -81,15 +81,16 @@ enum class StartKind : int32_t {
 
 struct StartFilter {
   StartKind kind;
-  int32_t steps;          // that an attempt elsewhere costs
-  int32_t boundarySteps;  // that it costs where there is no word boundary
   uint8_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
   bool literals;    // there are several ways to begin, each with a literal, which the same frame tells
+  bool ascii;       // no match begins with a byte from 0x80 on
   bool hasPair;     // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
   SmallSet small;   // the set, where it is one
-  int32_t item;     // the node of the one item that every match begins with, -1 if there are several
-  int32_t run;      // the quantifier of that item, if runs of it can be passed over, 0 if not
-  int32_t firstBar;  // the first top-level bar, -1 without one
+  int32_t steps;    // that an attempt elsewhere costs
+  int32_t boundarySteps;  // that it costs where there is no word boundary
+  int32_t item;           // the node of the one item that every match begins with, -1 if there are several
+  int32_t run;            // the quantifier of that item, if runs of it can be passed over, 0 if not
+  int32_t firstBar;       // the first top-level bar, -1 without one
 };
 inline constexpr int32_t kStartSetFrame = kNumFrames - 1;
 inline constexpr int32_t kStartPairFrame = kNumFrames - 2;

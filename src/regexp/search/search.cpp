@@ -69,8 +69,6 @@ class Search {
         end_(text + cutAtTrailingLiteral(state, text, length)) {
     prepareMatcher(m_, state, choices_);
     m_.textStart = text;
-    m_.options = state.options & kMatcherOptions;
-    m_.budget = state.matchLimit;
   }
 
   ulkStatus find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
@@ -79,13 +77,14 @@ class Search {
   int32_t numWritten() const { return numWritten_; }
 
  private:
+  ulkStatus findOnce(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches, bool payExactly);
   ulkStatus findOne(ulkRegExpFind* records, int32_t* numRecords);
   ulkStatus findAll(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
   bool findFrom(const uint8_t* start, const uint8_t* end);
   bool matchAt(const uint8_t* start);
   bool matchFurtherAlternative();
   const uint8_t* nextStart(const uint8_t* at) const;
-  bool outOfBudget() const { return m_.budget < 0; }
+  bool outOfBudget() const { return m_.budget.isExhausted(); }
   void copyCaptures(ulkRegExpFind* records, int32_t first, int32_t last);
 
   ulkRegExpState& state_;
@@ -113,8 +112,8 @@ const uint8_t* Search::nextStart(const uint8_t* at) const {
 bool Search::matchFurtherAlternative() {
   for (const RxNode* bar = m_.nodes + firstBar_; bar; bar = nextBar(*bar)) {
     m_.setOptions(optionsBehind(*bar));
-    if (m_.budget >= 0 && bar + 1 != m_.programEnd && failsAtLiteral(m_, bar + 1, m_.matchStart)) {
-      --m_.budget;
+    if (!m_.budget.isExhausted() && bar + 1 != m_.programEnd && failsAtLiteral(m_, bar + 1, m_.matchStart)) {
+      m_.budget.payStep();
     } else if (rxMatch(m_, bar + 1)) {
       return true;
     }
@@ -186,9 +185,22 @@ ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords, bool whol
   return ulkOk;
 }
 
-ulkStatus Search::find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches) {
+ulkStatus Search::findOnce(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches, bool payExactly) {
+  m_.options = state_.options & kMatcherOptions;
+  m_.nonEmpty = false;
+  m_.budget.start(state_.matchLimit, payExactly);
+  numWritten_ = 0;
   if (state_.options & RX_OPT_GLOBAL) return findAll(records, numRecords, wholeMatches);
   return findOne(records, numRecords);
+}
+
+ulkStatus Search::find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches) {
+  const int32_t capacity = *numRecords;
+  const ulkStatus status = findOnce(records, numRecords, wholeMatches, false);
+  if (!m_.budget.mayHaveSufficed()) return status;
+  *numRecords = capacity;
+  starts_.restart();
+  return findOnce(records, numRecords, wholeMatches, true);
 }
 
 }  // namespace

@@ -23,16 +23,6 @@ size_t asciiPrefix(const uint8_t* text, size_t length) {
   return i;
 }
 
-// How far to look before paying, lest a small budget reads a long text. A search for a string has to set up
-// and to look beyond the stride as well, so a long one takes longer strides.
-constexpr ptrdiff_t kStride = 4096;
-
-ptrdiff_t strideOf(const ulkRegExpState& state, const StartFilter& filter) {
-  const bool isString = filter.kind == StartKind::kString || filter.kind == StartKind::kCaselessString;
-  return isString ? std::max<ptrdiff_t>(kStride, 4 * ptrdiff_t{stringLength(state.nodes()[filter.item])})
-                  : kStride;
-}
-
 // Calls `run` with the set in the form for vectors.
 template <class Run>
 auto withSet(const SmallSet& set, Run run) {
@@ -47,14 +37,18 @@ Starts::Starts(MatchContext& m, const ulkRegExpState& state)
       filter_(startFilterOf(state)),
       set_(state.frames[kStartSetFrame].bytes),
       pair_(state.frames[kStartPairFrame].pair),
-      stride_(strideOf(state, filter_)),
       beginsWithItem_(filter_.item >= 0 && !quantifierOf(state.nodes(), state.numNodes, filter_.item)),
       asciiEnd_(nullptr),
       runEnd_(nullptr),
       attemptsEnd_(nullptr) {}
 
-void Starts::pay(int64_t steps) {
-  m_.budget = static_cast<int32_t>(std::max<int64_t>(m_.budget - steps, -1));
+// How far to look before paying, lest a small budget reads a long text. A search for a string has to set up
+// and to look beyond the stride as well, so a long one takes longer strides.
+ptrdiff_t Starts::stride() const {
+  constexpr ptrdiff_t kLeast = 4096;
+  if (!m_.budget.paysExactly()) return std::max<ptrdiff_t>(kLeast, m_.budget.left() / filter_.steps);
+  const bool isString = filter_.kind == StartKind::kString || filter_.kind == StartKind::kCaselessString;
+  return isString ? std::max<ptrdiff_t>(kLeast, 4 * ptrdiff_t{stringLength(m_.nodes[filter_.item])}) : kLeast;
 }
 
 const uint8_t* Starts::characterAfter(const uint8_t* at) const {
@@ -64,7 +58,7 @@ const uint8_t* Starts::characterAfter(const uint8_t* at) const {
 // Where the ASCII text ends that begins at this place, or how far that is known.
 const uint8_t* Starts::asciiEnd(const uint8_t* at) {
   if (asciiEnd_ <= at)
-    asciiEnd_ = at + asciiPrefix(at, static_cast<size_t>(std::min(m_.textEnd - at, stride_)));
+    asciiEnd_ = at + asciiPrefix(at, static_cast<size_t>(std::min(m_.textEnd - at, stride())));
   return asciiEnd_;
 }
 
@@ -80,14 +74,19 @@ int32_t Starts::passCharacters(const uint8_t*& at, const uint8_t* end) {
   return count;
 }
 
-// Pays for the attempts at all positions in [at, end), and returns the next one.
+// Pays for the attempts at all positions in [at, end), and returns the next one. There are fewer than bytes
+// where characters are counted; where a match begins with an ASCII byte it is the beginning of one anyway.
 const uint8_t* Starts::payForAll(const uint8_t* at, const uint8_t* end) {
   int64_t starts = end - at;
-  if (state_.format == kFormatUtf8) {
-    starts = passCharacters(at, end);
-  } else {
-    at = end;
+  if (state_.format != kFormatUtf8) {
+    pay(starts * filter_.steps);
+    return end;
   }
+  if (filter_.ascii && !m_.budget.paysExactly()) {
+    m_.budget.payBound(starts * filter_.steps);
+    return end;
+  }
+  starts = passCharacters(at, end);
   pay(starts * filter_.steps);
   return at;
 }
@@ -254,7 +253,7 @@ const uint8_t* Starts::passBounded(const uint8_t* at, const uint8_t* end, const 
   const bool onlyAtEnd = follow.note.disjoint();
   const bool admitsEnd = follow.admits(m_, end);
   int64_t steps = 0;
-  while (at < end && steps <= m_.budget) {
+  while (at < end && m_.budget.suffices(steps)) {
     const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(maxOf(m_.nodes[filter_.run]), end - at));
     bool hopeless = true;
     if (onlyAtEnd) {
@@ -301,8 +300,8 @@ bool Starts::passPairless(const uint8_t*& at, const uint8_t* end) {
 
 const uint8_t* Starts::skip(const uint8_t* at) {
   constexpr ptrdiff_t kNear = 8;
-  while (at < m_.textEnd && m_.budget >= 0) {
-    const uint8_t* const end = at + std::min(m_.textEnd - at, stride_);
+  while (at < m_.textEnd && !m_.budget.isExhausted()) {
+    const uint8_t* const end = at + std::min(m_.textEnd - at, stride());
     if (filter_.kind == StartKind::kBoundary) {
       at = passNonBoundaries(at, end);
       if (at >= end) continue;

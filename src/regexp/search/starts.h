@@ -24,6 +24,9 @@ class Starts {
     return skip(at);
   }
 
+  // The search begins anew.
+  void restart() { asciiEnd_ = runEnd_ = attemptsEnd_ = nullptr; }
+
  private:
   const uint8_t* skip(const uint8_t* at);
   const uint8_t* characterAfter(const uint8_t* at) const;
@@ -42,14 +45,14 @@ class Starts {
   Place findBoundary(const uint8_t* text, int32_t length) const;
   Place findPlace(const uint8_t* text, int32_t length) const;
   const uint8_t* payForAll(const uint8_t* at, const uint8_t* end);
-  void pay(int64_t steps);
+  void pay(int64_t steps) { m_.budget.pay(steps); }
+  ptrdiff_t stride() const;
 
   MatchContext& m_;
   const ulkRegExpState& state_;
   const StartFilter& filter_;
   const ByteSet256& set_;
   const StartPair& pair_;
-  const ptrdiff_t stride_;
   const bool beginsWithItem_;   // that every match begins with, once
   const uint8_t* asciiEnd_;     // of the ASCII text that was looked at last
   const uint8_t* runEnd_;       // of the run that was looked at last
