@@ -15,11 +15,10 @@ void analyse(ulkRegExpState& state, SpareWords spare);
 // Its stages, in their order.
 
 // Links every bar to the next one of its group, every open node to the group's first bar, and the ends of
-// plain groups to their open nodes, all by `text`.
+// plain groups to their open nodes.
 void linkGroups(ulkRegExpState& state);
 
-// Makes the records of all classes. `op3` of an RX_CLASS node tells how many bytes of the pattern it comes
-// from.
+// Makes the records of all classes.
 void makeClassSets(ulkRegExpState& state, SpareWords spare);
 
 // Chooses how each node is run; the codes of the nodes hold more than before from then on.

@@ -1,6 +1,7 @@
 #include "regexp/analysis/first_bytes.h"
 
 #include "regexp/program/class_sets.h"
+#include "regexp/text/bytes.h"
 
 namespace ulk {
 
@@ -25,6 +26,7 @@ void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
     case RX_STRING:
       return addByte(*stringOf(item), options, set);
     case RX_CHARTYPE:
+      if (byteSetOf(letterOf(item), options) == 0) break;
       return addShorthand(letterOf(item), options, set);
     case RX_CLASS:
       return addClassBytes(item, options, set);
@@ -35,8 +37,9 @@ void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
       addAsciiOf(item, options, set);
       return addMultibyte(set);
     default:
-      for (uint32_t& word : set.words) word = ~0u;
+      break;
   }
+  for (uint32_t& word : set.words) word = ~0u;
 }
 
 bool FirstBytes::ofProgram(uint32_t options, const RxNode* firstBar) {
@@ -105,9 +108,9 @@ void FirstBytes::noteItem(int32_t node, uint32_t options) {
   itemOptions = options;
 }
 
-// Adds what nodes[node, end) can begin with: optional items and groups, and the first that is required. Open
-// when none is before the end or the end of the alternative that the node is in; then node and options are
-// those there.
+// Walks over nodes[node, end) and adds what each item and group can begin with, up to the first that must
+// match: a, b, c and d for `a?(b|c)*de`, which is then decided. It is open when none must, as in the first
+// alternative of `(a?b*|c)d`; then node and options are those at the bar or end that was reached.
 FirstBytes::Way FirstBytes::sequence(int32_t& node, int32_t end, uint32_t& options) {
   const int32_t depth = depth_;
   Way way = Way::kOpen;

@@ -29,14 +29,13 @@ class FirstBytes {
   bool ofRest(int32_t node, uint32_t options, bool afterWord);
 
   ByteSet256 set{};
-  bool atEnd = false;  // the text's end lets the program go on as well
-  int32_t steps = 0;   // that a failing attempt costs
-  int32_t boundarySteps =
-      0;                  // that it costs where the \b fails with which the program begins, 0 if it does not
-  int32_t soleItem = -1;  // the one item that must come first, -1 where there are several
-  uint32_t itemOptions = 0;  // in force at that item
-  bool entersGroup = false;  // it fails in a group, which leaves no surplus behind
-  uint32_t exitOptions = 0;  // in force when an attempt of the whole program has failed
+  bool atEnd = false;         // the text's end lets the program go on as well
+  int32_t steps = 0;          // that a failing attempt costs
+  int32_t boundarySteps = 0;  // that it costs where a \b fails that the program begins with; 0 without one
+  int32_t soleItem = -1;      // the one item that must come first, -1 where there are several
+  uint32_t itemOptions = 0;   // in force at that item
+  bool entersGroup = false;   // it fails in a group, which leaves no surplus behind
+  uint32_t exitOptions = 0;   // in force when an attempt of the whole program has failed
 
  private:
   enum class Way { kDecided, kUndecided, kOpen };
@@ -60,7 +59,8 @@ class FirstBytes {
   Before before_ = Before::kUnknown;
 };
 
-// The bytes that can begin what an item matches, as far as one byte can tell: from 0x80 on it usually cannot.
+// Adds the bytes that can begin what an item matches, as far as one byte can tell: from 0x80 on it usually
+// cannot. Of an item or a shorthand that is not known here, any byte.
 void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set);
 
 }  // namespace ulk

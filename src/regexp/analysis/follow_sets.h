@@ -1,6 +1,4 @@
-// The bytes that may follow a repeat.
-//
-// The quantifier of a repeated item points to the set of them by `text`; `op3` is a packed FollowNote.
+// The bytes that may follow a repeat: their set, which the quantifier points to, and a FollowNote about it.
 #pragma once
 
 #include <cstdint>

@@ -136,8 +136,11 @@ bool addSecondByte(const RxNode& literal, uint32_t options, ByteSet256& set) {
   return true;
 }
 
-// Finds out what comes right behind the first byte of every match, where attempts without it all cost the
-// same.
+// Finds out what must stand right behind the first byte of every match, so that a search looks for both:
+//  - for `abc|axe` or `\babc`, where every way to begin is a literal: one of their second bytes
+//  - for `[ab]{3}`: two more bytes of the first set
+//  - for `[ab]c`: a byte that the next item begins with; without it an attempt costs one step more
+// False where those bytes are no small set, `a.`, or need not come, `[ab]c?`.
 bool describePair(const ulkRegExpState& state, const StartFilter& filter, StartPair& pair) {
   const RxNode* const nodes = state.nodes();
   const bool ascii =
@@ -177,8 +180,8 @@ int32_t firstTopLevelBar(const RxNode* nodes, int32_t numNodes) {
   return -1;
 }
 
-// The filter for attempts that begin with these options, kAny where the options or the items do not allow
-// one.
+// The filter, kAny where the first byte does not decide. It is for attempts that begin with the options that
+// a failed one leaves: for `(?i)ab` all but the first, which begins without i.
 StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   const RxNode* const nodes = state.nodes();
   StartFilter filter{};
@@ -192,7 +195,6 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
     return filter;
   }
 
-  // An option change at the start is in force from the second attempt on; the filter is for those.
   FirstBytes items(state);
   const RxNode* const firstBar = filter.firstBar < 0 ? nullptr : nodes + filter.firstBar;
   if (!hasFrames || !items.ofProgram(state.options, firstBar)) return filter;

@@ -1,3 +1,4 @@
+// The exported search. In: a text and an expression. Out: a status and find records.
 #include "frame/export.h"
 #include "regexp/search/search.h"
 

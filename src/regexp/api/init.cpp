@@ -1,4 +1,6 @@
 // The expression object: how large it is, how it is made, and the two settings that searching reads from it.
+//
+// In: a pattern and its options. Out: a state that is ready for searches, or a status and the byte to blame.
 #include <cstring>
 
 #include "frame/export.h"

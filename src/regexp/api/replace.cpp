@@ -1,4 +1,4 @@
-// Replacement: the search's records and a template turned into a new text.
+// Replacement. In: a text, an expression and a template. Out: a new text, and how far it got in both texts.
 //
 // The text is copied in pieces, each whole or not at all. A group that took no part has the length -1 and is
 // counted like every other length, so positions are sums that may fall below the start of a match's

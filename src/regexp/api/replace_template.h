@@ -1,5 +1,5 @@
-// A replacement template, prepared: a list of items, each a run of the template's own text or a reference to
-// a group. The list lies in a buffer that the caller provides and points into the caller's template.
+// A replacement template, prepared. In: the template's text. Out: a list of items, each a run of that text or
+// a reference to a group. The list lies in a buffer that the caller provides and points into the template.
 #pragma once
 
 #include <cstdint>

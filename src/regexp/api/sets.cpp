@@ -1,4 +1,6 @@
 // Pattern sets: numbered slots that hold the caller's expressions, searched together over one text.
+//
+// In: expressions with their ids, and a text. Out: for each slot a status and find records.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

@@ -800,9 +800,8 @@ void Compiler::noteLiteral(RxNode& node) {
   literalOptions(node) = static_cast<int32_t>(options_);
 }
 
-// A repeated byte ends the expression's text only if it is there at least once. That this also forgets a
-// top-level bar
-// ("a|b*c" ends with c) is how expressions have always been searched.
+// A repeated byte ends the expression's text only if it is there at least once. That it also makes a literal
+// behind it count in spite of a top-level bar, "c" in `a|b*c`, is how expressions have always been searched.
 void Compiler::noteQuantifiedByte(int32_t min, bool splitOff) {
   RxNode& node = lastNode();
   if (node.code != RX_CHAR && node.code != RX_CODEPOINT) return;

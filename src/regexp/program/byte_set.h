@@ -13,7 +13,7 @@ struct ByteSet256 {
 };
 
 void addAll(const ByteSet256& other, ByteSet256& set);
-void addByte(int32_t byte, uint32_t options, ByteSet256& set);  // in both cases where letters match in either
+void addByte(int32_t byte, uint32_t options, ByteSet256& set);  // in both cases with i; above 255 none
 void addShorthand(int32_t letter, uint32_t options, ByteSet256& set);
 
 }  // namespace ulk

@@ -1,15 +1,15 @@
 // The test whether a class accepts a character. Its cost does not grow with the number of members: when an
 // expression is compiled, the members of every class are turned into sets.
 //
-// The sets of a class are its record, which `text` of the RX_CLASS node points to. It stands behind the
-// literal text, in 32-bit words:
-//
-//   4           the ASCII characters that the class accepts, for the options that are in force where it
-//   stands 4 each      further sets of 128, see ClassNote 2           if a member is a category: the kinds of
-//   characters that the members accept 3           if a member is a script: the scripts that the members
-//   accept 2           if a member can accept characters of several bytes by their value: the lengths of two
-//   lists, 2 each      that of intervals of code points, and that of intervals of code points folded to
-//   lowercase
+// The sets of a class are its record, which the RX_CLASS node points to. It stands behind the literal text,
+// in so many 32-bit words:
+//  - 4: the ASCII characters that the class accepts, for the options that are in force where it stands
+//  - 4 each: further sets of 128, see ClassNote
+//  - 2, if a member is a category: the kinds of characters that the members accept
+//  - 3, if a member is a script: the scripts that the members accept
+//  - 2, if a member can accept characters of several bytes by their value: the lengths of the next two lists
+//  - 2 each: intervals of code points
+//  - 2 each: intervals of code points folded to lowercase
 //
 // Only the first set counts the negation of the class in. Options may change while a search goes on, so that
 // a class is tested with another caseless bit than was foreseen; where an expression changes that bit at all,
@@ -20,7 +20,7 @@
 // brackets, where the first set goes. A member that is one byte in the pattern leaves nothing over, but needs
 // nothing besides the sets. Any other leaves over the room of a node or more: enough for an interval in each
 // list if it is a code point, for more if it is anything else. The further sets may find no room behind such
-// members; then `text` of the members themselves holds them, which only scripts use otherwise, one word each.
+// members; then the members themselves hold them, one word each, but for scripts, which need the place.
 // Where there are not enough of them for that, a walk over them is fast enough.
 #pragma once
 
@@ -37,7 +37,7 @@ namespace ulk {
 inline constexpr int32_t kKindWords = kMaxKinds / 32;
 inline constexpr int32_t kListLengths = 2;
 
-// What is known about a class besides its record, packed into `op3` of its node.
+// What is known about a class besides its record, packed into an operand of its node.
 class ClassNote {
  public:
   // The bytes from 0x80 on that are accepted where they are characters by themselves.

@@ -1,7 +1,11 @@
 // The compiled program of one expression: a flat array of nodes inside the state, walked by the matcher.
 //
-// There is no tree and no pointer between nodes. Structure is expressed by node order, by open nodes that
-// carry the length of their group's body, and by group serials.
+// There is no tree. Structure is expressed by node order, by open nodes that carry the length of their
+// group's body, and by group serials.
+//
+// In: the nodes that the compiler writes, and what the analysis adds to them, both in the layout of state.h.
+// Out, for those who read a program: each node's operands, neighbours and width, and the characters that it
+// accepts (characters.h, class_sets.h).
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,8 @@
 // The search behind every operation that looks for an expression in a text.
+//
+// In: a text and a compiled expression. Out: a status and find records, of the first match and its groups or,
+// with the option g, of all matches. On the way starts.h tells where a match may begin, and the matcher runs
+// the program there.
 #pragma once
 
 #include <cstdint>

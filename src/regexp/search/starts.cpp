@@ -208,10 +208,12 @@ int32_t Starts::hopelessSteps(const uint8_t* at) const {
   return beginsWithItem_ ? stepsToMissingItem(at) : 0;
 }
 
-// An attempt that begins with an unbounded repeat runs to the first byte that is none of its items, from
-// wherever in the same run of items it begins. So the attempts at all positions behind the last place in the
-// run where the program may go on fail, each after trying to go on from every place between. Passes over them
-// when `at` is one of them; otherwise notes up to where there is something to try.
+// For expressions that begin with a repeat. In "123 45x", an attempt of `\d+x` at "1" takes all
+// digits up to the space, tries in vain to go on behind the third, the second and the first, and fails; so do
+// those at "2" and "3". An attempt is hopeless like these when no place where the program may go on is left
+// in its run behind the items that it requires. If the one at `at` is, so are those in the rest of the run:
+// pays for all of them with their tries, and returns the position behind. Else returns `at`, and notes up to
+// where attempts have such a place.
 const uint8_t* Starts::passRun(const uint8_t* at) {
   constexpr int64_t kPlenty = 1 << 17;  // the sum of the tries of so many attempts exhausts every budget
   const Follow follow = followOf(m_, m_.nodes[filter_.run], m_.options);

@@ -1,7 +1,8 @@
 // Lengths that can outgrow the text. A lazy repeat of one byte that finally fails leaves its bytes counted in
-// the match length, so a pattern can make lengths as large as it likes: `a*?c?` fails after all "a" of the
-// text, and the count remains. Such a length saturates here, and what is made from it, a position or another
-// length, is made here as well.
+// the match length. In "1aa", `\w*a*?\d` matches the "1", and reports a length of 4: before "\w*" had given
+// back all it took, `a*?` failed after one "a" and after two, and these three are the surplus. So a pattern
+// can make lengths as large as it likes. They saturate here, and positions and lengths that are made from
+// them are made here as well.
 #pragma once
 
 #include <algorithm>
