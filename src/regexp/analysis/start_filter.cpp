@@ -180,20 +180,64 @@ int32_t firstTopLevelBar(const RxNode* nodes, int32_t numNodes) {
   return -1;
 }
 
+Anchor anchorOf(const ulkRegExpState& state, const StartFilter& filter) {
+  const RxNode* const nodes = state.nodes();
+  if (state.numNodes == 0 || nodes[0].code != RX_ASSERT || filter.firstBar >= 0) return Anchor::kNone;
+  const RxNode* const quantifier = quantifierOf(nodes, state.numNodes, 0);
+  const bool optional = quantifier && minOf(*quantifier) == 0;
+  switch (assertionOf(nodes[0])) {
+    case '^':
+      // An optional "^" with multiline still restricts the search to line starts.
+      if (state.options & RX_OPT_MULTILINE) return Anchor::kLineStart;
+      [[fallthrough]];
+    case 'A':
+    case 'G':
+      return optional ? Anchor::kNone : Anchor::kTextStart;
+    default:
+      return Anchor::kNone;
+  }
+}
+
+// The kind of filter for a program that begins with an assertion that holds at a text or line start only, be
+// it behind changes of the options: `(?m)^\w`. kAny for others.
+StartKind kindOfAssertion(int32_t assertion, uint32_t options) {
+  switch (assertion) {
+    case kLeadingDotStar:
+      return StartKind::kLineStart;
+    case '^':
+      return options & RX_OPT_MULTILINE ? StartKind::kLineStart : StartKind::kTextStart;
+    case 'A':
+    case 'G':
+      return StartKind::kTextStart;
+    default:
+      return StartKind::kAny;
+  }
+}
+
+bool describeAssertion(const ulkRegExpState& state, StartFilter& filter) {
+  const RxNode* const nodes = state.nodes();
+  uint32_t options = state.options;
+  int32_t first = 0;
+  for (; first < state.numNodes && nodes[first].code == RX_OPTIONS; ++first)
+    options = static_cast<uint32_t>(newOptions(nodes[first]));
+  if (filter.firstBar >= 0 || first >= state.numNodes || nodes[first].code != RX_ASSERT) return false;
+  const RxNode* const quantifier = quantifierOf(nodes, state.numNodes, first);
+  if (quantifier && minOf(*quantifier) == 0) return false;
+  filter.kind = kindOfAssertion(assertionOf(nodes[first]), options);
+  filter.ascii = true;
+  filter.steps = first + 1;
+  filter.options = static_cast<uint8_t>(options);
+  return filter.kind != StartKind::kAny;
+}
+
 // The filter, kAny where the first byte does not decide. It is for attempts that begin with the options that
 // a failed one leaves: for `(?i)ab` all but the first, which begins without i.
 StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   const RxNode* const nodes = state.nodes();
   StartFilter filter{};
   filter.firstBar = firstTopLevelBar(nodes, state.numNodes);
-  if (state.numNodes == 0) return filter;
-  if (nodes[0].code == RX_ASSERT && assertionOf(nodes[0]) == kLeadingDotStar && filter.firstBar < 0) {
-    filter.kind = StartKind::kLineStart;
-    filter.ascii = true;
-    filter.steps = 1;
-    filter.options = static_cast<uint8_t>(state.options);
-    return filter;
-  }
+  filter.anchor = anchorOf(state, filter);
+  if (state.numNodes == 0 || describeAssertion(state, filter)) return filter;
 
   FirstBytes items(state);
   const RxNode* const firstBar = filter.firstBar < 0 ? nullptr : nodes + filter.firstBar;
@@ -206,6 +250,7 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   filter.steps = items.steps;
   filter.boundarySteps = items.boundarySteps;
   filter.item = items.itemOptions == filter.options ? items.soleItem : -1;
+  filter.once = filter.item >= 0 && !quantifierOf(nodes, state.numNodes, filter.item);
   filter.run = runOf(nodes, state.numNodes, filter.item, filter.options);
   filter.kind = kindOf(items, nodes, filter);
   filter.ascii = !(items.set.words[4] | items.set.words[5] | items.set.words[6] | items.set.words[7]);

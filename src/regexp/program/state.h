@@ -67,6 +67,13 @@ struct StartPair {
   int32_t literalBar;
 };
 
+// How a search is restricted by the assertion that the program begins with. Other places cost nothing.
+enum class Anchor : uint8_t {
+  kNone,       // a match may begin anywhere
+  kLineStart,  // only at the text start and after newlines
+  kTextStart,  // only at the text start
+};
+
 // Where a match may begin (start_filter.h). "The set" is that in frame kStartSetFrame.
 enum class StartKind : uint8_t {
   kAny,             // nothing is known: every position is tried
@@ -77,13 +84,16 @@ enum class StartKind : uint8_t {
   kSet,             // with a byte of the set
   kBoundary,        // with a byte of the set at a word boundary
   kLineStart,       // at the text start or after a newline
+  kTextStart,       // at the text start
 };
 
 struct StartFilter {
+  Anchor anchor;
   StartKind kind;
   uint8_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
   bool literals;    // there are several ways to begin, each with a literal, which the same frame tells
   bool ascii;       // no match begins with a byte from 0x80 on
+  bool once;        // a match begins with `item` once, which is not quantified
   bool hasPair;     // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
   SmallSet small;   // the set, where it is one
   int32_t steps;    // that an attempt elsewhere costs

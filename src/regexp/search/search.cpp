@@ -14,12 +14,6 @@ namespace ulk {
 
 namespace {
 
-enum class Anchor {
-  kNone,       // a match may begin anywhere
-  kLineStart,  // only at the text start and after newlines
-  kTextStart,  // only at the text start
-};
-
 // A match ends with the pattern's trailing literal, so nothing after its last occurrence is searched; where
 // it does not occur, only the empty text is left. The cut is the end of the text also for assertions.
 int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, int32_t length) {
@@ -40,31 +34,12 @@ int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, i
   return index < 0 ? 0 : index + literalLength;
 }
 
-Anchor anchorOf(const ulkRegExpState& state) {
-  const RxNode* const nodes = state.nodes();
-  if (state.numNodes == 0 || codeOf(nodes[0]) != RX_ASSERT || startFilterOf(state).firstBar >= 0)
-    return Anchor::kNone;
-  const RxNode* const quantifier = quantifierOf(nodes, state.numNodes, 0);
-  const bool optional = quantifier && minOf(*quantifier) == 0;
-  switch (assertionOf(nodes[0])) {
-    case '^':
-      // An optional "^" with multiline still restricts the search to line starts.
-      if (state.options & RX_OPT_MULTILINE) return Anchor::kLineStart;
-      [[fallthrough]];
-    case 'A':
-    case 'G':
-      return optional ? Anchor::kNone : Anchor::kTextStart;
-    default:
-      return Anchor::kNone;
-  }
-}
-
 class Search {
  public:
   Search(ulkRegExpState& state, const uint8_t* text, int32_t length)
       : state_(state),
         starts_(m_, state),
-        anchor_(anchorOf(state)),
+        anchor_(startFilterOf(state).anchor),
         firstBar_(startFilterOf(state).firstBar),
         end_(text + cutAtTrailingLiteral(state, text, length)) {
     prepareMatcher(m_, state, choices_);

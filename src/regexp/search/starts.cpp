@@ -37,7 +37,6 @@ Starts::Starts(MatchContext& m, const ulkRegExpState& state)
       filter_(startFilterOf(state)),
       set_(state.frames[kStartSetFrame].bytes),
       pair_(state.frames[kStartPairFrame].pair),
-      beginsWithItem_(filter_.item >= 0 && !quantifierOf(state.nodes(), state.numNodes, filter_.item)),
       asciiEnd_(nullptr),
       runEnd_(nullptr),
       attemptsEnd_(nullptr) {}
@@ -119,6 +118,8 @@ int32_t Starts::find(const uint8_t* at, int32_t length) const {
       if (at == m_.textStart || at[-1] == '\n') return 0;
       found = findUnit(at, length, static_cast<uint8_t>('\n'));
       return found < 0 ? length : found + 1;
+    case StartKind::kTextStart:
+      return at == m_.textStart ? 0 : length;
     default:
       return 0;
   }
@@ -205,7 +206,7 @@ int32_t Starts::stepsToMissingItem(const uint8_t* at) const {
 // The cost of the attempt at a place that passes the filter, where a closer look tells that it fails; else 0.
 int32_t Starts::hopelessSteps(const uint8_t* at) const {
   if (filter_.literals) return lacksLiterals(at) ? filter_.steps : 0;
-  return beginsWithItem_ ? stepsToMissingItem(at) : 0;
+  return filter_.once ? stepsToMissingItem(at) : 0;
 }
 
 // For expressions that begin with a repeat. In "123 45x", an attempt of `\d+x` at "1" takes all

@@ -53,7 +53,6 @@ class Starts {
   const StartFilter& filter_;
   const ByteSet256& set_;
   const StartPair& pair_;
-  const bool beginsWithItem_;   // that every match begins with, once
   const uint8_t* asciiEnd_;     // of the ASCII text that was looked at last
   const uint8_t* runEnd_;       // of the run that was looked at last
   const uint8_t* attemptsEnd_;  // all positions before it need attempts
