@@ -94,16 +94,32 @@ constexpr auto kRetries = [] {
 constexpr size_t kDefault = size_t{kDefaultMatchLimit} * 28 + kMaxDepth * kLargestChoice + kSearchChoices;
 constexpr size_t kDeep = size_t{800} << 10;
 
+// Steps until the attempt is decided or there is no room.
+ULK_INLINE Outcome run(Outcome outcome, [[maybe_unused]] MatchContext& m) {
+#ifndef ULK_JUMPS
+  for (;;) {
+    if (outcome == Outcome::kGoOn) {
+      outcome = takeStep(m.at, m.node, m);
+    } else if (outcome == Outcome::kFail) {
+      outcome = takeUpNewestChoice(m);
+    } else {
+      break;
+    }
+  }
+#endif
+  return outcome;
+}
+
 // Goes on with that much memory. It stays in the frame of this one function, so that the ordinary search
 // never touches so much stack.
 template <size_t kSize>
 __attribute__((noinline)) Outcome goOnIn(MatchContext& m) {
   alignas(RunChoice) std::byte memory[kSize];
   m.choices.moveTo(memory, kSize);
-  const Outcome outcome = goOn(m.at, m.node, m);
+  const Outcome outcome = run(goOn(m.at, m.node, m), m);
   if (outcome != Outcome::kOutOfChoices) return outcome;
   m.budget.exhaust();
-  return fail(m);
+  return run(fail(m), m);
 }
 
 // What is left to do when an attempt has not simply failed.
@@ -139,7 +155,7 @@ void prepareMatcher(MatchContext& m, ulkRegExpState& state, std::byte* memory) {
 // An attempt that fails leaves the context as it was: no choices, and no run within the program's.
 bool rxMatch(MatchContext& m, const RxNode* first) {
   m.surplus.clear();
-  const Outcome outcome = goOn(m.matchStart, first, m);
+  const Outcome outcome = run(goOn(m.matchStart, first, m), m);
   return outcome == Outcome::kNoMatch ? false : finish(m, outcome);
 }
 

@@ -28,6 +28,8 @@ enum class Outcome : int32_t {
   kMatch,
   kNoMatch,
   kOutOfChoices,  // there is no room for another choice
+  kGoOn,          // at m.at, with m.node
+  kFail,          // the newest choice is to be taken up
 };
 
 #if defined(__i386__)

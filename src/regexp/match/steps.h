@@ -1,8 +1,9 @@
 // Steps and retries: the functions that run nodes and take up choices.
 //
-// Each ends by calling the next one, as its last act and with the arguments in the same registers, so that
-// the call is a jump and nothing of it stays on the stack. No local variable's address may leave such a
-// function, or the compiler cannot make the jump.
+// Each ends by going on with the next one, or by failing, as its last act. Where the compiler makes jumps of
+// such calls (ULK_JUMPS, src/CMakeLists.txt), they are made from here, and what is in registers stays there.
+// No local variable's address may leave such a function then, and no more may be handed on than a step's
+// three arguments, or the call is none. Elsewhere the functions return and the loop in matcher.cpp goes on.
 #pragma once
 
 #include "kernels/vec16.h"
@@ -15,21 +16,41 @@ namespace ulk {
 
 // ---- How a step ends
 
-// Takes up the newest choice.
-ULK_INLINE Outcome fail(MatchContext& m) { return m.retries[static_cast<size_t>(m.choices.tag().kind())](m); }
-
 // The run has matched (subruns.cpp),
 ULK_STEP runMatched(const uint8_t* at, const RxNode* node, MatchContext& m);
 // unless it has come to its end without having matched anything, and that is not acceptable.
 ULK_STEP runEnded(const uint8_t* at, const RxNode* node, MatchContext& m);
 
-// Goes on at the node, which is a step of its own.
-ULK_INLINE Outcome goOn(const uint8_t* at, const RxNode* node, MatchContext& m) {
+ULK_INLINE Outcome takeUpNewestChoice(MatchContext& m) {
+  return m.retries[static_cast<size_t>(m.choices.tag().kind())](m);
+}
+
+ULK_INLINE Outcome fail([[maybe_unused]] MatchContext& m) {
+#ifdef ULK_JUMPS
+  return takeUpNewestChoice(m);
+#else
+  return Outcome::kFail;
+#endif
+}
+
+// Runs the node.
+ULK_INLINE Outcome takeStep(const uint8_t* at, const RxNode* node, MatchContext& m) {
   if (m.budget.isExhausted()) return fail(m);
   if (node == m.runEnd) return runEnded(at, node, m);
   if (at > m.textEnd) return fail(m);
   m.budget.payStep();
   return m.steps[static_cast<size_t>(stepOf(*node))](at, node, m);
+}
+
+// Goes on there.
+ULK_INLINE Outcome goOn(const uint8_t* at, const RxNode* node, MatchContext& m) {
+#ifdef ULK_JUMPS
+  return takeStep(at, node, m);
+#else
+  m.at = at;
+  m.node = node;
+  return Outcome::kGoOn;
+#endif
 }
 
 // The same after a choice has been left.
