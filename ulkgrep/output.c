@@ -3,18 +3,25 @@
 #include <inttypes.h>
 #include <stdio.h>
 
-static void printFileName(const Options* options, const char* file) {
-  if (options->numFiles > 1) printf("%s:", file);
-}
+#ifndef _WIN32
+// One thread prints.
+#define fwrite fwrite_unlocked
+#define putchar putchar_unlocked
+#endif
 
-static void printPrefix(const Options* options, const Line* line, const char* pattern) {
-  printFileName(options, line->file);
-  if (options->lineNumbers) printf("%" PRIu64 ":", line->number);
-  if (options->numPatterns > 1) printf("%s:", pattern);
+static void printPrefix(const Options* options, const Line* line, const char* pattern, char separator) {
+  if (options->fileNames) printf("%s%c", line->file, separator);
+  if (options->lineNumbers) printf("%" PRIu64 "%c", line->number, separator);
+  if (options->patternNames && pattern) printf("%s%c", pattern, separator);
 }
 
 static void printBytes(const uint8_t* start, const uint8_t* end) {
   fwrite(start, 1, (size_t)(end - start), stdout);
+}
+
+static void printEnd(const Line* line) {
+  if (line->hasReturn) putchar('\r');
+  putchar('\n');
 }
 
 static void printMatch(const Options* options, const ulkRegExpFind* match) {
@@ -24,13 +31,21 @@ static void printMatch(const Options* options, const ulkRegExpFind* match) {
 }
 
 void printCount(const Options* options, const char* file, uint64_t count) {
-  printFileName(options, file);
+  if (options->fileNames) printf("%s:", file);
   printf("%" PRIu64 "\n", count);
+}
+
+void printSeparator(void) { puts("--"); }
+
+void printContext(const Options* options, const Line* line) {
+  printPrefix(options, line, NULL, '-');
+  printBytes(line->bytes, line->bytes + line->length);
+  printEnd(line);
 }
 
 void printLine(const Options* options, const Line* line, const char* pattern, const ulkRegExpFind* matches,
                int32_t numMatches) {
-  printPrefix(options, line, pattern);
+  printPrefix(options, line, pattern, ':');
   const uint8_t* printed = line->bytes;
   for (int32_t i = 0; i < numMatches; ++i) {
     printBytes(printed, matches[i].pFound);
@@ -38,14 +53,14 @@ void printLine(const Options* options, const Line* line, const char* pattern, co
     printed = matches[i].pFound + matches[i].lenFound;
   }
   printBytes(printed, line->bytes + line->length);
-  putchar('\n');
+  printEnd(line);
 }
 
 void printMatches(const Options* options, const Line* line, const char* pattern, const ulkRegExpFind* matches,
                   int32_t numMatches) {
   for (int32_t i = 0; i < numMatches; ++i) {
-    printPrefix(options, line, pattern);
+    printPrefix(options, line, pattern, ':');
     printMatch(options, &matches[i]);
-    putchar('\n');
+    printEnd(line);
   }
 }

@@ -33,16 +33,21 @@ newest() {
   sed -n "s/.*Name: $1_\([0-9.]*\).*/\1/p" "$directory/elf" | sort -V | tail -n 1
 }
 wanted=
-for library in $(sed -n 's/.*Shared library: \[\(.*\)\]/\1/p' "$directory/elf" | sort -u); do
-  case $library in
+for needed in $(sed -n 's/.*Shared library: \[\(.*\)\]/\1/p' "$directory/elf" | sort -u); do
+  case $needed in
     libulkch.so.6) ;;
     libc.so.6) wanted="$wanted, libc6 (>= $(newest GLIBC))" ;;
     libgomp.so.1)
       expect 'newest symbol of libgomp' 4.0 "$(newest GOMP)"
       wanted="$wanted, libgomp1 (>= 4.9)"
       ;;
-    *) expect library none "$library" ;;
+    *) expect library none "$needed" ;;
   esac
+done
+
+"$readelf" --dyn-syms --dynamic --wide "$library" >"$directory/hardened"
+for mark in BIND_NOW __stack_chk_fail; do
+  grep -q "$mark" "$directory/hardened" || expect "$library" $mark none
 done
 
 while read -r package multi_arch depends; do
