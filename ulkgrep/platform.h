@@ -12,8 +12,8 @@ int openFile(const char* name);
 // With `follow`, what a symbolic link leads to counts. KIND_OTHER when the name leads nowhere.
 FileKind kindOf(const char* name, int follow);
 
-// The names in the directory of this name, but "." and "..", sorted; with NULL behind them, and to be freed, as their array.
-// NULL, with errno, when the directory cannot be read.
+// The names in the directory of this name, but "." and "..", sorted; with NULL behind them, and to be freed,
+// as their array. NULL, with errno, when the directory cannot be read.
 char** namesIn(const char* name);
 
 // To be called first: the three standard streams carry bytes as they are, and the console UTF-8.
