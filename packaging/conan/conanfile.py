@@ -5,9 +5,9 @@ import re
 
 from conan import ConanFile
 from conan.tools.cmake import CMake, CMakeToolchain, cmake_layout
-from conan.tools.files import copy, load
+from conan.tools.files import copy, load, rm
 
-FOLDERS = ("cmake", "examples", "include", "src", "ulkch", "ulkcore", "ulkgrep", "docs")
+FOLDERS = ("cmake", "examples", "include", "src", "ulkcore", "ulkgrep", "docs")
 
 
 class Ulkch(ConanFile):
@@ -52,6 +52,8 @@ class Ulkch(ConanFile):
 
     def package(self):
         CMake(self).install()
+        # The build makes both libraries; linkers would take the shared one.
+        rm(self, "*.a" if self.options.shared else "*.so*", os.path.join(self.package_folder, "lib"))
         copy(self, "LICENSE", self.source_folder, os.path.join(self.package_folder, "licenses"))
 
     def package_info(self):
