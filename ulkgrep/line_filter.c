@@ -21,6 +21,7 @@
 enum { kNear = 512, kDense = 8, kManyLines = 1024 };
 
 typedef struct Rewriter {
+  const char* start;
   const char* from;
   char* to;
   int crlf;
@@ -96,6 +97,10 @@ static int rewrite(Rewriter* rewriter) {
         if (!rewriteClass(rewriter)) return 0;
         break;
       case '(':
+        if (rewriter->from == rewriter->start && strncmp(rewriter->from, "(?i)", 4) == 0) {
+          copy(rewriter, 4);
+          break;
+        }
         if (rewriter->from[1] == '?' && rewriter->from[2] != ':') return 0;
         copy(rewriter, rewriter->from[1] == '?' ? 3 : 1);
         ++rewriter->depth;
@@ -131,6 +136,7 @@ static char* makePattern(const Options* options, Rewriter* rewriter) {
   for (size_t i = 0; i < options->numPatterns; ++i) {
     if (i > 0) put(rewriter, "|");
     rewriter->from = options->patterns[i];
+    if (options->numPatterns == 1) rewriter->start = rewriter->from;
     if (!rewrite(rewriter)) {
       free(pattern);
       return NULL;
@@ -148,7 +154,7 @@ static void compileExpressions(LineFilter* filter, const Options* options) {
   ulksRegExpInitAlloc(pattern, options->ignoreCase ? "im" : "m", &filter->expression, &offset);
   filter->isExact = !rewriter.mayCross && !options->crlf && options->extent == EXTENT_ANY;
   // With groups, g reports nothing but these.
-  if (filter->isExact && !strchr(pattern, '(')) {
+  if (filter->isExact && !strchr(pattern + (strncmp(pattern, "(?i)", 4) == 0 ? 4 : 0), '(')) {
     if (rewriter.hasAlternatives) {
       memmove(pattern + 3, pattern, strlen(pattern) + 1);
       for (int i = 0; i < 3; ++i) pattern[i] = "(?:"[i];

@@ -2,6 +2,7 @@
 
 #include <inttypes.h>
 #include <stdio.h>
+#include <unistd.h>
 
 #ifndef _WIN32
 // One thread prints.
@@ -24,10 +25,24 @@ static void printEnd(const Line* line) {
   putchar('\n');
 }
 
+static void printWhole(const Line* line) {
+  if (line->hasNewline) {
+    printBytes(line->bytes, line->bytes + line->length + line->hasReturn + 1);
+  } else {
+    printBytes(line->bytes, line->bytes + line->length);
+    printEnd(line);
+  }
+}
+
 static void printMatch(const Options* options, const ulkRegExpFind* match) {
   if (options->colour) fputs("\033[01;31m", stdout);
   printBytes(match->pFound, match->pFound + match->lenFound);
   if (options->colour) fputs("\033[m", stdout);
+}
+
+void prepareOutput(void) {
+  static char buffer[1 << 16];
+  if (!isatty(STDOUT_FILENO)) setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
 }
 
 void printCount(const Options* options, const char* file, uint64_t count) {
@@ -39,13 +54,16 @@ void printSeparator(void) { puts("--"); }
 
 void printContext(const Options* options, const Line* line) {
   printPrefix(options, line, NULL, '-');
-  printBytes(line->bytes, line->bytes + line->length);
-  printEnd(line);
+  printWhole(line);
 }
 
 void printLine(const Options* options, const Line* line, const char* pattern, const ulkRegExpFind* matches,
                int32_t numMatches) {
   printPrefix(options, line, pattern, ':');
+  if (numMatches == 0) {
+    printWhole(line);
+    return;
+  }
   const uint8_t* printed = line->bytes;
   for (int32_t i = 0; i < numMatches; ++i) {
     printBytes(printed, matches[i].pFound);

@@ -12,11 +12,15 @@ typedef struct Line {
   uint64_t number;
   const uint8_t* bytes;
   int32_t length;
-  int hasReturn;  // a carriage return behind it belongs to its end
+  int hasReturn;   // a carriage return behind it belongs to its end
+  int hasNewline;  // behind that
 } Line;
 
 void printCount(const Options* options, const char* file, uint64_t count);
 void printSeparator(void);
+
+// To be called first.
+void prepareOutput(void);
 
 // A line around the chosen ones.
 void printContext(const Options* options, const Line* line);

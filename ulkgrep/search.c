@@ -88,6 +88,7 @@ static void showReplaced(Grep* grep, const Line* line, int32_t pattern) {
     if (status == ulkOk) {
       shown.bytes = grep->replacement.text;
       shown.length = grep->replacement.length;
+      shown.hasNewline = 0;
     } else {
       const int isUnset = status == ulkErrRegExpBackRef;
       reportLine(grep, line, "the line is left as it is",
@@ -133,6 +134,7 @@ static Line lineAt(FileSearch* search, size_t start, size_t end) {
   Line line = {.file = search->file, .number = search->number, .bytes = buffer->bytes + start};
   line.hasReturn = search->grep->options.crlf && end > start && buffer->bytes[end - 1] == '\r';
   line.length = (int32_t)(end - start) - line.hasReturn;
+  line.hasNewline = end < buffer->linesEnd;
   return line;
 }
 

@@ -131,6 +131,7 @@ static void freeGrep(Grep* grep) {
 
 int runProgram(int argc, char** argv) {
   prepareStreams();
+  prepareOutput();
   Grep grep = {0};
   const int status = run(&grep, argc, argv);
   freeGrep(&grep);
