@@ -22,10 +22,16 @@ target_compile_options(
             $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden>
             $<$<COMPILE_LANGUAGE:CXX>:-fno-threadsafe-statics>)
 
-# The compiler's own OpenMP: its driver finds the run-time library that belongs to the target.
+# The compiler's own OpenMP: its driver finds the run-time library that belongs to the target. A program that links the
+# static library may have another compiler, with an OpenMP of its own: it gets the name of the library.
 set(ULKCH_OPENMP_FLAGS)
+set(ULKCH_OPENMP_LIBRARIES)
 if(ULKCH_OPENMP)
   set(ULKCH_OPENMP_FLAGS -fopenmp)
+  set(ULKCH_OPENMP_LIBRARIES -fopenmp)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    set(ULKCH_OPENMP_LIBRARIES "-lgomp -lpthread")
+  endif()
 endif()
 target_compile_options(ulkch_library_flags INTERFACE ${ULKCH_OPENMP_FLAGS})
 if(WIN32)

@@ -53,7 +53,7 @@ extern "C" {
 #endif
 #endif
 
-/// @name Status codes
+/// @defgroup status Status codes
 /// @{
 
 /// What a function returns: 0 is success, a negative value an error, a positive value a warning, with which
@@ -89,19 +89,24 @@ enum { ULK_STATUS_LIST(ULK_STATUS_CONSTANT) };
 #undef ULK_STATUS_CONSTANT
 
 /// @}
-/// @name Version
+/// @defgroup version Version
+///
+/// ```c
+/// assert(ulkchGetLibVersion()->major == 6);
+/// ```
 /// @{
 
-/// The library's version.
+/// The version of the interface. All its values are fixed: programs compare them, so every build of this
+/// interface answers the same ones, and they do not tell one build or release from another.
 typedef struct ulkLibraryVersion {
   int32_t major;          ///< the 6 of version 6.1
   int32_t minor;          ///< the 1 of version 6.1
-  int32_t majorBuild;     ///< number of the series of builds
-  int32_t build;          ///< number of the build
+  int32_t majorBuild;     ///< 137, whatever the build
+  int32_t build;          ///< 742, whatever the build
   char targetCpu[4];      ///< the processor variant that this build is tuned for, padded with zero bytes
-  const char* Name;       ///< file name of the library
+  const char* Name;       ///< file name of the Windows library, on every system
   const char* Version;    ///< the version as text
-  const char* BuildDate;  ///< date of the release
+  const char* BuildDate;  ///< the date that belongs to the version, not that of the build
 } ulkLibraryVersion;
 
 /// The version of this library.
@@ -109,12 +114,21 @@ typedef struct ulkLibraryVersion {
 ULK_API const ulkLibraryVersion* ULK_CALL ulkchGetLibVersion(void);
 
 /// @}
-/// @name Search
+/// @defgroup search Search
 ///
 /// Where something stands in a text. The answer is an index: the position, in units from the start of the
 /// text, where the match begins; -1 when there is none, which is no error. Each function exists for 8-bit and
 /// for 16-bit units. The time is linear in the lengths, whatever the strings hold. Nothing outside the given
 /// strings is read.
+///
+/// ```c
+/// const uint8_t text[] = "colour by colour";
+/// int32_t at;
+/// ulksFind_8u(text, 16, (const uint8_t*)"by", 2, &at);
+/// assert(at == 7);
+/// ulksFindRevC_8u(text, 16, 'c', &at);
+/// assert(at == 10);
+/// ```
 /// @{
 
 /// Finds the first occurrence of a substring. Occurrences may overlap. An empty `pFind` is never found, not
@@ -229,12 +243,20 @@ ULK_API ulkStatus ULK_CALL ulksFindC_Z_8u(const uint8_t* pSrc, uint8_t find, int
 ULK_API ulkStatus ULK_CALL ulksFindC_Z_16u(const uint16_t* pSrc, uint16_t find, int32_t* pIndex);
 
 /// @}
-/// @name Comparison
+/// @defgroup comparison Comparison
 ///
 /// Two strings of one length, unit by unit. Strings of different lengths are compared over the shorter
 /// length; where that finds no difference, the lengths decide, which is the caller's part. The answer of the
 /// ordering functions is the exact difference of the first two units that differ, not just its sign. Nothing
 /// outside the given strings is read.
+///
+/// ```c
+/// int32_t difference;
+/// ulksCompare_8u((const uint8_t*)"abc", (const uint8_t*)"abz", 3, &difference);
+/// assert(difference == 'c' - 'z');
+/// ulksCompareIgnoreCaseLatin_8u((const uint8_t*)"Abc", (const uint8_t*)"aBC", 3, &difference);
+/// assert(difference == 0);
+/// ```
 /// @{
 
 /// Compares two strings.
@@ -297,7 +319,7 @@ ULK_API ulkStatus ULK_CALL ulksCompareIgnoreCase_16u(const uint16_t* pSrc1, cons
                                                      int32_t len, int32_t* pResult);
 
 /// @}
-/// @name Case conversion
+/// @defgroup case Case conversion
 ///
 /// Each unit is replaced by its lowercase or its uppercase, or stays as it is; the length never changes. The
 /// Latin functions know the 26 letters of ASCII only. The others know the letters of Latin, Greek, Cyrillic,
@@ -309,6 +331,12 @@ ULK_API ulkStatus ULK_CALL ulksCompareIgnoreCase_16u(const uint16_t* pSrc1, cons
 ///
 /// The destination may be the source; any other overlap is not allowed. The functions with `_I` convert in
 /// place. Nothing outside the given strings is read or written.
+///
+/// ```c
+/// uint8_t name[] = "Mixed Case";
+/// ulksUppercaseLatin_8u_I(name, 10);
+/// assert(memcmp(name, "MIXED CASE", 10) == 0);
+/// ```
 /// @{
 
 /// Replaces "A" to "Z" by "a" to "z".
@@ -389,12 +417,18 @@ ULK_API ulkStatus ULK_CALL ulksUppercase_16u(const uint16_t* pSrc, uint16_t* pDs
 ULK_API ulkStatus ULK_CALL ulksUppercase_16u_I(uint16_t* pSrcDst, int32_t len);
 
 /// @}
-/// @name Hashing
+/// @defgroup hashing Hashing
 ///
 /// Strings made numbers, for hash tables. The functions are fixed formulas that other programs can compute
 /// too: not seeded, and no protection against strings chosen to collide. Each unit takes part as the unsigned
 /// number it is; all arithmetic is modulo 2 to the power 32; nothing follows the last step. Each function
 /// exists for 8-bit and for 16-bit units, with equal values for equal units.
+///
+/// ```c
+/// uint32_t hash;
+/// ulksHashSJ2_8u32u((const uint8_t*)"ab", 2, &hash);
+/// assert(hash == 'a' * 31 + 'b');
+/// ```
 /// @{
 
 /// Hashes a string: h = 0, then h = (h << 1) ^ unit for each unit. Nothing is left of a unit that 32 or more
@@ -434,7 +468,7 @@ ULK_API ulkStatus ULK_CALL ulksHashSJ2_8u32u(const uint8_t* pSrc, int32_t srcLen
 ULK_API ulkStatus ULK_CALL ulksHashSJ2_16u32u(const uint16_t* pSrc, int32_t srcLen, uint32_t* pHash);
 
 /// @}
-/// @name Trimming
+/// @defgroup trimming Trimming
 ///
 /// Strings without the unwanted units at their ends: the leading run, the trailing run, or both. Units
 /// further inside are kept, whatever they are. Each function exists for 8-bit and for 16-bit units.
@@ -442,6 +476,13 @@ ULK_API ulkStatus ULK_CALL ulksHashSJ2_16u32u(const uint16_t* pSrc, int32_t srcL
 /// A destination has room for the whole string and does not overlap it; only the units kept are written
 /// there, so what stands behind them stays. When nothing is kept, the length becomes 0 and nothing else is
 /// written.
+///
+/// ```c
+/// uint8_t kept[9];
+/// int32_t length;
+/// ulksTrimCAny_8u((const uint8_t*)"\t in it \n", 9, (const uint8_t*)" \t\n", 3, kept, &length);
+/// assert(length == 5 && memcmp(kept, "in it", 5) == 0);
+/// ```
 /// @{
 
 /// Trims all of one unit from both ends of a string.
@@ -520,7 +561,7 @@ ULK_API ulkStatus ULK_CALL ulksTrimEndCAny_16u(const uint16_t* pSrc, int32_t src
                                                int32_t setLen, uint16_t* pDst, int32_t* pDstLen);
 
 /// @}
-/// @name Regular expressions: the compiled expression
+/// @defgroup expression Expressions: compiling
 ///
 /// An expression is compiled into one buffer, its state: either ask for the size with ulksRegExpGetSize(),
 /// provide the buffer and call ulksRegExpInit(), or let ulksRegExpInitAlloc() allocate it. The setters may
@@ -543,6 +584,14 @@ ULK_API ulkStatus ULK_CALL ulksTrimEndCAny_16u(const uint16_t* pSrc, int32_t src
 /// | `i` | letters match in either case |
 /// | `x` | white space in the pattern is skipped, "#" starts a comment that goes to the end of the line |
 /// | `g` | global: report or replace every match; makes no difference to the compile |
+///
+/// ```c
+/// ulkRegExpState* date;
+/// int32_t errorOffset;
+/// assert(ulksRegExpInitAlloc("(\\d+)-(\\d+)", "", &date, &errorOffset) == ulkOk);
+/// ulksRegExpFree(date);
+/// assert(ulksRegExpInitAlloc("(\\d+", "", &date, &errorOffset) == ulkErrRegExpGroup && errorOffset == 4);
+/// ```
 /// @{
 
 /// A compiled expression. Its layout is the library's own.
@@ -617,7 +666,19 @@ ULK_API ulkStatus ULK_CALL ulksRegExpSetMatchLimit(int32_t matchLimit, ulkRegExp
 ULK_API ulkStatus ULK_CALL ulksRegExpSetFormat(int32_t format, ulkRegExpState* pState);
 
 /// @}
-/// @name Regular expressions: search
+/// @defgroup regexp_search Expressions: search
+///
+/// ```c
+/// const uint8_t text[] = "on 12-31";
+/// ulkRegExpState* date;
+/// int32_t errorOffset, count = 3;
+/// ulkRegExpFind found[3];  // the match and two groups
+/// ulksRegExpInitAlloc("(\\d+)-(\\d+)", "", &date, &errorOffset);
+/// assert(ulksRegExpFind_8u(text, 8, date, found, &count) == ulkOk && count == 3);
+/// assert(found[0].pFound == text + 3 && found[0].lenFound == 5);
+/// assert(found[2].pFound == text + 6 && found[2].lenFound == 2);
+/// ulksRegExpFree(date);
+/// ```
 /// @{
 
 /// Where a match or a capture group of it stands.
@@ -651,6 +712,7 @@ typedef struct ulkRegExpFind {
 /// - The call writes to the state: one search per state at a time.
 /// - It uses up to 512 KiB of stack at the default match limit, and up to 832 KiB at a larger one; see
 ///   ulksRegExpSetMatchLimit().
+///
 /// @param[in]     pSrc          the text
 /// @param[in]     srcLen        its length in bytes
 /// @param[in,out] pRegExpState  the compiled expression; must not come from a failed compile
@@ -658,20 +720,25 @@ typedef struct ulkRegExpFind {
 /// @param[in,out] pNumFind      in: the number of records in `pFind`, at least 1. Out: the number filled, 0
 ///                              when nothing matches. Must not be null: unlike the other pointers, it is used
 ///                              without a check
-/// @retval ulkOk               `*pNumFind` records are filled
+/// @retval ulkOk               `*pNumFind` records are filled. Without `g`, 0 means that nothing matches.
+///                             With `g` it does not mean that the whole text was searched, not even when
+///                             nothing was found: the limit may have run out behind the last match. To
+///                             know, search for `(P|\z)` in place of `P`: the search was complete if the last
+///                             match that it reports ends where the text ends
 /// @retval ulkErrNullPtr       `pSrc`, `pRegExpState` or `pFind` is null
 /// @retval ulkErrLength        `srcLen` is negative
 /// @retval ulkErrSize          `*pNumFind` is below 1
 /// @retval ulkErrInvalidState  `pRegExpState` does not hold a compiled expression
 /// @retval ulkErrMatchLimit    the match limit ran out. Without `g`: nothing was found by then, no record is
 ///                             filled and `*pNumFind` is at most the number of groups plus one. With `g`: the
-///                             matches found by then are in `pFind`, but `*pNumFind` is unchanged
+///                             matches found by then are in `pFind`, but `*pNumFind` is unchanged. Set every
+///                             `lenFound` to -2 before the call: those that still have it were not filled
 ULK_API ulkStatus ULK_CALL ulksRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen,
                                              ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
                                              int32_t* pNumFind);
 
 /// @}
-/// @name Regular expressions: replacement
+/// @defgroup replacement Expressions: replacement
 ///
 /// A text with its matches replaced. The replacement is written as a template, which is prepared once and
 /// then serves any number of expressions, texts and threads:
@@ -688,6 +755,23 @@ ULK_API ulkStatus ULK_CALL ulksRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen
 /// The number of a group is read with 11 in place of 10: `$1` to `$9` are the groups 1 to 9, but `$10` is
 /// group 11, `$12` group 13 and `$20` group 22; group 10 cannot be named. In `$1\0` the backslash keeps the
 /// digits apart.
+///
+/// ```c
+/// const char template[] = "$2/$1";
+/// int32_t size, errorOffset, length = 8, written = 100, count = 3;
+/// ulksRegExpReplaceGetSize(template, &size);
+/// ulkRegExpReplaceState* prepared = malloc((size_t)size);
+/// ulksRegExpReplaceInit(template, prepared);
+/// ulkRegExpState* date;
+/// ulksRegExpInitAlloc("(\\d+)-(\\d+)", "", &date, &errorOffset);
+/// ulkRegExpFind records[3];
+/// uint8_t result[100 + 8];
+/// ulksRegExpReplace_8u((const uint8_t*)"on 12-31", &length, result, &written, records, &count, date,
+///                      prepared);
+/// assert(written == 8 && memcmp(result, "on 31/12", 8) == 0);
+/// ulksRegExpFree(date);
+/// free(prepared);
+/// ```
 /// @{
 
 /// A prepared replacement template. Its layout is the library's own.
@@ -720,6 +804,9 @@ ULK_API ulkStatus ULK_CALL ulksRegExpReplaceInit(const char* pTemplate, ulkRegEx
 /// the text after the last match. Whatever the search finds, the status is #ulkOk: a search that fails or
 /// finds nothing gives a plain copy of as much of the text as fits. When the match limit runs out with `g`,
 /// the matches found by then are replaced.
+///
+/// An empty text is refused, though a search takes one: a program that replaces empty lines too looks at
+/// their length first.
 ///
 /// **Room.** A piece is written whole, and only if it is shorter than the room that is left; the plain copy
 /// alone may fill the destination. So a destination has at least one byte more than the result. At the first
@@ -763,6 +850,7 @@ ULK_API ulkStatus ULK_CALL ulksRegExpReplaceInit(const char* pTemplate, ulkRegEx
 ///   least `*pSrcLen` bytes is safe.
 /// - Only valid expressions: one that ulksRegExpFind_8u() would refuse with #ulkErrInvalidState makes the
 ///   call use the records and their number as they are.
+///
 /// @param[in]     pSrc           the text
 /// @param[in,out] pSrcLen        in: its length in bytes, at least 1. Out: as the table says
 /// @param[out]    pDst           the destination; does not overlap the text or the template
@@ -785,11 +873,29 @@ ULK_API ulkStatus ULK_CALL ulksRegExpReplace_8u(const uint8_t* pSrc, int32_t* pS
                                                 const ulkRegExpReplaceState* pReplaceState);
 
 /// @}
-/// @name Regular expressions: pattern sets
+/// @defgroup sets Expressions: pattern sets
 ///
 /// Expressions that are searched together over one text. A set has a fixed number of slots; a slot is free or
 /// holds the address of an expression and the id that the caller gave it. The expressions stay the caller's:
 /// they are not copied, and must stay where they are as long as they are in the set.
+///
+/// ```c
+/// ulkRegExpMultiState* set;
+/// ulkRegExpState* number;
+/// int32_t errorOffset;
+/// ulkRegExpFind found;
+/// ulkRegExpMultiFind results[2] = {{0}};  // one for each slot; the second stays free
+/// ulksRegExpMultiInitAlloc(&set, 2);
+/// ulksRegExpInitAlloc("\\d+", "", &number, &errorOffset);
+/// ulksRegExpMultiAdd(number, 7, set);
+/// results[0].pFind = &found;
+/// results[0].numFind = 1;
+/// ulksRegExpMultiFind_8u((const uint8_t*)"route 66", 8, results, set);
+/// assert(results[0].id == 7 && results[0].status == ulkOk && results[0].numFind == 1);
+/// assert(found.lenFound == 2);
+/// ulksRegExpMultiFree(set);
+/// ulksRegExpFree(number);
+/// ```
 /// @{
 
 /// A set of compiled expressions that are searched together. Its layout is the library's own.
@@ -887,10 +993,11 @@ ULK_API ulkStatus ULK_CALL ulksRegExpMultiModify(ulkRegExpState* pRegExpState, u
 /// - The hazards of ulksRegExpFind_8u() are those of each search here. Each thread of the team needs the
 ///   stack of a search: `OMP_STACKSIZE`, where it is set, must not be below 1 MiB.
 /// - After a parallel search, a child made by fork() must not make one: it would wait for threads that it
-/// does
-///   not have.
+///   does not have.
+///
 /// @param[in]     pSrc      the text
-/// @param[in]     srcLen    its length in bytes, at least 1
+/// @param[in]     srcLen    its length in bytes, at least 1; in an empty text search for each expression
+///                          by itself
 /// @param[in,out] pResults  one record for each slot of the set, in the order of the slots. The caller sets
 ///                          `numFind` and `pFind` of those whose slots are taken; records of free slots are
 ///                          not touched
@@ -903,11 +1010,19 @@ ULK_API ulkStatus ULK_CALL ulksRegExpMultiFind_8u(const uint8_t* pSrc, int32_t s
                                                   const ulkRegExpMultiState* pState);
 
 /// @}
-/// @name Editing
+/// @defgroup editing Editing
 ///
 /// Units put into a string, taken out of it or replaced. The lengths of the results are known beforehand, so
 /// they are not reported; the caller's memory must have room for them. The functions with `_I` edit in place
 /// and update the length. Each function exists for 8-bit and for 16-bit units.
+///
+/// ```c
+/// uint8_t text[10] = "one three";
+/// int32_t length = 9;
+/// ulksRemove_8u_I(text, &length, 3, 6);
+/// ulksInsert_8u_I((const uint8_t*)", two", 5, text, &length, 3);
+/// assert(length == 8 && memcmp(text, "one, two", 8) == 0);
+/// ```
 /// @{
 
 /// Inserts one string into another. With an empty `pInsert` nothing at all is written, not even a copy of the
@@ -991,7 +1106,7 @@ ULK_API ulkStatus ULK_CALL ulksReplaceC_16u(const uint16_t* pSrc, uint16_t* pDst
                                             uint16_t oldVal, uint16_t newVal);
 
 /// @}
-/// @name Concatenation and splitting
+/// @defgroup concat_split Concatenation and splitting
 ///
 /// Strings joined end to end, and a string cut at a unit. Sources and destinations do not overlap. Each
 /// function exists for 8-bit and for 16-bit units.
@@ -1001,6 +1116,14 @@ ULK_API ulkStatus ULK_CALL ulksReplaceC_16u(const uint16_t* pSrc, uint16_t* pDst
 /// first for a null pointer (#ulkErrNullPtr, also where the length is 0), then for a negative length
 /// (#ulkErrLength). An error of an element ends the work; what was written for the elements before it stays.
 /// Elements that the work does not come to are not looked at.
+///
+/// ```c
+/// uint8_t name[10], value[10];
+/// uint8_t* const parts[] = {name, value};
+/// int32_t lengths[] = {10, 10}, count = 2;
+/// assert(ulksSplitC_8u_D2L((const uint8_t*)"key=value", 9, '=', parts, lengths, &count) == ulkOk);
+/// assert(count == 2 && lengths[0] == 3 && memcmp(value, "value", 5) == 0);
+/// ```
 /// @{
 
 /// Joins two strings.
@@ -1053,7 +1176,8 @@ ULK_API ulkStatus ULK_CALL ulksConcatC_16u_D2L(const uint16_t* const* pSrcs, con
 
 /// Copies the parts of a string between the places of one unit to the buffers of a list. The parts may be
 /// empty, but there is none after a delimiter that ends the string, and none at all in an empty string: "a,b"
-/// and "a,b," have the parts "a" and "b", ",a" has "" and "a", "," has "".
+/// and "a,b," have the parts "a" and "b", ",a" has "" and "a", "," has "". Where a delimiter ends a table's
+/// line, the empty column behind it is the caller's to add.
 /// @param[in]     pSrc     the string
 /// @param[in]     srcLen   its length in units
 /// @param[in]     delim    the unit between the parts; it belongs to none
@@ -1077,7 +1201,7 @@ ULK_API ulkStatus ULK_CALL ulksSplitC_16u_D2L(const uint16_t* pSrc, int32_t srcL
                                               uint16_t* const* pDsts, int32_t* dstLens, int32_t* pNumDst);
 
 /// @}
-/// @name UTF conversion
+/// @defgroup utf UTF conversion
 ///
 /// Text from UTF-8 to UTF-16 and back. Source and destination must not overlap.
 ///
@@ -1090,6 +1214,14 @@ ULK_API ulkStatus ULK_CALL ulksSplitC_16u_D2L(const uint16_t* pSrc, int32_t srcL
 ///
 /// The flag `bigEndian` tells the order of the bytes in 16-bit units, but means different things in the two
 /// directions: only ulksConvertUTF_16u8u() converts it in full.
+///
+/// ```c
+/// const uint8_t text[] = "n\xc3\xa9";  // a zero byte stands behind it
+/// uint16_t units[3];                // as many as the text has bytes
+/// int32_t bytes = 3, count = 3;
+/// ulksConvertUTF_8u16u(text, &bytes, units, &count, 0);
+/// assert(bytes == 3 && count == 2 && units[1] == 0xE9);
+/// ```
 /// @{
 
 /// Converts UTF-8 to UTF-16.

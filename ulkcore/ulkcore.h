@@ -12,10 +12,12 @@ extern "C" {
 #endif
 
 /// Allocates a block of at least `size` bytes from the process's heap. The contents are undefined.
+/// @param[in] size  the size in bytes
 /// @return the block, aligned for every fundamental type; null when `size` is below 1 or no memory is left.
 void* ulkMalloc(int32_t size);
 
 /// Releases a block from ulkMalloc. Null is accepted and ignored.
+/// @param[in] pointer  the block
 void ulkFree(void* pointer);
 
 /// The number of threads that the library may use for parallel work inside one call: as many as OpenMP would

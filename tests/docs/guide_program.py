@@ -5,7 +5,7 @@
 Pieces are the blocks fenced with ```c or ```cpp, whichever LANGUAGE says. The program holds them one after the other
 and calls every function "static void NAME(void)", in C++ "static void NAME()", of theirs. What a piece prints stands in
 the plain block behind it; in the output the names of the functions stand between, so that each piece answers for its
-own.
+own. In a header, pieces stand in comments and are bodies of functions, which assert what they show.
 """
 
 import re
@@ -15,6 +15,10 @@ from pathlib import Path
 page, language, program, output = Path(sys.argv[1]), sys.argv[2], Path(sys.argv[3]), Path(sys.argv[4])
 source, calls, expected = [], [], []
 lines = page.read_text(encoding="utf-8").split("\n")
+is_header = page.suffix == ".h"
+if is_header:
+    lines = [re.sub("^/// ?", "", line) for line in lines]
+    source += [f"#include <{name}.h>" for name in ("assert", "stdlib", "string", page.stem)]
 kind, last_kind, block, functions = None, None, [], []
 for number, line in enumerate(lines, 1):
     if kind is None:
@@ -24,6 +28,9 @@ for number, line in enumerate(lines, 1):
                 source.append(f'#line {number + 1} "{page.name}"')
     elif line == "```":
         if kind == language:
+            if is_header:
+                block = [f"static void piece{len(calls)}(void) {{", *block, "}"]
+                source[-1] = f'#line {number - len(block) + 1} "{page.name}"'
             source += block
             functions = re.findall(r"^static void (\w+)\((?:void)?\) \{$", "\n".join(block), re.MULTILINE)
             calls += functions

@@ -27,11 +27,15 @@ mv ulkch-6.1-*/* .
 rmdir ulkch-6.1-*
 files_of package
 
-for deb in "$directory"/packages/*.deb; do
-  [ -e "$deb" ] || break
-  dpkg-deb --extract "$deb" "$directory/deb"
-  mv "$directory/deb/usr" "$directory/deb.usr"
-  rmdir "$directory/deb"
-  files_of deb.usr
-done
+# The Debian packages hold the same between them, elsewhere: libraries by their architecture, documents by their package.
+[ "$5" = linux ] || exit $failures
+for package in libulkch-dev libulkch6 ulkgrep; do
+  dpkg-deb --extract "$directory"/packages/${package}_6.1-1_*.deb "$directory/deb"
+  for file in changelog.Debian.gz copyright; do echo share/doc/$package/$file; done
+done >"$directory/added"
+mv "$directory/deb/usr" "$directory/deb.usr"
+sed "/LICENSE/d; s|share/doc/ulkch/|share/doc/libulkch-dev/|; s|^$libdir/|lib/$(cd "$directory/deb.usr/lib" && echo *)/|
+     s|ulkgrep\.1$|&.gz|" "$directory/expected" | sort - "$directory/added" >"$directory/expected.deb"
+mv "$directory/expected.deb" "$directory/expected"
+files_of deb.usr
 exit $failures

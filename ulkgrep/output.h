@@ -12,11 +12,20 @@ typedef struct Line {
   uint64_t number;
   const uint8_t* bytes;
   int32_t length;
+  int hasReturn;   // a carriage return behind it belongs to its end
+  int hasNewline;  // behind that
 } Line;
 
 void printCount(const Options* options, const char* file, uint64_t count);
+void printSeparator(void);
 
-// The line, with matches in colour. All functions name the pattern when there are several.
+// To be called first.
+void prepareOutput(void);
+
+// A line around the chosen ones.
+void printContext(const Options* options, const Line* line);
+
+// The line, with matches in colour. `pattern` is shown where patterns are to be named, if it is not null.
 void printLine(const Options* options, const Line* line, const char* pattern, const ulkRegExpFind* matches,
                int32_t numMatches);
 

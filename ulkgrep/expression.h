@@ -5,22 +5,23 @@
 #include <stdint.h>
 #include <ulkch.h>
 
+#include "options.h"
 #include "replacement.h"
 
 typedef struct Expression {
-  const char* pattern;
+  char* pattern;  // as it is searched for
   const char* options;
   int32_t limit;
-  ulkRegExpState* first;   // the pattern as it is
+  ulkRegExpState* first;   // without g
   ulkRegExpState* every;   // with the option g; this and
   ulkRegExpState* framed;  // in a frame, see expression.c, are made when first needed
   Replacement probe;       // for the frame
 } Expression;
 
-// Compiles the pattern with the option letters, both of which must outlive the expression. On failure
-// *errorOffset is the byte of the pattern at fault.
-ulkStatus compileExpression(Expression* expression, const char* pattern, const char* options, int32_t limit,
-                            int32_t* errorOffset);
+// Compiles the pattern, to match what the extent says, with the option letters, which must outlive the
+// expression. On failure *errorOffset is the byte of the pattern at fault.
+ulkStatus compileExpression(Expression* expression, const char* pattern, Extent extent, const char* options,
+                            int32_t limit, int32_t* errorOffset);
 void freeExpression(Expression* expression);
 
 // As replaceMatches for all matches in a line in which `first` has just found one with so many records.

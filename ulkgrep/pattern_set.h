@@ -15,10 +15,11 @@ typedef struct PatternSet {
   ulkRegExpMultiState* state;
   ulkRegExpMultiFind* results;  // of the last search, for each expression
   ulkRegExpFind* records;
+  char* escaped;  // the strings of -F as patterns, one behind the other
 } PatternSet;
 
-// Returns 0, after a message, when a pattern is wrong.
-int compilePatterns(PatternSet* set, const Options* options);
+// Returns 0, after a message, when a pattern is wrong. With -F the options' patterns become expressions.
+int compilePatterns(PatternSet* set, Options* options);
 void freePatterns(PatternSet* set);
 
 // Finds the first match of each expression. The line needs a NUL behind it, because the library may look at

@@ -22,50 +22,63 @@
 // A generous bound of how many steps the frame takes for one step of the pattern.
 enum { kFrameSteps = 8 };
 
-ulkStatus compileExpression(Expression* expression, const char* pattern, const char* options, int32_t limit,
-                            int32_t* errorOffset) {
-  *expression = (Expression){.pattern = pattern, .options = options, .limit = limit};
+// Puts a pattern between two others. Fails when its levels leave no room for theirs.
+static ulkStatus enclose(const char* before, const char* pattern, const char* after, const char* options,
+                         char** enclosed, ulkRegExpState** state) {
+  // A pattern may end inside \Q or, under x, inside a comment: either would swallow the rest.
+  static const char* const kClosers[] = {"", "\\E", "\n"};
+  const size_t size = strlen(before) + strlen(pattern) + strlen(after) + sizeof "\\E";
+  *enclosed = reallocate(NULL, size, 1);
+  ulkStatus status = ulkErrRegExpGroup;
+  for (size_t i = 0; i < sizeof kClosers / sizeof *kClosers && status != ulkOk; ++i) {
+    snprintf(*enclosed, size, "%s%s%s%s", before, pattern, kClosers[i], after);
+    int32_t errorOffset;
+    status = ulksRegExpInitAlloc(*enclosed, options, state, &errorOffset);
+  }
+  return status;
+}
+
+ulkStatus compileExpression(Expression* expression, const char* pattern, Extent extent, const char* options,
+                            int32_t limit, int32_t* errorOffset) {
+  static const char* const kBefore[] = {"", "(?<!\\w)(?:", "^(?:"};
+  static const char* const kAfter[] = {"", ")(?!\\w)", ")$"};
+  *expression = (Expression){.options = options, .limit = limit};
+  // By itself first: errors are those of the pattern that was given.
   ulkStatus status = ulksRegExpInitAlloc(pattern, options, &expression->first, errorOffset);
+  if (status != ulkOk) return status;
+  ulksRegExpFree(expression->first);
+  expression->first = NULL;
+  status =
+      enclose(kBefore[extent], pattern, kAfter[extent], options, &expression->pattern, &expression->first);
   if (status == ulkOk) status = ulksRegExpSetMatchLimit(limit, expression->first);
   return status == ulkOk ? prepareReplacement(&expression->probe, "") : status;
 }
 
 void freeExpression(Expression* expression) {
+  free(expression->pattern);
   ulksRegExpFree(expression->first);
   ulksRegExpFree(expression->every);
   ulksRegExpFree(expression->framed);
   freeReplacement(&expression->probe);
 }
 
-static ulkStatus compileGlobal(const Expression* expression, const char* pattern, ulkRegExpState** state) {
+static ulkStatus compileGlobal(const Expression* expression, const char* before, const char* after,
+                               ulkRegExpState** state) {
   char options[16];
   snprintf(options, sizeof options, "%sg", expression->options);
-  int32_t errorOffset;
-  ulkStatus status = ulksRegExpInitAlloc(pattern, options, state, &errorOffset);
+  char* pattern;
+  const ulkStatus status = enclose(before, expression->pattern, after, options, &pattern, state);
+  free(pattern);
   if (status != ulkOk) return status;
   const int32_t limit = expression->limit;
   return ulksRegExpSetMatchLimit(limit > INT32_MAX / kFrameSteps ? INT32_MAX : limit * kFrameSteps, *state);
 }
 
-// Fails for a pattern whose levels leave no room for the frame's.
-static ulkStatus compileFramed(Expression* expression) {
-  // A pattern may end inside \Q or, under x, inside a comment: either would swallow the rest of the frame.
-  static const char* const kClosers[] = {"", "\\E", "\n"};
-  const size_t size = strlen(expression->pattern) + sizeof "(?:\\E|\\z)";
-  char* framed = reallocate(NULL, size, 1);
-  ulkStatus status = ulkErrRegExpGroup;
-  for (size_t i = 0; i < sizeof kClosers / sizeof *kClosers && status != ulkOk; ++i) {
-    snprintf(framed, size, "(?:%s%s|\\z)", expression->pattern, kClosers[i]);
-    status = compileGlobal(expression, framed, &expression->framed);
-  }
-  free(framed);
-  return status;
-}
-
 static ulkStatus searchFramed(Expression* expression, int32_t recordsPerMatch, const uint8_t* line,
                               int32_t length) {
   Replacement* probe = &expression->probe;
-  ulkStatus status = expression->framed ? ulkOk : compileFramed(expression);
+  ulkStatus status =
+      expression->framed ? ulkOk : compileGlobal(expression, "(?:", "|\\z)", &expression->framed);
   if (status != ulkOk) return status;
   status = replaceMatches(probe, expression->framed, REPLACE_EVERY, recordsPerMatch, line, length);
   if (status != ulkOk) return status;
@@ -79,8 +92,7 @@ static ulkStatus searchFramed(Expression* expression, int32_t recordsPerMatch, c
 ulkStatus replaceEvery(Expression* expression, Replacement* replacement, int32_t recordsPerMatch,
                        const uint8_t* line, int32_t length) {
   ulkStatus status = searchFramed(expression, recordsPerMatch, line, length);
-  if (status == ulkOk && !expression->every)
-    status = compileGlobal(expression, expression->pattern, &expression->every);
+  if (status == ulkOk && !expression->every) status = compileGlobal(expression, "", "", &expression->every);
   if (status != ulkOk) return status;
   return replaceMatches(replacement, expression->every, REPLACE_EVERY, recordsPerMatch, line, length);
 }

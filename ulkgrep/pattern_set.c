@@ -17,29 +17,60 @@ static int endsInLoneBackslash(const char* pattern) {
   return backslashes % 2 == 1;
 }
 
+// Behind a backslash, a byte that is no letter or digit stands for itself.
+static char* escape(char* to, const char* from) {
+  for (; *from; ++from) {
+    const unsigned char byte = (unsigned char)*from;
+    const int isPlain = byte >= 0x80 || byte == '_' || (byte >= '0' && byte <= '9') ||
+                        ((byte | 0x20) >= 'a' && (byte | 0x20) <= 'z');
+    if (!isPlain) *to++ = '\\';
+    *to++ = (char)byte;
+  }
+  *to = '\0';
+  return to + 1;
+}
+
+static void escapePatterns(PatternSet* set, Options* options) {
+  size_t size = 0;
+  for (size_t i = 0; i < options->numPatterns; ++i) size += 2 * strlen(options->patterns[i]) + 1;
+  char* to = set->escaped = reallocate(NULL, size, 1);
+  for (size_t i = 0; i < options->numPatterns; ++i) {
+    char* const escaped = to;
+    to = escape(to, options->patterns[i]);
+    options->patterns[i] = escaped;
+  }
+}
+
 static int compilePattern(Expression* expression, const char* pattern, const Options* options) {
   if (endsInLoneBackslash(pattern)) {
     complain("the pattern ends in a lone backslash");
     showCaret(pattern, (int32_t)strlen(pattern) - 1);
     return 0;
   }
-  int32_t offset = 0;
-  const ulkStatus status = compileExpression(expression, pattern, options->letters, options->limit, &offset);
+  int32_t offset = -1;
+  const ulkStatus status = compileExpression(expression, pattern, options->extent,
+                                             options->ignoreCase ? "i" : "", options->limit, &offset);
   if (status == ulkOk) return 1;
+  if (offset < 0) {
+    complain("the pattern: %s", describe(status));
+    return 0;
+  }
   complain("byte %d of the pattern: %s", (int)offset, describe(status));
   showCaret(pattern, offset);
   return 0;
 }
 
-int compilePatterns(PatternSet* set, const Options* options) {
+int compilePatterns(PatternSet* set, Options* options) {
   const size_t count = options->numPatterns;
+  if (options->fixedStrings) escapePatterns(set, options);
   set->expressions = reallocate(NULL, count, sizeof *set->expressions);
   set->results = reallocate(NULL, count, sizeof *set->results);
   set->records = reallocate(NULL, count * kRecordsPerPattern, sizeof *set->records);
   ulkStatus status = ulksRegExpMultiInitAlloc(&set->state, (uint32_t)count);
-  for (size_t i = 0; i < count; ++i, ++set->count) {
-    if (!compilePattern(&set->expressions[i], options->patterns[i], options)) return 0;
-    if (status == ulkOk) status = ulksRegExpMultiAdd(set->expressions[i].first, (uint32_t)i + 1, set->state);
+  for (size_t i = 0; i < count; ++i) {
+    Expression* const expression = &set->expressions[set->count++];
+    if (!compilePattern(expression, options->patterns[i], options)) return 0;
+    if (status == ulkOk) status = ulksRegExpMultiAdd(expression->first, (uint32_t)i + 1, set->state);
     set->results[i].pFind = set->records + i * kRecordsPerPattern;
   }
   if (status != ulkOk) complain("%s", describe(status));
@@ -52,6 +83,7 @@ void freePatterns(PatternSet* set) {
   free(set->expressions);
   free(set->results);
   free(set->records);
+  free(set->escaped);
 }
 
 void searchPatterns(PatternSet* set, const uint8_t* line, int32_t length) {
