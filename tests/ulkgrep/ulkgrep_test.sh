@@ -270,6 +270,8 @@ t+?e?x{1}t
 a{2,3}|=
 [^-]x|;\b
 ^key.*\bx
+^*x
+-+?-
 END
 
 # --- the match limit
