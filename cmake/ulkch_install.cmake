@@ -21,7 +21,7 @@ function(ulkch_install_documents directory)
     string(REPLACE "](../include/" "](../${include}/" text "${text}")
     string(REPLACE "](ulkcore/" "](${include}/" text "${text}")
     string(REPLACE "](../ulkcore/" "](../${include}/" text "${text}")
-    string(REGEX REPLACE "\\[([^]\n]*)\\]\\((CONTRIBUTING.md|(\\.\\./)?(fuzz|tests|tools|src|packaging)/[^)]*)\\)" "\\1" text
+    string(REGEX REPLACE "\\[([^]\n]*)\\]\\((CONTRIBUTING.md|(\\.\\./)?(fuzz|tests|tools|src|packaging|ulkgrep/ulkgrep.1)[^)]*)\\)" "\\1" text
                          "${text}")
     set(copy ${PROJECT_BINARY_DIR}/installed/${directory}/${page})
     file(WRITE ${copy} "${text}")

@@ -25,6 +25,7 @@ typedef struct Rewriter {
   const char* from;
   char* to;
   int crlf;
+  int isOneOfMany;      // patterns
   int depth;            // of groups
   int hasAlternatives;  // outside of groups
   int mayCross;         // something may still take a newline
@@ -97,7 +98,8 @@ static int rewrite(Rewriter* rewriter) {
         if (!rewriteClass(rewriter)) return 0;
         break;
       case '(':
-        if (rewriter->from == rewriter->start && strncmp(rewriter->from, "(?i)", 4) == 0) {
+        if (rewriter->from == rewriter->start && !rewriter->isOneOfMany &&
+            strncmp(rewriter->from, "(?i)", 4) == 0) {
           copy(rewriter, 4);
           break;
         }
@@ -117,6 +119,20 @@ static int rewrite(Rewriter* rewriter) {
         put(rewriter, rewriter->crlf ? "(?=\\r?$)" : "$");
         ++rewriter->from;
         break;
+      case '^':
+        // With m a search begins at the start of a line only, also where the "^" need not be.
+        copy(rewriter, 1);
+        if (*rewriter->from && strchr("*+?{", *rewriter->from)) return 0;
+        break;
+      case '*':
+      case '+':
+      case '?':
+      case '{': {
+        const char* const end = skipQuantifier(rewriter->from, rewriter->start);
+        if (!end) return 0;
+        copy(rewriter, (size_t)(end - rewriter->from));
+        break;
+      }
       case '\n':
         return 0;
       default:
@@ -132,11 +148,12 @@ static char* makePattern(const Options* options, Rewriter* rewriter) {
   // No byte becomes more than the eight of "(?=\r?$)".
   for (size_t i = 0; i < options->numPatterns; ++i) size += 8 * strlen(options->patterns[i]) + 1;
   char* const pattern = reallocate(NULL, size, 1);
-  *rewriter = (Rewriter){.to = pattern, .crlf = options->crlf, .hasAlternatives = options->numPatterns > 1};
+  *rewriter = (Rewriter){.to = pattern, .crlf = options->crlf, .isOneOfMany = options->numPatterns > 1};
+  rewriter->hasAlternatives = rewriter->isOneOfMany;
   for (size_t i = 0; i < options->numPatterns; ++i) {
     if (i > 0) put(rewriter, "|");
     rewriter->from = options->patterns[i];
-    if (options->numPatterns == 1) rewriter->start = rewriter->from;
+    rewriter->start = rewriter->from;
     if (!rewrite(rewriter)) {
       free(pattern);
       return NULL;

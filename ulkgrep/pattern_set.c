@@ -42,6 +42,7 @@ static void escapePatterns(PatternSet* set, Options* options) {
 }
 
 static int compilePattern(Expression* expression, const char* pattern, const Options* options) {
+  *expression = (Expression){.pattern = NULL};
   if (endsInLoneBackslash(pattern)) {
     complain("the pattern ends in a lone backslash");
     showCaret(pattern, (int32_t)strlen(pattern) - 1);

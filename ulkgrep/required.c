@@ -61,21 +61,26 @@ static int takeEscape(Scan* scan) {
   return 1;
 }
 
-// Some lazy repeats end the whole match when they fail; what may be one is none to be sure about.
-static int takeQuantifier(Scan* scan, const char* start) {
-  const char* const quantifier = scan->at;
-  scan->isWhole = 0;
-  if (*quantifier != '+' && scan->size > 0) --scan->size;
-  endRun(scan);
-  if (*quantifier == '{') {
-    scan->at = strchr(quantifier, '}');
-    if (!scan->at) return 0;
+const char* skipQuantifier(const char* at, const char* start) {
+  const char* const quantifier = at;
+  if (*at == '{') {
+    at = strchr(at, '}');
+    if (!at) return NULL;
   }
-  ++scan->at;
-  if (*scan->at != '?') return 1;
-  if (quantifier > start && strchr("])", quantifier[-1])) return 0;
-  ++scan->at;
-  return 1;
+  ++at;
+  if (*at != '?') return at;
+  // Of a lazy repeat, only that of a "." fails without further ado.
+  const int isDot =
+      quantifier > start && quantifier[-1] == '.' && (quantifier - 1 == start || quantifier[-2] != '\\');
+  return isDot ? at + 1 : NULL;
+}
+
+static int takeQuantifier(Scan* scan, const char* start) {
+  scan->isWhole = 0;
+  if (*scan->at != '+' && scan->size > 0) --scan->size;
+  endRun(scan);
+  scan->at = skipQuantifier(scan->at, start);
+  return scan->at != NULL;
 }
 
 static int takeGroup(Scan* scan) {

@@ -13,4 +13,8 @@ size_t findRequired(const char* pattern, char* string, int* isWhole);
 // Behind the class that begins at `at`; null when it has no end or more in it than a look can tell.
 const char* skipClass(const char* at);
 
+// Behind the quantifier at `at`, or the brace that may be one, of the pattern that begins at `start`; null
+// when it is a lazy one with which a match may end before the pattern does.
+const char* skipQuantifier(const char* at, const char* start);
+
 #endif

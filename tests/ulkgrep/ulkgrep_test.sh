@@ -245,9 +245,9 @@ run -o '(a)' many
 seq 1 20000 | awk '{ print ($1 % 7 ? "" : "key=" $1 "; ") ($1 % 90 ? "text" : "") ($1 % 3 ? "" : " x]y-") }' >mixed
 while read -r pattern; do
   for option in -c -vc -nw -x -icv; do
-    run "$option" "$pattern" mixed
+    run "$option" -e "$pattern" mixed
     mv out many
-    run "$option" "(?#)$pattern" mixed
+    run "$option" -e "(?#)$pattern" mixed
     cmp -s out many || fail "$option" "$pattern"
   done
 done <<'END'
@@ -270,6 +270,8 @@ t+?e?x{1}t
 a{2,3}|=
 [^-]x|;\b
 ^key.*\bx
+^*x
+-+?-
 END
 
 # --- the match limit
