@@ -45,6 +45,8 @@ ULK_INLINE void storeUnit(Unit* address, Unit unit) {
 template <class Unit>
 class LaneMask {
  public:
+  // No known lanes.
+  LaneMask() = default;
   ULK_INLINE explicit LaneMask(uint32_t bits) : bits_(bits) {}
 
   ULK_INLINE static LaneMask pair(LaneMask lower, LaneMask upper) {
@@ -115,7 +117,8 @@ class Vec16 {
   // Four units, each in a vector of its own.
   ULK_INLINE static void splatFour(const Unit* units, Vec16* vectors) {
     // Each unit twice, or each byte four times, makes 32 bits.
-    const __m128i four = join<4 * sizeof(Unit)>(units, units).v_;
+    const __m128i four = sizeof(Unit) == 1 ? _mm_cvtsi32_si128(loadAs<int32_t>(units))
+                                           : _mm_loadl_epi64(reinterpret_cast<const __m128i*>(units));
     const __m128i halves = sizeof(Unit) == 1 ? _mm_unpacklo_epi8(four, four) : four;
     const __m128i words = _mm_unpacklo_epi16(halves, halves);
     vectors[0] = Vec16(_mm_shuffle_epi32(words, 0x00));
@@ -192,6 +195,10 @@ class Vec16 {
     } else {
       return Vec16(_mm_add_epi16(v_, other.v_));
     }
+  }
+  ULK_INLINE Vec16 operator-(Vec16 other) const {
+    static_assert(sizeof(Unit) == 1, "nobody needs the others");
+    return Vec16(_mm_sub_epi8(v_, other.v_));
   }
   ULK_INLINE Vec16 without(Vec16 other) const { return Vec16(_mm_andnot_si128(other.v_, v_)); }
   ULK_INLINE Vec16 minSigned(Vec16 other) const {
