@@ -12,6 +12,19 @@ void ours(const Unit* text, Unit* destination, int32_t length) {
   convert(units(text), units(destination), length);
 }
 
+template <class Unit, auto convert>
+void oursInPlace(const Unit*, Unit* destination, int32_t length) {
+  convert(units(destination), length);
+}
+
+template <class Unit, char first, char last, int distance>
+__attribute__((optimize("O3"))) void loopInPlace(const Unit*, Unit* destination, int32_t length) {
+  for (int32_t i = 0; i < length; ++i) {
+    const Unit unit = destination[i];
+    destination[i] = unit >= first && unit <= last ? static_cast<Unit>(unit + distance) : unit;
+  }
+}
+
 // Pointers that do not alias, so that the compiler need not test for it.
 template <class Unit, char first, char last, int distance>
 __attribute__((optimize("O3"))) void loop(const Unit* __restrict text, Unit* __restrict destination,
@@ -53,7 +66,7 @@ std::vector<ConversionRow<Wide>> fullRows(const std::string& name, std::u16strin
                   {"vietnamese", Script::kVietnamese}, {"chinese", Script::kChinese}};
   std::vector<ConversionRow<Wide>> rows;
   for (const auto& script : kScripts) {
-    for (const size_t n : {4u, 8u, 16u, 64u, 1024u, 65536u, 1048576u}) {
+    for (const size_t n : {4u, 8u, 16u, 32u, 64u, 256u, 1024u, 65536u, 1048576u}) {
       ConversionRow<Wide> row{
           name + script.name + "/" + std::to_string(n), written(english(n), script.script), {}};
       for (const Wide unit : row.text) row.expected += (wholeTable().*column)[unit];
@@ -74,6 +87,14 @@ void addCase() {
                        {{"ulkch", ours<Wide, ulksLowercaseLatin_16u>}, {"loop", loop<Wide, 'A', 'Z', 32>}});
   addConversions<Wide>(latinRows<Wide>("uppercase_latin/16u/", 'a', 'z', -32),
                        {{"ulkch", ours<Wide, ulksUppercaseLatin_16u>}, {"loop", loop<Wide, 'a', 'z', -32>}});
+  addConversions<Byte>(
+      latinRows<Byte>("uppercase_latin_in_place/8u/", 'a', 'z', -32),
+      {{"ulkch", oursInPlace<Byte, ulksUppercaseLatin_8u_I>}, {"loop", loopInPlace<Byte, 'a', 'z', -32>}},
+      true);
+  addConversions<Wide>(
+      latinRows<Wide>("uppercase_latin_in_place/16u/", 'a', 'z', -32),
+      {{"ulkch", oursInPlace<Wide, ulksUppercaseLatin_16u_I>}, {"loop", loopInPlace<Wide, 'a', 'z', -32>}},
+      true);
   addConversions<Wide>(fullRows("lowercase/16u/", &WholeTable::lower),
                        {{"ulkch", ours<Wide, ulksLowercase_16u>}, {"table64k", table<&WholeTable::lower>}});
   addConversions<Wide>(fullRows("uppercase/16u/", &WholeTable::upper),

@@ -92,12 +92,19 @@ std::vector<Row<Unit>> rowsOf(const std::string& name, std::string (*right)(std:
 
 std::string itself(std::string text) { return text; }
 
+// Equal strings, and one that differs in its last unit.
 std::vector<Row<Wide>> fullRows() {
   std::vector<Row<Wide>> rows;
   const auto add = [&](const std::string& name, Script script, std::string (*right)(std::string)) {
-    for (const size_t n : {8u, 64u, 1024u, 65536u}) {
+    for (const size_t n : {8u, 16u, 32u, 64u, 256u, 1024u, 65536u}) {
       rows.push_back({"compare_ignore_case/16u/" + name + "/" + std::to_string(n),
                       written(english(n), script), written(right(english(n)), script), 0});
+    }
+    for (const size_t n : {16u, 64u, 256u}) {
+      std::u16string greater = written(right(english(n)), script);
+      greater.back() = 0xFFFF;
+      rows.push_back({"compare_ignore_case/16u/" + name + "/last/" + std::to_string(n),
+                      written(english(n), script), greater, -1});
     }
   };
   add("english", Script::kEnglish, itself);

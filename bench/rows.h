@@ -70,15 +70,18 @@ struct Converter {
   void (*convert)(const Unit* text, Unit* destination, int32_t length);
 };
 
+// In place, the destination holds the text before the first conversion, and what that became before the
+// others.
 template <class Unit>
 void addConversions(const std::vector<ConversionRow<Unit>>& rows,
-                    const std::vector<Converter<Unit>>& contestants) {
+                    const std::vector<Converter<Unit>>& contestants, bool inPlace = false) {
   for (const ConversionRow<Unit>& row : rows) {
     for (const Converter<Unit>& contestant : contestants) {
-      const auto run = [row, contestant](benchmark::State& state) {
+      const auto run = [row, contestant, inPlace](benchmark::State& state) {
         const Unit* text = row.text.data();
         const int32_t length = static_cast<int32_t>(row.text.size());
         std::basic_string<Unit> converted(row.text.size(), Unit{});
+        if (inPlace) converted = row.text;
         Unit* destination = converted.data();
         contestant.convert(text, destination, length);
         if (converted != row.expected) {

@@ -38,7 +38,7 @@ std::vector<Row<Unit>> unitRows(const std::string& family) {
   std::vector<Row<Unit>> rows;
   const std::string name = family + "/" + width<Unit>();
   for (const int32_t n :
-       {0, 1, 3, 7, 8, 15, 16, 17, 24, 31, 32, 48, 63, 64, 100, 128, 256, 512, 1024, 4096, 65536}) {
+       {0, 1, 3, 7, 8, 15, 16, 17, 24, 31, 32, 48, 63, 64, 100, 128, 256, 512, 1024, 4096, 65536, 1048576}) {
     rows.push_back(row<Unit>(name + "absent/" + std::to_string(n), std::string(sized(n), 'a'), "z", -1));
   }
   for (const int32_t at : {3, 20, 70, 300}) {
@@ -91,6 +91,25 @@ std::vector<Row<Unit>> substringRows(const std::string& family) {
   for (size_t run = 1; steps.size() < k64; run = run % 61 + 1) steps += std::string(run, 'a') + 'b';
   steps.resize(k64);
   add("steps", steps, std::string(62, 'a') + "b" + std::string(62, 'a'));
+  return rows;
+}
+
+// A pattern at the start of a text.
+template <class Unit>
+std::vector<Row<Unit>> earlyRows() {
+  std::vector<Row<Unit>> rows;
+  for (const size_t length : {1u, 2u, 4u, 16u}) {
+    for (const size_t n : {1u, 4u, 8u, 16u, 24u, 64u}) {
+      for (const size_t at : {0u, 3u}) {
+        if (at + length > n) continue;
+        const std::string pattern = std::string("stone lanterns in").substr(0, length);
+        rows.push_back(row<Unit>("find/" + width<Unit>() + "at" + std::to_string(at) + "/" +
+                                     std::to_string(length) + "/" + std::to_string(n),
+                                 replaced(std::string(n, 'e'), at, pattern), pattern,
+                                 static_cast<int32_t>(at)));
+      }
+    }
+  }
   return rows;
 }
 
@@ -245,6 +264,8 @@ void addSearch() {
   add<Wide>(terminatedUnitRows<Wide>(),
             {{"ulkch", oursTerminated<Wide, ulksFindC_Z_16u>}, {"u16string_view", lengthAndFind<Wide>}});
   add<Byte>(substringRows<Byte>("find"),
+            {{"ulkch", ours<Byte, ulksFind_8u>}, {"memmem", cMemmem}, {"string_view", viewFind<Byte>}});
+  add<Byte>(earlyRows<Byte>(),
             {{"ulkch", ours<Byte, ulksFind_8u>}, {"memmem", cMemmem}, {"string_view", viewFind<Byte>}});
   add<Byte>(
       substringRows<Byte>("find_rev"),

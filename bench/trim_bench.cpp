@@ -100,9 +100,11 @@ std::vector<EditRow<Unit>> rows(const std::string& name, const std::string& set,
   return made;
 }
 
-// `count` members: white space, signs and digits; what the runs are made of comes last.
+// `count` members: white space, signs and digits, then bytes beyond ASCII; what the runs are made of comes
+// last.
 std::string members(size_t count) {
-  const std::string most = "\t\r\n\v\f_-+#$%&/()=?!\"'`<>|{}[]@^~;:\\0123456789";
+  std::string most = "\t\r\n\v\f_-+#$%&/()=?!\"'`<>|{}[]@^~;:\\0123456789";
+  for (int32_t beyond = 0x80; beyond <= 0xFF; ++beyond) most += static_cast<char>(beyond);
   return most.substr(0, count - 1) + ' ';
 }
 
@@ -128,6 +130,8 @@ void addTrim() {
     addEdits<Wide>(rows<Wide>(name("trim_c_any/16u/"), set, true, true),
                    {{"ulkch", ours<Wide, ulksTrimCAny_16u>}, {"u16string_view", viewSet<Wide>}});
   }
+  addEdits<Byte>(rows<Byte>("trim_c_any/8u/160", members(160), true, true),
+                 {{"ulkch", ours<Byte, ulksTrimCAny_8u>}, {"table", tableSet<true, true>}});
   addEdits<Byte>(rows<Byte>("trim_start_c_any/8u/4", members(4), true, false),
                  {{"ulkch", ours<Byte, ulksTrimStartCAny_8u>}, {"table", tableSet<true, false>}});
   addEdits<Byte>(rows<Byte>("trim_end_c_any/8u/4", members(4), false, true),

@@ -10,7 +10,9 @@
 #include <type_traits>
 #include <utility>
 
+#include "kernels/byte_ranges.h"
 #include "kernels/find_unit.h"
+#include "kernels/unrolled.h"
 
 namespace ulk {
 
@@ -90,24 +92,6 @@ struct ManyProbe {
   ULK_INLINE Filter filter() const { return {this}; }
 };
 
-// Any number of members, each made a vector when its turn comes: for a text that is tested once.
-template <class Unit>
-struct OnceProbe {
-  static constexpr bool kExact = true;
-  const Unit* text;
-  const Unit* set;
-  int32_t members;
-
-  template <class Block>
-  ULK_INLINE Vec16<Unit> hits(const Block& block) const {
-    const Vec16<Unit> units = block.load(text);
-    Vec16<Unit> equal = Vec16<Unit>::zero();
-    for (int32_t i = 0; i < members; ++i) equal = equal | units.equal(Vec16<Unit>::splat(loadUnit(set + i)));
-    return equal;
-  }
-  ULK_INLINE const OnceProbe& filter() const { return *this; }
-};
-
 // What a walk stops at: a member of the set, or any other unit.
 enum class Stop { kMember, kOther };
 
@@ -131,6 +115,79 @@ int32_t scanForMembers(const Unit* text, int32_t length, const Unit* set, int32_
 template <class Direction, Stop stop, class Unit>
 int32_t scanForMany(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
   return scanBy<Direction, stop, ManyProbe<Unit>>(text, length, set, setLength);
+}
+
+// A text of two blocks, or of one short one, and four members or more: each member is made a vector once,
+// when its turn comes, and compared with all of the text.
+template <Stop stop, class Unit, class Block, size_t blocks>
+ULK_INLINE void compareWithAll(const Unit* text, const Block (&at)[blocks], const Unit* set,
+                               int32_t setLength, LaneMask<Unit> (&stops)[blocks]) {
+  Vec16<Unit> equal[blocks];
+  unrolled<blocks>([&](auto b) ULK_LAMBDA_INLINE { equal[b] = Vec16<Unit>::zero(); });
+  for (int32_t i = 0; i < setLength; i += 4) {
+    Vec16<Unit> members[4];
+    Vec16<Unit>::splatFour(set + std::min(i, setLength - 4), members);
+    unrolled<blocks>([&](auto b) ULK_LAMBDA_INLINE {
+      const Vec16<Unit> units = at[b].load(text);
+      equal[b] = equal[b] | ((units.equal(members[0]) | units.equal(members[1])) |
+                             (units.equal(members[2]) | units.equal(members[3])));
+    });
+  }
+  unrolled<blocks>([&](auto b) ULK_LAMBDA_INLINE {
+    stops[b] = Block::used(stop == Stop::kMember ? equal[b].mask() : unsetLanes(equal[b]).mask());
+  });
+}
+
+template <class Direction, Stop stop, class Unit>
+ULK_INLINE int32_t scanTwoOnce(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
+  constexpr size_t kLanes = Vec16<Unit>::kLanes;
+  const size_t count = static_cast<size_t>(length);
+  const FullBlock<Unit> at[2] = {{Direction::place(count, 0, kLanes)},
+                                 {Direction::place(count, count - kLanes, kLanes)}};
+  LaneMask<Unit> stops[2];
+  compareWithAll<stop>(text, at, set, setLength, stops);
+  if (stops[0].any()) return at[0].position(Direction::pick(stops[0]));
+  return stops[1].any() ? at[1].position(Direction::pick(stops[1])) : -1;
+}
+
+// Up to two vectors of text.
+template <class Direction, Stop stop, class Unit>
+int32_t scanOnce(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
+  if (length >= Vec16<Unit>::kLanes) return scanTwoOnce<Direction, stop>(text, length, set, setLength);
+  return withShortBlock<Unit>(static_cast<size_t>(length), [&](auto block) ULK_LAMBDA_INLINE {
+    const decltype(block) at[1] = {block};
+    LaneMask<Unit> stops[1];
+    compareWithAll<stop>(text, at, set, setLength, stops);
+    return stops[0].any() ? block.position(Direction::pick(stops[0])) : -1;
+  });
+}
+
+// A long text. What is found soon is found before the ranges are made.
+template <class Direction>
+int32_t scanByRanges(const uint8_t* text, int32_t length, const uint8_t* set, int32_t setLength) {
+  constexpr size_t kSoon = 128;
+  const size_t count = static_cast<size_t>(length);
+  size_t passed = 0;
+  const auto rest = [&] { return text + Direction::place(count, passed, count - passed); };
+  const auto inText = [&](int32_t inPart, const uint8_t* part) {
+    return inPart < 0 ? -1 : inPart + static_cast<int32_t>(part - text);
+  };
+  const uint8_t* const soon = text + Direction::place(count, 0, kSoon);
+  int32_t found = setLength <= 8 ? scanForMembers<Direction, Stop::kMember, 8>(soon, kSoon, set, setLength)
+                                 : scanForMany<Direction, Stop::kMember>(soon, kSoon, set, setLength);
+  if (found >= 0) return inText(found, soon);
+  passed = kSoon;
+
+  const uint8_t* later = rest();
+  RangesProbe<Direction> probe(later, count - passed, set, setLength);
+  found = scan<Direction>(later, count - passed, probe);
+  if (!probe.exhausted()) return inText(found, later);
+  // The walk stopped at a position that holds no member.
+  passed += Direction::place(count - passed, static_cast<size_t>(found), 1);
+  later = rest();
+  return inText(
+      scanForMany<Direction, Stop::kMember>(later, static_cast<int32_t>(count - passed), set, setLength),
+      later);
 }
 
 // The first position, in the direction of the search, where the walk stops; `flag` is 1 for members and 0 for
@@ -205,15 +262,21 @@ ULK_INLINE bool tooShortForTable(int32_t length, int32_t setLength) {
 template <class Direction, Stop stop, class Unit>
 int32_t scanForAny(const Unit* text, int32_t length, const Unit* set, int32_t setLength) {
   constexpr int32_t kLanes = Vec16<Unit>::kLanes;
-  constexpr int32_t kMostOnce = 32;
+  constexpr int32_t kWorthRanges = 400;
 
   if (length == 0 || setLength == 0) return -1;
+  if (setLength >= 4 && setLength <= (length < kLanes ? 2 * kMostVectors : kMostVectors) &&
+      length <= 2 * kLanes) {
+    return scanOnce<Direction, stop>(text, length, set, setLength);
+  }
   if (setLength == 1) return scanForMembers<Direction, stop, 1>(text, length, set, setLength);
   if (setLength == 2) return scanForMembers<Direction, stop, 2>(text, length, set, setLength);
   if (setLength == 3) return scanForMembers<Direction, stop, 3>(text, length, set, setLength);
   if (setLength == 4) return scanForMembers<Direction, stop, 4>(text, length, set, setLength);
-  if (length < kLanes && setLength <= kMostOnce) {
-    return scanBy<Direction, stop, OnceProbe<Unit>>(text, length, set, setLength);
+  if constexpr (sizeof(Unit) == 1 && stop == Stop::kMember) {
+    if (length >= kWorthRanges && setLength <= kMostVectors) {
+      return scanByRanges<Direction>(text, length, set, setLength);
+    }
   }
   if (setLength <= 8) return scanForMembers<Direction, stop, 8>(text, length, set, setLength);
   if (setLength <= kMostVectors) return scanForMany<Direction, stop>(text, length, set, setLength);

@@ -174,6 +174,45 @@ class SubstringProbe {
   bool exhausted_ = false;
 };
 
+// Whether a pattern stands somewhere, of which the first and the last unit are known to.
+template <class Unit>
+ULK_INLINE bool standsAt(const Unit* text, const Unit* pattern, size_t length) {
+  constexpr size_t kLanes = Vec16<Unit>::kLanes;
+  const auto same = [&](const auto& block) ULK_LAMBDA_INLINE {
+    return block.load(text).equal(block.load(pattern)).mask().bits() == 0xFFFF;
+  };
+  if (length <= 2) return true;
+  if (length >= kLanes) {
+    for (size_t at = 0; at < length - kLanes; at += kLanes) {
+      if (!same(FullBlock<Unit>{at})) return false;
+    }
+    return same(FullBlock<Unit>{length - kLanes});
+  }
+  if (length * sizeof(Unit) >= 8) return same(ShortBlock<Unit, 8>{length});
+  // Up to five units remain between the ends, or, of 16 bits, one.
+  if (length == 3) return loadUnit(text + 1) == loadUnit(pattern + 1);
+  return loadAs<uint32_t>(text) == loadAs<uint32_t>(pattern) &&
+         loadAs<uint32_t>(text + length - 4) == loadAs<uint32_t>(pattern + length - 4);
+}
+
+// What the first candidates, up to a vector of them, tell without any preparation: where the pattern stands,
+// if it is at the first of them that has its ends; -1, if it cannot be anywhere; kNotYet otherwise. The
+// pattern has one unit at least.
+inline constexpr int32_t kNotYet = -2;
+
+template <class Unit>
+ULK_INLINE int32_t findEarly(const Unit* text, size_t candidates, const Unit* pattern, size_t length) {
+  constexpr size_t kLanes = Vec16<Unit>::kLanes;
+  const PairFilter<Unit> ends(text, pattern, 0, length - 1);
+  const auto look = [&](const auto& block) ULK_LAMBDA_INLINE {
+    const LaneMask<Unit> mask = block.used(ends.hits(block).mask());
+    if (!mask.any()) return candidates <= kLanes ? -1 : kNotYet;
+    const int32_t at = block.position(mask.first());
+    return standsAt(text + at, pattern, length) ? at : kNotYet;
+  };
+  return candidates < kLanes ? withShortBlock<Unit>(candidates, look) : look(FullBlock<Unit>{0});
+}
+
 template <class Direction, class Unit>
 int32_t scanForSubstring(const Unit* text, int32_t textLength, const Unit* pattern, int32_t patternLength) {
   if (patternLength == 0 || patternLength > textLength) return -1;

@@ -12,8 +12,8 @@ struct DifferenceProbe {
   const Unit* right;
 
   template <class Block>
-  ULK_INLINE Vec16<Unit> hits(const Block& block) const {
-    return block.load(left).differs(block.load(right));
+  ULK_INLINE UnsetLanes<Unit> hits(const Block& block) const {
+    return unsetLanes(block.load(left).equal(block.load(right)));
   }
   ULK_INLINE const DifferenceProbe& filter() const { return *this; }
 };

@@ -93,7 +93,7 @@ struct Except {
 
   template <class Block>
   ULK_INLINE auto hits(const Block& block) const {
-    return ~probe.hits(block);
+    return unsetLanes(probe.hits(block));
   }
   ULK_INLINE auto filter() const {
     return Except<std::remove_cvref_t<decltype(probe.filter())>>{probe.filter()};

@@ -45,6 +45,8 @@ ULK_INLINE void storeUnit(Unit* address, Unit unit) {
 template <class Unit>
 class LaneMask {
  public:
+  // No known lanes.
+  LaneMask() = default;
   ULK_INLINE explicit LaneMask(uint32_t bits) : bits_(bits) {}
 
   ULK_INLINE static LaneMask pair(LaneMask lower, LaneMask upper) {
@@ -115,7 +117,8 @@ class Vec16 {
   // Four units, each in a vector of its own.
   ULK_INLINE static void splatFour(const Unit* units, Vec16* vectors) {
     // Each unit twice, or each byte four times, makes 32 bits.
-    const __m128i four = join<4 * sizeof(Unit)>(units, units).v_;
+    const __m128i four = sizeof(Unit) == 1 ? _mm_cvtsi32_si128(loadAs<int32_t>(units))
+                                           : _mm_loadl_epi64(reinterpret_cast<const __m128i*>(units));
     const __m128i halves = sizeof(Unit) == 1 ? _mm_unpacklo_epi8(four, four) : four;
     const __m128i words = _mm_unpacklo_epi16(halves, halves);
     vectors[0] = Vec16(_mm_shuffle_epi32(words, 0x00));
@@ -171,7 +174,6 @@ class Vec16 {
       return Vec16(_mm_cmpeq_epi16(v_, other.v_));
     }
   }
-  ULK_INLINE Vec16 differs(Vec16 other) const { return ~equal(other); }
   ULK_INLINE Vec16 min(Vec16 other) const {
     static_assert(sizeof(Unit) == 1, "there is no such instruction for unsigned 16-bit units");
     return Vec16(_mm_min_epu8(v_, other.v_));
@@ -194,8 +196,11 @@ class Vec16 {
       return Vec16(_mm_add_epi16(v_, other.v_));
     }
   }
+  ULK_INLINE Vec16 operator-(Vec16 other) const {
+    static_assert(sizeof(Unit) == 1, "nobody needs the others");
+    return Vec16(_mm_sub_epi8(v_, other.v_));
+  }
   ULK_INLINE Vec16 without(Vec16 other) const { return Vec16(_mm_andnot_si128(other.v_, v_)); }
-  ULK_INLINE Vec16 operator~() const { return Vec16(_mm_xor_si128(v_, _mm_set1_epi8(-1))); }
   ULK_INLINE Vec16 minSigned(Vec16 other) const {
     static_assert(sizeof(Unit) == 2, "there is no such instruction for signed bytes");
     return Vec16(_mm_min_epi16(v_, other.v_));
@@ -301,13 +306,26 @@ class Vec16 {
   __m128i v_;
 };
 
+// A comparison that holds in the lanes that are not all ones.
+template <class Unit>
+struct UnsetLanes {
+  Vec16<Unit> lanes;
+
+  ULK_INLINE UnsetLanes operator|(UnsetLanes other) const { return {lanes & other.lanes}; }
+  ULK_INLINE LaneMask<Unit> mask() const { return LaneMask<Unit>(lanes.mask().bits() ^ 0xFFFF); }
+};
+template <class Unit>
+ULK_INLINE UnsetLanes<Unit> unsetLanes(Vec16<Unit> lanes) {
+  return {lanes};
+}
+
 // A comparison that holds in the lanes that are not zero: many can be joined before one instruction asks.
 template <class Unit>
 struct NonzeroLanes {
   Vec16<Unit> lanes;
 
   ULK_INLINE NonzeroLanes operator|(NonzeroLanes other) const { return {lanes | other.lanes}; }
-  ULK_INLINE LaneMask<Unit> mask() const { return lanes.differs(Vec16<Unit>::zero()).mask(); }
+  ULK_INLINE LaneMask<Unit> mask() const { return unsetLanes(lanes.equal(Vec16<Unit>::zero())).mask(); }
 };
 
 // The units from `first` to `last`.

@@ -21,6 +21,15 @@ ULK_INLINE ulkStatus search(const Unit* text, int32_t textLength, const Unit* ot
   return ulkOk;
 }
 
+// Most texts that are searched for a string are short, or have it near their start.
+template <class Unit>
+ULK_INLINE int32_t find(const Unit* text, int32_t textLength, const Unit* pattern, int32_t patternLength) {
+  if (patternLength == 0 || patternLength > textLength) return -1;
+  const size_t length = static_cast<size_t>(patternLength);
+  const int32_t early = findEarly(text, static_cast<size_t>(textLength) - length + 1, pattern, length);
+  return early != kNotYet ? early : findSubstring(text, textLength, pattern, patternLength);
+}
+
 template <class Unit, class Kernel>
 ULK_INLINE ulkStatus searchUnit(const Unit* text, int32_t length, Unit unit, int32_t* index, Kernel kernel) {
   if (!text || !index) return ulkErrNullPtr;
@@ -46,12 +55,12 @@ ULK_INLINE ulkStatus searchUnitTerminated(const Unit* text, Unit unit, int32_t* 
 
 ULK_EXPORT ulkStatus ULK_CALL ulksFind_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pFind,
                                           int32_t findLen, int32_t* pIndex) {
-  return search(pSrc, srcLen, pFind, findLen, pIndex, findSubstring<uint8_t>);
+  return search(pSrc, srcLen, pFind, findLen, pIndex, find<uint8_t>);
 }
 
 ULK_EXPORT ulkStatus ULK_CALL ulksFind_16u(const uint16_t* pSrc, int32_t srcLen, const uint16_t* pFind,
                                            int32_t findLen, int32_t* pIndex) {
-  return search(pSrc, srcLen, pFind, findLen, pIndex, findSubstring<uint16_t>);
+  return search(pSrc, srcLen, pFind, findLen, pIndex, find<uint16_t>);
 }
 
 ULK_EXPORT ulkStatus ULK_CALL ulksFindRev_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pFind,
