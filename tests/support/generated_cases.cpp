@@ -508,6 +508,8 @@ GeneratedExpression generateExpression(Choices& choices) {
   GeneratedExpression expression;
   expression.tree = Generator(choices).expression();
   expression.pattern = expression.tree.pattern();
+  // Searches that are to tell whether they came to the end are written so.
+  if (choices.oneIn(16)) expression.pattern = "(" + expression.pattern + "|\\z)";
   expression.options = choices.pick(kOptions);
   if (choices.oneIn(3)) expression.options += 'g';
   if (choices.oneIn(6)) damage(choices, expression.pattern, R"(()[]{}|?*+\.^$-ab1:=!<>)");

@@ -82,10 +82,11 @@ FirstBytes::Way FirstBytes::assertion(int32_t kind) {
     case '$':
     case 'Z':
       addAll(kNewline, set);
+      noteItem(-1, 0);
       [[fallthrough]];
     case 'z':
+      // No byte of the text is one that a match begins with here: in `(ab|\z)`, "ab" is the one item.
       atEnd = true;
-      noteItem(-1, 0);
       return Way::kDecided;
     case 'b':
       if (before_ == Before::kWordByte) {

@@ -84,6 +84,13 @@ bool isLiteral(const ulkRegExpState& state, int32_t node) {
   return node < state.numNodes && nodes[node].code <= RX_STRING && !quantifierOf(nodes, state.numNodes, node);
 }
 
+// Whether nothing but the end of the text begins here.
+bool isTextEnd(const ulkRegExpState& state, int32_t node) {
+  const RxNode* const nodes = state.nodes();
+  return node < state.numNodes && nodes[node].code == RX_ASSERT && assertionOf(nodes[node]) == 'z' &&
+         !quantifierOf(nodes, state.numNodes, node);
+}
+
 // The first node that is neither an option change nor a word boundary.
 int32_t firstNode(const RxNode* nodes, int32_t numNodes) {
   const auto isPassed = [](const RxNode& node) {
@@ -108,7 +115,7 @@ Alternatives firstAlternatives(const RxNode* nodes, int32_t numNodes, int32_t fi
   return {first, firstBar < 0 ? nullptr : &nodes[firstBar]};
 }
 
-// Whether every one of several ways to begin a match begins with a literal.
+// Whether every one of several ways to begin a match begins with a literal, or at the end of the text.
 bool beginsWithLiterals(const ulkRegExpState& state, const StartFilter& filter) {
   const RxNode* const nodes = state.nodes();
   const Alternatives ways = firstAlternatives(nodes, state.numNodes, filter.firstBar);
@@ -121,12 +128,12 @@ bool beginsWithLiterals(const ulkRegExpState& state, const StartFilter& filter) 
     const RxNode* const quantifier = quantifierOf(nodes, state.numNodes, ways.first - 1);
     if (quantifier && minOf(*quantifier) == 0) return false;
   }
-  const RxNode* bar = ways.firstBar;
-  while (bar && optionsBehind(*bar) == filter.options &&
-         isLiteral(state, static_cast<int32_t>(bar - nodes) + 1)) {
-    bar = nextBar(*bar);
+  for (const RxNode* bar = ways.firstBar; bar; bar = nextBar(*bar)) {
+    const auto first = static_cast<int32_t>(bar - nodes) + 1;
+    if (static_cast<uint32_t>(optionsBehind(*bar)) != filter.options) return false;
+    if (!isLiteral(state, first) && !isTextEnd(state, first)) return false;
   }
-  return !bar;
+  return true;
 }
 
 // Adds the second bytes of literals; false if one has none.
@@ -152,7 +159,7 @@ bool describePair(const ulkRegExpState& state, const StartFilter& filter, StartP
     const Alternatives ways = firstAlternatives(nodes, state.numNodes, filter.firstBar);
     if (!addSecondByte(nodes[ways.first], filter.options, seconds)) return false;
     for (const RxNode* bar = ways.firstBar; bar; bar = nextBar(*bar))
-      if (!addSecondByte(bar[1], filter.options, seconds)) return false;
+      if (bar[1].code != RX_ASSERT && !addSecondByte(bar[1], filter.options, seconds)) return false;
     return describe(seconds, pair.second);
   }
   if (filter.item < 0) return false;
