@@ -7,6 +7,9 @@
 
 #include "ulkch.h"
 
+// Nobody outside has these functions: they are called directly.
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // Source and destination do not overlap.
@@ -20,3 +23,5 @@ ulkStatus ownMove_16u(const uint16_t* source, uint16_t* destination, int32_t cou
 ulkStatus ownZero_8u(uint8_t* destination, int32_t count);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -32,15 +32,24 @@ ULK_INLINE void convertUnits(const uint16_t* source, uint16_t* destination, int3
   }
 }
 
+// Groups from the first, which has units from kDirectEnd on, up to the next that has none. Returns the number
+// of their units. Apart from the others, which would have to wait until the constants for these are in their
+// places.
 template <class Case, class Group>
-ULK_INLINE void convertGroup(const Group& group, const uint16_t* source, uint16_t* destination) {
-  if (group.isDirect()) {
-    convertUnits(source, destination, Group::kUnits, mapCaseDirect<Case>);
-  } else if (group.hasAsciiCase()) {
-    group.map(destination, asciiCase<Case>());
-  } else {
-    convertUnits(source, destination, Group::kUnits, mapCase<Case>);
-  }
+__attribute__((noinline)) int32_t convertFarGroups(const uint16_t* source, uint16_t* destination,
+                                                   int32_t length) {
+  int32_t at = 0;
+  do {
+    const Group group(source + at);
+    if (at > 0 && group.isDirect()) break;
+    if (group.hasAsciiCase()) {
+      group.map(destination + at, asciiCase<Case>());
+    } else {
+      convertUnits(source + at, destination + at, Group::kUnits, mapCase<Case>);
+    }
+    at += Group::kUnits;
+  } while (length - at >= Group::kUnits);
+  return at;
 }
 
 // Groups from the first, which is not ASCII, up to the next that is. Returns the number of their units.
@@ -48,22 +57,32 @@ template <class Case, class Group>
 __attribute__((noinline)) int32_t convertGroups(const uint16_t* source, uint16_t* destination,
                                                 int32_t length) {
   int32_t at = 0;
-  for (; length - at >= Group::kUnits; at += Group::kUnits) {
+  while (length - at >= Group::kUnits) {
     const Group group(source + at);
     if (group.isAscii()) break;
-    convertGroup<Case>(group, source + at, destination + at);
+    if (group.isDirect()) {
+      convertUnits(source + at, destination + at, Group::kUnits, mapCaseDirect<Case>);
+      at += Group::kUnits;
+    } else {
+      at += convertFarGroups<Case, Group>(source + at, destination + at, length - at);
+    }
   }
   return at;
 }
 
+// One block of eight units or, of `length`, several. Returns their number.
 template <class Case>
-ULK_INLINE void convertBlock(const uint16_t* source, uint16_t* destination) {
-  const UnitGroup<1> block(source);
+ULK_INLINE int32_t convertBlocks(const uint16_t* source, uint16_t* destination, int32_t length) {
+  using Block = UnitGroup<1>;
+  const Block block(source);
   if (block.isAscii()) {
     block.map(destination, asciiCase<Case>());
+  } else if (block.isDirect()) {
+    convertUnits(source, destination, Block::kUnits, mapCaseDirect<Case>);
   } else {
-    convertGroup<Case>(block, source, destination);
+    return convertFarGroups<Case, Block>(source, destination, length);
   }
+  return Block::kUnits;
 }
 
 template <class Case>
@@ -87,8 +106,7 @@ ULK_INLINE void convertCase(const uint16_t* source, uint16_t* destination, int32
   }
   while (at < length) {
     const int32_t from = std::min(at, length - kLanes);
-    convertBlock<Case>(source + from, destination + from);
-    at = from + kLanes;
+    at = from + convertBlocks<Case>(source + from, destination + from, length - from);
   }
 }
 

@@ -68,11 +68,22 @@ ULK_INLINE int32_t compareIgnoreCaseLatin(const Unit* left, const Unit* right, i
   return at < 0 ? 0 : difference(foldLatin(loadUnit(left + at)), foldLatin(loadUnit(right + at)));
 }
 
+// Units whose common bits are below this power of two are both direct.
+inline constexpr uint16_t kBothDirect = 0x2000;
+static_assert(kBothDirect <= kDirectEnd);
+
 // The difference of the first units that differ as lowercase, 0 if none do.
-inline int32_t compareLowercase(const uint16_t* left, const uint16_t* right, int32_t count) {
+__attribute__((noinline)) inline int32_t compareLowercase(const uint16_t* left, const uint16_t* right,
+                                                          int32_t count) {
+  const CaseTable& table = kCaseTable;
   for (int32_t i = 0; i < count; ++i) {
+    const uint16_t leftUnit = loadUnit(left + i);
+    const uint16_t rightUnit = loadUnit(right + i);
+    const bool direct = (leftUnit | rightUnit) < kBothDirect;
     const int32_t found =
-        difference(mapCase<Lowercase>(loadUnit(left + i)), mapCase<Lowercase>(loadUnit(right + i)));
+        direct ? difference(mapCaseDirect<Lowercase>(leftUnit, table),
+                            mapCaseDirect<Lowercase>(rightUnit, table))
+               : difference(mapCase<Lowercase>(leftUnit, table), mapCase<Lowercase>(rightUnit, table));
     if (found != 0) return found;
   }
   return 0;
@@ -96,13 +107,25 @@ ULK_INLINE int32_t compareMapped(const uint16_t* left, const uint16_t* right, in
   return 0;
 }
 
+// The difference as lowercase of the first units that differ by more than the case of ASCII letters, which
+// often is not 0 and then the answer.
+__attribute__((noinline)) inline int32_t compareFirstOther(const uint16_t* left, const uint16_t* right,
+                                                           int32_t count) {
+  const int32_t first = scanForLatinDifference(left, right, count);
+  return first < 0 ? 0 : compareLowercase(left + first, right + first, 1);
+}
+
 // The same for a number of groups.
 template <class Group>
 __attribute__((noinline)) int32_t compareByTable(const uint16_t* left, const uint16_t* right, int32_t count) {
   for (int32_t at = 0; at < count; at += Group::kUnits) {
-    const int32_t found = Group(left + at).isDirect() && Group(right + at).isDirect()
-                              ? compareMapped(left + at, right + at, Group::kUnits, mapCaseDirect<Lowercase>)
-                              : compareMapped(left + at, right + at, Group::kUnits, mapCase<Lowercase>);
+    int32_t found;
+    if (Group(left + at).isDirect() && Group(right + at).isDirect()) {
+      found = compareMapped(left + at, right + at, Group::kUnits, mapCaseDirect<Lowercase>);
+    } else {
+      found = compareFirstOther(left + at, right + at, Group::kUnits);
+      if (found == 0) found = compareMapped(left + at, right + at, Group::kUnits, mapCase<Lowercase>);
+    }
     if (found != 0) return found;
   }
   return 0;
@@ -120,9 +143,10 @@ ULK_INLINE bool needsTable(const LatinDifferenceProbe<uint16_t>& latin, int32_t 
   return differences.mask().any();
 }
 
-// Most groups need no table, because they are the same but for the case of ASCII letters. Where one does, its
-// neighbours will: a few of them are looked up without another test. What is left after the groups is taken
-// in blocks of eight units, the last of which overlaps what is known to be equal.
+// Most groups need no table, because they are the same but for the case of ASCII letters. Where one does, the
+// unit that tells so may decide. If not, its neighbours will need the table as well: a few of them are looked
+// up without another test. What is left after the groups is taken in blocks of eight units, the last of which
+// overlaps what is known to be equal; where one needs the table, so will the rest.
 ULK_INLINE int32_t compareIgnoreCase(const uint16_t* left, const uint16_t* right, int32_t length) {
   using Group = UnitGroup<4>;
   using Block = UnitGroup<1>;
@@ -142,10 +166,7 @@ ULK_INLINE int32_t compareIgnoreCase(const uint16_t* left, const uint16_t* right
   }
   while (at < length) {
     const int32_t from = std::min(at, length - Block::kUnits);
-    if (needsTable<Block>(latin, from)) {
-      const int32_t found = compareByTable<Block>(left + from, right + from, Block::kUnits);
-      if (found != 0) return found;
-    }
+    if (needsTable<Block>(latin, from)) return compareLowercase(left + from, right + from, length - from);
     at = from + Block::kUnits;
   }
   return 0;
