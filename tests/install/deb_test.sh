@@ -8,7 +8,10 @@ packages=$1 readelf=$2
 directory=$(mktemp -d)
 trap 'rm -rf "$directory"' EXIT
 failures=0
-for deb in "$packages"/*.deb; do dpkg-deb --raw-extract "$deb" "$directory/$(basename "${deb%%_*}")"; done
+for deb in "$packages"/*.deb; do
+  file=$(basename "$deb")
+  dpkg-deb --raw-extract "$deb" "$directory/${file%%_*}"
+done
 
 # expect WHAT WANTED FOUND
 expect() {
