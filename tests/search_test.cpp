@@ -2,6 +2,7 @@
 // either side.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
@@ -163,6 +164,27 @@ TYPED_TEST(Search, FindsMembersOfSetsOfEverySize) {
       }
       ASSERT_FALSE(this->HasFailure()) << setLength << " members, text of " << length;
     }
+  }
+}
+
+// Long texts of which none, few or most units lie between members.
+TYPED_TEST(Search, PassesOverWhatLiesBetweenMembers) {
+  std::mt19937 random(14);
+  for (int round = 0; round < 1500; ++round) {
+    std::vector<TypeParam> set(4 + random() % 14);
+    const uint32_t spread = random() % 4 == 0 ? 8 : 256;
+    for (auto& unit : set) unit = static_cast<TypeParam>(random() % spread + (round % 5 == 0 ? 0 : 0x40));
+    std::vector<TypeParam> text(380 + random() % 1200);
+    const uint32_t strangers = std::vector<uint32_t>{1, 4, 60, 1000}[random() % 4];
+    for (auto& unit : text) unit = static_cast<TypeParam>(random() % strangers == 0 ? random() % 256 : 0x20);
+    if (round % 3 != 0) {
+      const auto other = [&](TypeParam unit) { return std::find(set.begin(), set.end(), unit) == set.end(); };
+      const auto end = std::stable_partition(text.begin(), text.end(), other);
+      std::fill(end, text.end(), text.empty() ? TypeParam{0} : text[0]);
+      text[random() % text.size()] = set[random() % set.size()];
+    }
+    checkSearch(text, set, kPlaces[static_cast<size_t>(round) % std::size(kPlaces)]);
+    ASSERT_FALSE(this->HasFailure()) << "round " << round;
   }
 }
 

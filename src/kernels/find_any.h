@@ -1,9 +1,9 @@
 // Any unit of a set: the first or the last place in a text where one stands, or where none of them does. One
 // choice of method, by the lengths of the text and of the set, for every function that has a set of units.
 //
-// Up to 16 members are compared with 16 bytes of text at once, one vector a member; of larger sets, each text
-// unit is looked up in a table of flags, or, where the text is too short to pay for the table, in the set
-// itself.
+// Up to 16 members are compared with 16 bytes of text at once, one vector a member. Where the text is long,
+// what lies in none of four ranges that hold the members is passed over first. Of larger sets, each text unit
+// is looked up in a table of flags, or, where the text is too short to pay for the table, in the set itself.
 #pragma once
 
 #include <algorithm>

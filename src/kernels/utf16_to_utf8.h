@@ -41,12 +41,16 @@ struct Utf16ToUtf8 {
                                                           const uint8_t* lastOut) {
     while (at.in <= lastIn && at.out <= lastOut) {
       if (lastIn - at.in >= 32 - kSourceMargin && at.takeAscii()) continue;
-      const ptrdiff_t blocks = std::min<ptrdiff_t>({(lastIn - at.in) / 8, (lastOut - at.out) / 24, 4});
-      for (ptrdiff_t i = 0; i <= blocks; ++i) {
-        if (at.takeShort() || at.takePlane() || at.takePairs()) continue;
-        const uint16_t* const end = at.in + 8;
-        while (at.in < end) at.takeOne(false, 4);
-        break;
+      ptrdiff_t blocks = std::min<ptrdiff_t>({(lastIn - at.in) / 8, (lastOut - at.out) / 24, 4}) + 1;
+      while (blocks-- > 0) {
+        if (at.takeShort() || at.takePlane()) continue;
+        if (!at.takePairs()) {
+          const uint16_t* const end = at.in + 8;
+          while (at.in < end) at.takeOne(false, 4);
+          break;
+        }
+        // More pairs are likelier than anything else.
+        while (blocks > 0 && at.takePairs()) --blocks;
       }
     }
     return at;
@@ -56,6 +60,14 @@ struct Utf16ToUtf8 {
   ULK_INLINE static Utf16ToUtf8 takeAsciiRun(Utf16ToUtf8 at, const uint16_t* sourceEnd,
                                              const uint8_t* targetEnd) {
     while (sourceEnd - at.in >= 8 && targetEnd - at.out >= 8 && at.takeFewAscii()) {
+    }
+    return at;
+  }
+
+  // As many times four surrogate pairs as there are.
+  ULK_INLINE static Utf16ToUtf8 takePairsRun(Utf16ToUtf8 at, const uint16_t* sourceEnd,
+                                             const uint8_t* targetEnd) {
+    while (sourceEnd - at.in >= 8 && targetEnd - at.out >= 16 && at.takePairs()) {
     }
     return at;
   }
@@ -211,6 +223,7 @@ ULK_INLINE void utf16ToUtf8(const uint16_t* source, int32_t* sourceLength, uint8
     at = Step::takeBlocks(at, sourceEnd - Step::kSourceMargin, targetEnd - Step::kTargetMargin);
   }
   at = Step::takeAsciiRun(at, sourceEnd, targetEnd);
+  at = Step::takePairsRun(at, sourceEnd, targetEnd);
   while (at.in != sourceEnd && at.takeOne(sourceEnd - at.in == 1, targetEnd - at.out)) {
   }
   *sourceLength = static_cast<int32_t>(at.in - source);

@@ -7,7 +7,8 @@
 //                          every byte becomes the unit that a sequence beginning there would give; the units
 //                          at continuation bytes are then dropped. 15, so that two steps of dropping are
 //                          enough
-//   longer sequences       one by one
+//   four of four bytes     as four pairs
+//   other sequences        one by one
 //
 // Such a step may store up to eight units more than it takes. Nobody sees them: the source left gives at
 // least that many units, and they fit, so that they are all written again.
@@ -54,6 +55,8 @@ struct Utf8ToUtf16 {
       } while (whole && safe >= 0);
       if (whole) continue;
       do {
+        // The first sequence comes from within a block, which may have been the last.
+        if (*at.in >= 0xF0 && at.in <= lastIn && at.out <= lastOut && at.takeFourPairs()) continue;
         if (!at.takeLong()) at = takeAny(at);
       } while (at.in <= lastIn && at.out <= lastOut && *at.in >= 0xE0);
     }
@@ -156,6 +159,27 @@ struct Utf8ToUtf16 {
   ULK_INLINE void putKept(Units units, uint32_t dropped) {
     compress(units, dropped).store(out);
     out += keptLanes<uint16_t>(dropped);
+  }
+
+  // Four well-formed sequences of four bytes, as put() would take them one by one.
+  ULK_INLINE bool takeFourPairs() {
+    using Pairs = Vec16<uint32_t>;
+    const Pairs next = Bytes::load(in).template as<uint32_t>();
+    const Pairs marks = (next & Pairs::splat(0xC0C0C0F8)) ^ Pairs::splat(0x808080F0);
+    if (marks.equal(Pairs::zero()).mask().bits() != 0xFFFF) return false;
+    // Shorter ones would do for values below 0x10000. What tells so are bits of the lower halves.
+    const Pairs large = next & Pairs::splat(0x3007);
+    if ((large.equal(Pairs::zero()).mask().bits() & 0x3333) != 0) return false;
+    const Pairs value = (next & Pairs::splat(0x07)) << 18 | (next << 4 & Pairs::splat(0x3F000)) |
+                        (next >> 10 & Pairs::splat(0x0FC0)) | (next >> 24 & Pairs::splat(0x3F));
+    const Pairs offset = value + Pairs::splat(-0x10000u);
+    const Pairs high = (offset >> 10 & Pairs::splat(0x3FF)) | Pairs::splat(0xD800);
+    const Pairs low = (offset & Pairs::splat(0x3FF)) | Pairs::splat(0xDC00);
+    const Pairs pairs = bigEndian ? high << 16 | low : low << 16 | high;
+    pairs.template as<uint16_t>().store(out);
+    in += 16;
+    out += 8;
+    return true;
   }
 
   // A well-formed sequence of three or four bytes; looks at four bytes.

@@ -60,9 +60,7 @@ class LaneMask {
   ULK_INLINE LaneMask without(int32_t lane) const { return LaneMask(bits_ & ~(kOneLane << (lane * kBits))); }
   // Only the lanes below `count`, or from `count` on.
   ULK_INLINE LaneMask below(int32_t count) const { return LaneMask(bits_ & ((1u << (count * kBits)) - 1)); }
-  ULK_INLINE LaneMask from(int32_t count) const {
-    return LaneMask(bits_ >> (count * kBits) << (count * kBits));
-  }
+  ULK_INLINE LaneMask from(int32_t count) const { return LaneMask(bits_ & ~0u << (count * kBits)); }
 
  private:
   static constexpr int32_t kBits = sizeof(Unit);
