@@ -2,6 +2,7 @@
 
 #include "regexp/analysis/follow_sets.h"
 #include "regexp/analysis/start_filter.h"
+#include "regexp/analysis/window.h"
 #include "regexp/text/bytes.h"
 
 namespace ulk {
@@ -22,11 +23,13 @@ void resolveShorthands(ulkRegExpState& state) {
 void analyse(ulkRegExpState& state, SpareWords spare) {
   SpareFrames frames(state);
   const bool hasFrames = frames.take() == kStartSetFrame && frames.take() == kStartPairFrame;
+  const bool hasWindowFrames = hasFrames && frames.takeFrom(kWindowKeysFrame);
   resolveShorthands(state);
   linkGroups(state);
   makeClassSets(state, spare);
   makeFollowSets(state, frames);
   makeStartFilter(state, hasFrames);
+  if (hasWindowFrames) makeWindow(state);
   chooseSteps(state);
 }
 

@@ -8,6 +8,7 @@
 
 #include "regexp/program/byte_set.h"
 #include "regexp/program/program.h"
+#include "regexp/program/window.h"
 #include "ulkch.h"
 
 namespace ulk {
@@ -93,10 +94,11 @@ struct StartFilter {
   uint8_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
   bool literals;    // there are several ways to begin, each with a literal, which the same frame tells
   bool ascii;       // no match begins with a byte from 0x80 on
-  bool once;        // a match begins with `item` once, which is not quantified
-  bool hasPair;     // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
-  SmallSet small;   // the set, where it is one
-  int32_t steps;    // that an attempt elsewhere costs
+  bool once : 1;    // a match begins with `item` once, which is not quantified
+  bool hasWindow : 1;     // frame kWindowFrame tells what a search of many expressions looks for
+  bool hasPair;           // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
+  SmallSet small;         // the set, where it is one
+  int32_t steps;          // that an attempt elsewhere costs
   int32_t boundarySteps;  // that it costs where there is no word boundary
   int32_t item;           // the node of the one item that every match begins with, -1 if there are several
   int32_t run;            // the quantifier of that item, if runs of it can be passed over, 0 if not
@@ -104,6 +106,10 @@ struct StartFilter {
 };
 inline constexpr int32_t kStartSetFrame = kNumFrames - 1;
 inline constexpr int32_t kStartPairFrame = kNumFrames - 2;
+inline constexpr int32_t kWindowFrame = kNumFrames - 3;
+inline constexpr int32_t kWindowSetFrame = kNumFrames - 4;
+inline constexpr int32_t kWindowKeysFrame =
+    kWindowSetFrame - kMaxWindowKeys / kKeysInFrame;  // and those above
 
 // One frame of the work area. Frame 0 and those above the highest serial belong to no group; what the
 // compiler finds out to make searching fast is kept there: the start filter in frame 0, byte sets from the
@@ -114,6 +120,8 @@ union WorkFrame {
   ByteSet256 bytes;
   StartFilter start;
   StartPair pair;
+  Window window;
+  WindowKey keys[kKeysInFrame];
 };
 static_assert(sizeof(WorkFrame) == 32);
 

@@ -1,0 +1,427 @@
+#include "regexp/analysis/window.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "kernels/find_substring.h"
+#include "regexp/analysis/first_bytes.h"
+#include "regexp/program/class_sets.h"
+#include "regexp/text/folded.h"
+
+namespace ulk {
+
+namespace {
+
+constexpr int32_t kMaxWays = 16;      // from the start of a match to its window
+constexpr int32_t kMaxLooks = 160;    // at nodes, on all ways together
+constexpr int32_t kMaxPlaces = 20;    // bytes of a way that are looked at
+constexpr int32_t kMaxValues = 12;    // of a place, folded
+constexpr int32_t kMaxProduct = 16;   // keys of one window
+constexpr int32_t kMaxCharacter = 6;  // bytes
+constexpr int32_t kFarAway = 1 << 16;
+constexpr int64_t kTooCostly = 1 << 20;
+
+// So many steps, and so many more for each byte of the longest run.
+struct Cost {
+  int64_t fixed = 0;
+  int64_t perByte = 0;
+
+  Cost& operator+=(const Cost& other) {
+    fixed += other.fixed;
+    perByte += other.perByte;
+    return *this;
+  }
+  bool isTooHigh() const { return fixed > kTooCostly || perByte > kTooCostly; }
+};
+
+// One byte of a match, behind what stands before it on its way.
+struct Place {
+  int32_t node;
+  int32_t least;  // bytes before it,
+  int32_t most;   // kFarAway: without bound
+  bool joined;    // it stands right behind the place before
+  bool first;     // of its node
+  uint8_t numValues;
+  uint8_t values[kMaxValues];
+  Cost cost;  // of all ways to come as far as behind it
+};
+
+// Bytes of items, folded; none where they are too many.
+void setValues(const ByteSet256& set, Place& place) {
+  uint64_t seen[4] = {};
+  place.numValues = 0;
+  for (uint32_t i = 0; i < 8; ++i) {
+    for (uint32_t word = set.words[i]; word; word &= word - 1) {
+      const uint8_t value =
+          foldedByte(static_cast<uint8_t>(i * 32 + static_cast<uint32_t>(std::countr_zero(word))));
+      if (seen[value >> 6] >> (value & 63) & 1) continue;
+      seen[value >> 6] |= uint64_t{1} << (value & 63);
+      if (place.numValues == kMaxValues) {
+        place.numValues = 0;
+        return;
+      }
+      place.values[place.numValues++] = value;
+    }
+  }
+}
+
+bool hasMultibyte(const ByteSet256& set) {
+  return (set.words[4] | set.words[5] | set.words[6] | set.words[7]) != 0;
+}
+
+// The bytes of everything that an item can match.
+void addAllBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
+  if (item.code == RX_STRING) {
+    for (int32_t i = 0; i < stringLength(item); ++i) addByte(stringOf(item)[i], options, set);
+    return;
+  }
+  addFirstBytes(item, options, set);
+  if (item.code != RX_CHAR && hasMultibyte(set)) std::fill(set.words + 4, set.words + 8, ~0u);
+}
+
+// Follows every way from the start of the program, through the alternatives and into the groups that must
+// match, and chooses a few bytes on each that come one behind the other.
+class WindowFinder {
+ public:
+  explicit WindowFinder(ulkRegExpState& state)
+      : state_(state), nodes_(state.nodes()), numNodes_(state.numNodes) {}
+
+  bool find();
+
+ private:
+  struct Way {
+    int32_t numPlaces = 0;
+    int32_t least = 0;
+    int32_t most = 0;
+    bool joined = true;
+    Cost cost;
+    Cost visits{1, 0};  // how often the next node is run
+  };
+  // A group that a way is in.
+  struct Outer {
+    int32_t end;
+    const Outer* outer;
+  };
+  enum class After { kNext, kEnd };
+
+  void walk(int32_t node, Way way, uint32_t options, const Outer* outer);
+  After passItem(int32_t node, Way& way, uint32_t options);
+  After passLookaround(int32_t node, Way& way) const;
+  After repeat(const RxNode& quantifier, int32_t itemMost, Way& way) const;
+  void walkGroup(int32_t node, const Way& way, uint32_t options, const Outer* outer);
+  void addPlace(int32_t node, bool first, const ByteSet256& set, Way& way);
+  void finish(const Way& way);
+  int32_t chooseWindow(const Way& way, int32_t& size) const;
+  void addKeys(const Place* places, int32_t size);
+  void fillSet(uint32_t options);
+  int32_t firstBar() const { return state_.frames[0].start.firstBar; }
+
+  ulkRegExpState& state_;
+  const RxNode* const nodes_;
+  const int32_t numNodes_;
+  Window window_{};
+  Place places_[kMaxPlaces];
+  Cost cost_;
+  int32_t numWays_ = 0;
+  int32_t looks_ = 0;
+  int32_t lastNode_ = 0;     // of all windows
+  bool insideNode_ = false;  // a window begins behind the first byte of its node
+  bool failed_ = false;
+};
+
+void WindowFinder::addPlace(int32_t node, bool first, const ByteSet256& set, Way& way) {
+  if (way.numPlaces == kMaxPlaces) return;
+  Place& place = places_[way.numPlaces++];
+  place.node = node;
+  place.least = way.least;
+  place.most = way.most;
+  place.joined = way.joined;
+  place.first = first;
+  place.cost = way.cost;
+  setValues(set, place);
+  ++way.least;
+  if (way.most < kFarAway) ++way.most;
+  way.joined = true;
+}
+
+// Goes on behind what is repeated beyond its minimum.
+WindowFinder::After WindowFinder::repeat(const RxNode& quantifier, int32_t itemMost, Way& way) const {
+  constexpr int32_t kMaxTimes = 64;
+  const int32_t more = maxOf(quantifier) - minOf(quantifier);
+  if (more == 0) return After::kNext;
+  way.joined = false;
+  if (more > kMaxTimes) {
+    if (way.visits.perByte > 0) return After::kEnd;
+    way.visits.perByte = way.visits.fixed;
+    way.most = kFarAway;
+    return After::kNext;
+  }
+  way.visits.fixed *= more + 1;
+  way.visits.perByte *= more + 1;
+  way.most = std::min(way.most + more * itemMost, kFarAway);
+  return way.visits.isTooHigh() ? After::kEnd : After::kNext;
+}
+
+WindowFinder::After WindowFinder::passItem(int32_t node, Way& way, uint32_t options) {
+  const RxNode& item = nodes_[node];
+  if (item.code == RX_XSEQ) return After::kEnd;
+  way.cost += way.visits;
+  if (item.code == RX_STRING) {
+    for (int32_t i = 0; i < stringLength(item) && way.numPlaces < kMaxPlaces; ++i) {
+      ByteSet256 set{};
+      addByte(stringOf(item)[i], options, set);
+      addPlace(node, i == 0, set, way);
+    }
+    return After::kNext;
+  }
+  ByteSet256 set{};
+  addFirstBytes(item, options, set);
+  const RxNode* const quantifier = quantifierOf(nodes_, numNodes_, node);
+  // A lazy repeat of these takes, and matches, more than they stand for.
+  const bool isProperty = item.code >= RX_CODEPOINT;
+  if (quantifier && quantifier->code == RX_REPEAT_LAZY && isProperty) return After::kEnd;
+  const bool oneByte = item.code == RX_CHAR || item.code == RX_BYTE || (!isProperty && !hasMultibyte(set));
+  const int32_t least = quantifier ? minOf(*quantifier) : 1;
+  if (oneByte) {
+    for (int32_t i = 0; i < least && way.numPlaces < kMaxPlaces; ++i) addPlace(node, i == 0, set, way);
+    if (way.numPlaces == kMaxPlaces) return After::kEnd;
+  } else if (least > 0) {
+    if (least > kFarAway / kMaxCharacter) return After::kEnd;
+    way.joined = false;
+    way.least += least;
+    way.most = std::min(way.most + least * kMaxCharacter, kFarAway);
+  }
+  return quantifier ? repeat(*quantifier, oneByte ? 1 : kMaxCharacter, way) : After::kNext;
+}
+
+// A body of items, each once, takes a step for each at most.
+WindowFinder::After WindowFinder::passLookaround(int32_t node, Way& way) const {
+  const int32_t length = bodyLength(nodes_[node]);
+  if (quantifierOf(nodes_, numNodes_, node)) return After::kEnd;
+  for (int32_t i = node + 1; i <= node + length; i = nextNode(nodes_, i))
+    if (!isItem(nodes_[i]) && nodes_[i].code != RX_ALT && nodes_[i].code != RX_ASSERT) return After::kEnd;
+  way.cost.fixed += way.visits.fixed * (length + 1);
+  way.cost.perByte += way.visits.perByte * (length + 1);
+  return After::kNext;
+}
+
+void WindowFinder::walkGroup(int32_t node, const Way& way, uint32_t options, const Outer* outer) {
+  const RxNode& open = nodes_[node];
+  const Outer group{node + 1 + bodyLength(open), outer};
+  walk(node + 1, way, optionsAfter(open, options), &group);
+  for (const RxNode* bar = nextBar(open); bar && !failed_; bar = nextBar(*bar))
+    walk(static_cast<int32_t>(bar - nodes_) + 1, way, static_cast<uint32_t>(optionsBehind(*bar)), &group);
+}
+
+// Follows the ways that begin at a node.
+void WindowFinder::walk(int32_t node, Way way, uint32_t options, const Outer* outer) {
+  while (!failed_) {
+    if (node >= numNodes_ || way.numPlaces == kMaxPlaces || ++looks_ > kMaxLooks || way.cost.isTooHigh())
+      return finish(way);
+    const RxNode& item = nodes_[node];
+    After after = After::kNext;
+    const int32_t next = nextItem(nodes_, node);
+    const RxNode* const quantifier = item.code == RX_ALT ? nullptr : quantifierOf(nodes_, numNodes_, node);
+    switch (item.code) {
+      case RX_ALT:
+      case RX_END:
+        if (!outer) return finish(way);
+        way.cost += way.visits;
+        node = outer->end;
+        if (node + 1 < numNodes_ && isQuantifier(nodes_[node + 1]) && maxOf(nodes_[++node]) > 1)
+          return finish(way);
+        options = static_cast<uint32_t>(optionsBehind(nodes_[outer->end]));
+        outer = outer->outer;
+        ++node;
+        continue;
+      case RX_ASSERT:
+        way.cost += way.visits;
+        break;
+      case RX_OPTIONS:
+        way.cost += way.visits;
+        options = static_cast<uint32_t>(newOptions(item));
+        break;
+      case RX_LOOKBEHIND:
+      case RX_NLOOKBEHIND:
+      case RX_LOOKAHEAD:
+      case RX_NLOOKAHEAD:
+        after = passLookaround(node, way);
+        break;
+      case RX_ATOMIC:
+      case RX_CAPTURE:
+      case RX_GROUP:
+      case RX_OPTGROUP:
+        if (quantifier && (item.code == RX_ATOMIC || maxOf(*quantifier) == 0)) return finish(way);
+        if (quantifier && minOf(*quantifier) == 0 && maxOf(*quantifier) > 1) return finish(way);
+        way.cost += way.visits;
+        walkGroup(node, way, options, outer);
+        if (!quantifier || minOf(*quantifier) > 0) return;
+        break;  // and the way without the group
+      default:
+        after = isItem(item) ? passItem(node, way, options) : After::kEnd;
+    }
+    if (after == After::kEnd) return finish(way);
+    node = next + (quantifier ? 1 : 0);
+  }
+}
+
+// How often the byte may be met, by ear.
+int32_t commonnessOf(const Place& place) {
+  int32_t most = 0;
+  for (int32_t i = 0; i < place.numValues; ++i)
+    most = std::max<int32_t>(most, place.values[i] == '0' ? 32 : commonness(place.values[i]));
+  return most;
+}
+
+// The first place of the best window on a way, -1 without one.
+int32_t WindowFinder::chooseWindow(const Way& way, int32_t& size) const {
+  constexpr int32_t kThreeRank = 60, kRunRank = 40, kValueRank = 12;
+  int32_t best = -1;
+  int32_t bestRank = INT32_MAX;
+  for (int32_t first = 0; first + 3 <= way.numPlaces; ++first) {
+    if (places_[first].least > UINT8_MAX) break;
+    int32_t product = 1, rank = 0;
+    for (int32_t i = first; i < std::min(first + 4, way.numPlaces); ++i) {
+      const Place& place = places_[i];
+      if ((i > first && !place.joined) || place.numValues == 0 || place.cost.isTooHigh()) break;
+      product *= place.numValues;
+      if (product > kMaxProduct) break;
+      rank += commonnessOf(place);
+      const int32_t count = i - first + 1;
+      if (count < 3) continue;
+      const int32_t whole =
+          rank + kValueRank * static_cast<int32_t>(std::bit_width(static_cast<uint32_t>(product))) +
+          (count == 3 ? kThreeRank : 0) + (places_[first].most == kFarAway ? kRunRank : 0);
+      if (whole >= bestRank) continue;
+      bestRank = whole;
+      best = first;
+      size = count;
+    }
+  }
+  return best;
+}
+
+// Adds a key for each way to choose one byte of each place.
+void WindowFinder::addKeys(const Place* places, int32_t size) {
+  uint8_t choice[4] = {};
+  for (;;) {
+    if (window_.numKeys == kMaxWindowKeys) {
+      failed_ = true;
+      return;
+    }
+    uint32_t bytes = 0;
+    for (int32_t i = 0; i < size; ++i) bytes |= uint32_t{places[i].values[choice[i]]} << (8 * i);
+    const int32_t index = window_.numKeys++;
+    state_.frames[kWindowKeysFrame + index / kKeysInFrame].keys[index % kKeysInFrame] = {
+        bytes, static_cast<uint8_t>(places->least), size == 3, 0};
+    int32_t i = 0;
+    while (i < size && ++choice[i] == places[i].numValues) choice[i++] = 0;
+    if (i == size) return;
+  }
+}
+
+void WindowFinder::finish(const Way& way) {
+  int32_t size = 0;
+  const int32_t first = chooseWindow(way, size);
+  failed_ = first < 0 || ++numWays_ > kMaxWays;
+  if (failed_) return;
+  const Place& place = places_[first];
+  window_.most = std::max(window_.most, place.most);
+  lastNode_ = std::max(lastNode_, place.node);
+  insideNode_ |= !place.first;
+  cost_ += places_[first + size - 1].cost;
+  addKeys(&place, size);
+}
+
+// Collects the bytes that can stand before a window: those of all items up to there.
+void WindowFinder::fillSet(uint32_t options) {
+  ByteSet256& set = state_.frames[kWindowSetFrame].bytes;
+  set = {};
+  const bool includesLast = insideNode_ || numWays_ > 1;
+  for (int32_t i = 0; i < lastNode_ + (includesLast ? 1 : 0); i = nextNode(nodes_, i)) {
+    options = optionsAfter(nodes_[i], options);
+    if (isItem(nodes_[i])) addAllBytes(nodes_[i], options, set);
+  }
+}
+
+// Whether a search among places far from each other, as this one makes it, leaves no trace in the options:
+// they change at the head of the program only.
+bool keepsOptions(const ulkRegExpState& state) {
+  const RxNode* const nodes = state.nodes();
+  const auto matters = [](int32_t options) { return static_cast<uint32_t>(options) & kMatcherOptions; };
+  uint32_t options = matters(static_cast<int32_t>(state.options));
+  for (int32_t i = 0; i < state.numNodes; i = nextNode(nodes, i)) {
+    if (nodes[i].code == RX_OPTIONS && i > 0) return false;
+    if (nodes[i].code == RX_OPTIONS) options = matters(newOptions(nodes[i]));
+    if (nodes[i].code == RX_ALT && serialOf(nodes[i]) == kTopLevel &&
+        matters(optionsBehind(nodes[i])) != options)
+      return false;
+  }
+  return true;
+}
+
+// Whether what a node matches may depend on where the text ends, or on what a try in vain has left behind.
+bool mayLookBeyond(const RxNode* nodes, int32_t i) {
+  const RxNode& node = nodes[i];
+  switch (node.code) {
+    case RX_ASSERT:
+      return assertionOf(node) == '$' || assertionOf(node) == 'Z' || assertionOf(node) == 'z';
+    case RX_ALT:
+      return serialOf(node) == kTopLevel;
+    case RX_END:
+      return repeatMark(node) == kRepeatMarkRepeated;
+    case RX_BACKREF:
+    case RX_REPEAT_LAZY:
+    case RX_LOOKBEHIND:
+    case RX_NLOOKBEHIND:
+    case RX_LOOKAHEAD:
+    case RX_NLOOKAHEAD:
+    case RX_COND:
+    case RX_ATOMIC:
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool doesCutMatter(const ulkRegExpState& state) {
+  const RxNode* const nodes = state.nodes();
+  for (int32_t i = 0; i < state.numNodes; i = nextNode(nodes, i))
+    if (mayLookBeyond(nodes, i)) return true;
+  return false;
+}
+
+// Whether attempts are made elsewhere than the program itself says: an optional "^" is restricted to line
+// starts. At the start of the text alone, one attempt decides.
+bool isRestricted(const ulkRegExpState& state) {
+  const Anchor anchor = state.frames[0].start.anchor;
+  if (anchor == Anchor::kNone) return false;
+  return anchor == Anchor::kTextStart || quantifierOf(state.nodes(), state.numNodes, 0);
+}
+
+bool WindowFinder::find() {
+  if (isRestricted(state_) || !keepsOptions(state_)) return false;
+  const uint32_t options = state_.options;
+  walk(0, {}, options, nullptr);
+  for (int32_t bar = firstBar(); bar >= 0 && !failed_;) {
+    walk(bar + 1, {}, static_cast<uint32_t>(optionsBehind(nodes_[bar])), nullptr);
+    const RxNode* const next = nextBar(nodes_[bar]);
+    bar = next ? static_cast<int32_t>(next - nodes_) : -1;
+  }
+  if (failed_ || cost_.isTooHigh()) return false;
+  if (window_.most >= kFarAway) {
+    window_.most = -1;
+    fillSet(options);
+  }
+  window_.steps = static_cast<int32_t>(cost_.fixed);
+  window_.stepsPerByte = static_cast<int32_t>(cost_.perByte);
+  window_.cutMatters = doesCutMatter(state_);
+  state_.frames[kWindowFrame].window = window_;
+  return true;
+}
+
+}  // namespace
+
+void makeWindow(ulkRegExpState& state) { state.frames[0].start.hasWindow = WindowFinder(state).find(); }
+
+}  // namespace ulk

@@ -1,0 +1,17 @@
+// Finds the window of an expression (program/window.h), by which a search of many expressions at once
+// (search/set_scan.h) knows where to try this one. An expression without one is searched by itself.
+#pragma once
+
+#include "regexp/program/state.h"
+
+namespace ulk {
+
+// Frames kWindowKeysFrame to kWindowFrame belong to no group. The start filter has been made.
+void makeWindow(ulkRegExpState& state);
+
+inline const Window& windowOf(const ulkRegExpState& state) { return state.frames[kWindowFrame].window; }
+inline const WindowKey& windowKey(const ulkRegExpState& state, int32_t index) {
+  return state.frames[kWindowKeysFrame + index / kKeysInFrame].keys[index % kKeysInFrame];
+}
+
+}  // namespace ulk

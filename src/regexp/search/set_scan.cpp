@@ -1,0 +1,376 @@
+#include "regexp/search/set_scan.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include "frame/export.h"
+#include "regexp/analysis/window.h"
+#include "regexp/search/attempt.h"
+#include "regexp/search/search.h"
+#include "regexp/text/folded.h"
+
+namespace ulk {
+
+namespace {
+
+// What an expression costs least to search for by itself; the pass is for more.
+constexpr int32_t kLeastSlots = 4;
+constexpr int32_t kMostSlots = 256;
+constexpr int32_t kMostKeys = 1024;
+constexpr int32_t kMostHashBits = 13;
+constexpr int32_t kChunk = 2048;  // of the text that is folded at once
+constexpr int32_t kBehind = 16;   // bytes behind it that are no key
+
+// One expression in the pass. Places are counted from the start of the text.
+struct Slot {
+  int32_t index;       // in the set
+  int32_t at;          // all starts before it are settled
+  int32_t end;         // of the text, cut at the trailing literal where `isCut`
+  int32_t left;        // of the match limit
+  int32_t wasted;      // steps of attempts that failed
+  int32_t numWritten;  // records
+  bool isCut;
+  bool isDone;
+};
+
+struct Entry {
+  uint32_t bytes;
+  uint16_t slot;
+  uint16_t next;  // with the same hash, 0: none
+  uint8_t least;
+  bool three;
+};
+
+class SetScan {
+ public:
+  SetScan(const uint8_t* text, int32_t length, ulkRegExpState* const* expressions,
+          ulkRegExpMultiFind* results)
+      : text_(text), length_(length), expressions_(expressions), results_(results) {}
+
+  void search(int32_t first, int32_t last);
+
+ private:
+  int32_t gather(int32_t first, int32_t last);
+  bool join(int32_t index);
+  void makeTable();
+  void scan();
+  template <bool three>
+  void scanChunk(int32_t base, int32_t count);
+  void visit(uint32_t bytes, uint32_t hash, int32_t at);
+  void tryWindow(Slot& slot, int32_t least, int32_t at);
+  void tryRange(Slot& slot, int32_t first, int32_t last);
+  bool isWorthAttempt(const uint8_t* at) const;
+  const uint8_t* takeMatch(Slot& slot);
+  bool paySkipped(Slot& slot, int32_t to);
+  bool runsAreShorter(const ByteSet256& set, int32_t from, int32_t to, int32_t length) const;
+  int32_t firstStart(const Slot& slot, int32_t at) const;
+  void cut(Slot& slot);
+  void end(Slot& slot, int32_t numFound);
+  void settle(Slot& slot);
+  void searchAlone(Slot& slot);
+  void searchAlone(int32_t index);
+  ulkRegExpState& stateOf(const Slot& slot) const { return *expressions_[slot.index]; }
+  uint32_t hashOf(uint32_t bytes) const { return bytes * 0x9E3779B1u >> shift_; }
+
+  const uint8_t* const text_;
+  const int32_t length_;
+  ulkRegExpState* const* const expressions_;
+  ulkRegExpMultiFind* const results_;
+
+  ulkRegExpState* state_ = nullptr;  // that the context is prepared for
+  MatchContext m_;
+  int32_t numSlots_ = 0;
+  int32_t numKeys_ = 0;
+  int32_t numActive_ = 0;
+  int32_t reach_ = 0;  // what lies behind is out of every limit
+  bool hasThrees_ = false;
+  uint32_t shift_ = 0;
+  Slot slots_[kMostSlots];
+  Entry entries_[kMostKeys + 1];
+  uint16_t heads_[1 << kMostHashBits];
+  alignas(16) uint8_t folded_[kChunk + 2 * kBehind];
+  alignas(RunChoice) std::byte choices_[kSearchChoices];
+};
+
+void SetScan::searchAlone(int32_t index) {
+  ulkRegExpMultiFind& result = results_[index];
+  result.status = rxFind(text_, length_, expressions_[index], result.pFind, &result.numFind);
+}
+
+// From the start, whatever the pass has found: a search of its own finds that as well.
+void SetScan::searchAlone(Slot& slot) {
+  slot.isDone = true;
+  --numActive_;
+  searchAlone(slot.index);
+}
+
+void SetScan::end(Slot& slot, int32_t numFound) {
+  slot.isDone = true;
+  --numActive_;
+  results_[slot.index].numFind = numFound;
+  results_[slot.index].status = ulkOk;
+}
+
+// Nothing more is found.
+void SetScan::settle(Slot& slot) {
+  paySkipped(slot, slot.end + 1) ? end(slot, slot.numWritten) : searchAlone(slot);
+}
+
+// ---- Before the pass
+
+// Whether the expression can be in the pass.
+bool SetScan::join(int32_t index) {
+  const ulkRegExpState& state = *expressions_[index];
+  const ulkRegExpMultiFind& result = results_[index];
+  if (state.magic != kStateMagic || !startFilterOf(state).hasWindow) return false;
+  if (!result.pFind || result.numFind < 1) return false;
+  if ((state.options & RX_OPT_GLOBAL) && result.numFind < std::max(state.numCaptures - 1, 1)) return false;
+
+  const Window& window = windowOf(state);
+  for (int32_t i = 0; i < window.numKeys; ++i) {
+    const WindowKey& key = windowKey(state, i);
+    entries_[++numKeys_] = {key.bytes, static_cast<uint16_t>(numSlots_), 0, key.least, key.three};
+    hasThrees_ |= key.three;
+  }
+  reach_ = std::max(reach_, state.matchLimit / window.steps);
+  slots_[numSlots_++] = {index, 0, length_, state.matchLimit, 0, 0, state.trailingLiteral < 0, false};
+  return true;
+}
+
+// Takes expressions into the pass as long as there is room; searches for those alone that cannot be in it.
+// Returns the next one.
+int32_t SetScan::gather(int32_t first, int32_t last) {
+  numSlots_ = numKeys_ = reach_ = 0;
+  hasThrees_ = false;
+  int32_t index = first;
+  for (; index < last && numSlots_ < kMostSlots && numKeys_ <= kMostKeys - kMaxWindowKeys; ++index)
+    if (expressions_[index] && !join(index)) searchAlone(index);
+  return index;
+}
+
+void SetScan::makeTable() {
+  int32_t bits = 8;
+  while (bits < kMostHashBits && numKeys_ >> (bits - 4) != 0) ++bits;
+  shift_ = static_cast<uint32_t>(32 - bits);
+  std::memset(heads_, 0, sizeof *heads_ << bits);
+  for (int32_t i = numKeys_; i > 0; --i) {
+    Entry& entry = entries_[i];
+    uint16_t& head = heads_[hashOf(entry.three ? entry.bytes << 8 : entry.bytes)];
+    entry.next = head;
+    head = static_cast<uint16_t>(i);
+  }
+}
+
+void SetScan::search(int32_t first, int32_t last) {
+  while (first < last) {
+    first = gather(first, last);
+    numActive_ = numSlots_;
+    if (numSlots_ < kLeastSlots) {
+      for (int32_t i = 0; i < numSlots_; ++i) searchAlone(slots_[i]);
+      continue;
+    }
+    makeTable();
+    scan();
+    for (int32_t i = 0; i < numSlots_ && numActive_ > 0; ++i) {
+      Slot& slot = slots_[i];
+      if (!slot.isDone) reach_ < length_ ? searchAlone(slot) : settle(slot);
+    }
+  }
+}
+
+// ---- The pass
+
+void SetScan::scan() {
+  const int32_t length = std::min(length_, reach_);
+  for (int32_t base = 0; base < length && numActive_ > 0; base += kChunk) {
+    const int32_t count = std::min(length_ - base, kChunk + 3);
+    std::memcpy(folded_, text_ + base, static_cast<size_t>(count));
+    for (int32_t i = 0; i < count; i += 16)
+      foldedBytes(Vec16<uint8_t>::loadAligned(folded_ + i)).storeAligned(folded_ + i);
+    std::memset(folded_ + count, 0, kBehind);
+    hasThrees_ ? scanChunk<true>(base, std::min(count, kChunk))
+               : scanChunk<false>(base, std::min(count, kChunk));
+  }
+}
+
+template <bool three>
+void SetScan::scanChunk(int32_t base, int32_t count) {
+  constexpr int32_t kStride = 8;
+  for (int32_t i = 0; i < count; i += kStride) {
+    uint32_t hits = 0;
+    for (int32_t k = 0; k < kStride; ++k) {
+      const auto bytes = loadAs<uint32_t>(folded_ + i + k);
+      hits |= heads_[hashOf(bytes)];
+      if (three) hits |= heads_[hashOf(bytes << 8)];
+    }
+    if (hits == 0) continue;
+    for (int32_t k = 0; k < kStride; ++k) {
+      const auto bytes = loadAs<uint32_t>(folded_ + i + k);
+      visit(bytes, hashOf(bytes), base + i + k);
+      if (three) visit(bytes & 0xFFFFFF, hashOf(bytes << 8), base + i + k);
+    }
+    if (numActive_ == 0) return;
+  }
+}
+
+// Tries the expressions with a key that stands at that place.
+void SetScan::visit(uint32_t bytes, uint32_t hash, int32_t at) {
+  for (uint16_t* link = &heads_[hash]; *link != 0;) {
+    Entry& entry = entries_[*link];
+    Slot& slot = slots_[entry.slot];
+    if (entry.bytes == bytes && !slot.isDone) tryWindow(slot, entry.least, at);
+    if (slot.isDone) {
+      *link = entry.next;
+    } else {
+      link = &entry.next;
+    }
+  }
+}
+
+// The first start from which a match can reach a window at `at`.
+int32_t SetScan::firstStart(const Slot& slot, int32_t at) const {
+  const ulkRegExpState& state = stateOf(slot);
+  int32_t first = std::max(at - windowOf(state).most, slot.at);
+  if (windowOf(state).most < 0) {
+    const ByteSet256& set = state.frames[kWindowSetFrame].bytes;
+    for (first = at; first > slot.at && set.contains(text_[first - 1]);) --first;
+  }
+  return first;
+}
+
+// A window stands at `at`: tries the starts that it can belong to.
+void SetScan::tryWindow(Slot& slot, int32_t least, int32_t at) {
+  const int32_t last = at - least;
+  if (last < slot.at) return;
+  int32_t first = firstStart(slot, at);
+  if (first > last) return;
+  const ulkRegExpState& state = stateOf(slot);
+  if (!slot.isCut && windowOf(state).cutMatters) cut(slot);
+  if (!paySkipped(slot, first)) return searchAlone(slot);
+  // A continuation byte need not be the start of a character.
+  if (state.format == kFormatUtf8)
+    while (first > slot.at && isContinuation(text_[first])) --first;
+  slot.at = first;
+  if (first > slot.end) return settle(slot);
+  tryRange(slot, first, std::min(last, slot.end));
+}
+
+void SetScan::cut(Slot& slot) {
+  slot.isCut = true;
+  slot.end = cutAtTrailingLiteral(stateOf(slot), text_, length_);
+}
+
+// Whether a match can begin at that place of the text.
+bool SetScan::isWorthAttempt(const uint8_t* at) const {
+  const StartFilter& filter = startFilterOf(*state_);
+  switch (filter.kind) {
+    case StartKind::kAny:
+    case StartKind::kTextStart:
+      return true;
+    case StartKind::kLineStart:
+      return at == text_ || at[-1] == '\n';
+    default:
+      return state_->frames[kStartSetFrame].bytes.contains(*at);
+  }
+}
+
+// Tries all starts from one to another.
+void SetScan::tryRange(Slot& slot, int32_t first, int32_t last) {
+  ulkRegExpState& state = stateOf(slot);
+  if (state_ != &state) {
+    state_ = &state;
+    prepareMatcher(m_, state, choices_);
+    m_.textStart = text_;
+  }
+  m_.textEnd = text_ + slot.end;
+  m_.options = state.options & kMatcherOptions;
+  m_.budget.start(slot.left, false);
+  const uint8_t* at = text_ + first;
+  while (at <= text_ + last) {
+    const int32_t before = m_.budget.left();
+    if (!isWorthAttempt(at)) {
+      m_.budget.pay(startFilterOf(state).steps);
+    } else if (matchAt(m_, state, at)) {
+      at = takeMatch(slot);
+      if (slot.isDone) return;
+      continue;
+    }
+    if (m_.budget.isExhausted()) return searchAlone(slot);
+    slot.wasted += before - m_.budget.left();
+    at = nextStart(m_, state, at);
+  }
+  slot.at = static_cast<int32_t>(at - text_);
+  slot.left = m_.budget.left();
+  if (!slot.isCut && slot.wasted > length_ / 64) cut(slot);
+}
+
+// Writes the records of a match, and returns where the search goes on.
+const uint8_t* SetScan::takeMatch(Slot& slot) {
+  ulkRegExpState& state = stateOf(slot);
+  const CaptureSlot match = state.captures[0];
+  const ulkRegExpMultiFind& result = results_[slot.index];
+  const bool all = state.options & RX_OPT_GLOBAL;
+  if (m_.budget.isExhausted() || (all && match.length < 1)) {
+    searchAlone(slot);
+    return nullptr;
+  }
+  const int32_t skip = all && state.numCaptures > 1 ? 1 : 0;
+  const int32_t most = all ? state.numCaptures : std::min(state.numCaptures, result.numFind);
+  copyCaptures(state, skip, most, result.pFind + slot.numWritten);
+  slot.numWritten += most - skip;
+  const bool isFull = slot.numWritten > result.numFind - (most - skip);
+  if (!all || isFull || !staysInText(match.start, match.length, m_.textEnd)) {
+    end(slot, slot.numWritten);
+    return nullptr;
+  }
+  return match.start + match.length;
+}
+
+// ---- What is not tried
+
+// Whether no run of bytes of the set has that length.
+bool SetScan::runsAreShorter(const ByteSet256& set, int32_t from, int32_t to, int32_t length) const {
+  while (to - from >= length) {
+    int32_t at = from + length - 1;
+    while (at >= from && set.contains(text_[at])) --at;
+    if (at < from) return false;
+    from = at + 1;
+  }
+  return true;
+}
+
+// Pays for the starts before `to`; false where what is left may not suffice.
+bool SetScan::paySkipped(Slot& slot, int32_t to) {
+  const Window& window = windowOf(stateOf(slot));
+  const int64_t starts = to - slot.at;
+  if (starts <= 0) return true;
+  int64_t steps = window.steps;
+  if (window.stepsPerByte > 0) {
+    // Each start may cost its share.
+    const int64_t share = slot.left / (length_ + 1 - slot.at);
+    const int64_t longest = std::min(starts, (share - window.steps) / window.stepsPerByte);
+    if (longest < starts) {
+      constexpr int64_t kWorthLooking = 16;
+      const ByteSet256& set = stateOf(slot).frames[kWindowSetFrame].bytes;
+      if (longest < kWorthLooking ||
+          !runsAreShorter(set, slot.at, std::min(to, slot.end), static_cast<int32_t>(longest)))
+        return false;
+    }
+    steps += window.stepsPerByte * longest;
+  }
+  if (starts * steps > slot.left) return false;
+  slot.left -= static_cast<int32_t>(starts * steps);
+  return true;
+}
+
+}  // namespace
+
+__attribute__((noinline)) ULK_EXPORT void findTogether(const uint8_t* text, int32_t length,
+                                                       ulkRegExpState* const* expressions,
+                                                       ulkRegExpMultiFind* results, int32_t first,
+                                                       int32_t last) {
+  SetScan(text, length, expressions, results).search(first, last);
+}
+
+}  // namespace ulk
