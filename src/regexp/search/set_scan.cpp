@@ -18,9 +18,11 @@ namespace {
 constexpr int32_t kLeastSlots = 4;
 constexpr int32_t kMostSlots = 256;
 constexpr int32_t kMostKeys = 1024;
-constexpr int32_t kMostHashBits = 13;
-constexpr int32_t kChunk = 2048;  // of the text that is folded at once
-constexpr int32_t kBehind = 16;   // bytes behind it that are no key
+constexpr int32_t kLeastHashBits = 8;
+constexpr int32_t kMostHashBits = 14;
+constexpr int32_t kNumChains = 256;  // the first stays empty
+constexpr int32_t kChunk = 2048;     // of the text that is folded at once
+constexpr int32_t kBehind = 16;      // bytes behind it that are no key
 
 // One expression in the pass. Places are counted from the start of the text.
 struct Slot {
@@ -37,7 +39,7 @@ struct Slot {
 struct Entry {
   uint32_t bytes;
   uint16_t slot;
-  uint16_t next;  // with the same hash, 0: none
+  uint16_t next;  // of the chain, 0: none
   uint8_t least;
   bool three;
 };
@@ -57,7 +59,7 @@ class SetScan {
   void scan();
   template <bool three>
   void scanChunk(int32_t base, int32_t count);
-  void visit(uint32_t bytes, uint32_t hash, int32_t at);
+  void visit(uint32_t bytes, uint8_t chain, int32_t at);
   void tryWindow(Slot& slot, int32_t least, int32_t at);
   void tryRange(Slot& slot, int32_t first, int32_t last);
   bool isWorthAttempt(const uint8_t* at) const;
@@ -88,7 +90,8 @@ class SetScan {
   uint32_t shift_ = 0;
   Slot slots_[kMostSlots];
   Entry entries_[kMostKeys + 1];
-  uint16_t heads_[1 << kMostHashBits];
+  uint16_t heads_[kNumChains];           // of chains of entries
+  uint8_t chainOf_[1 << kMostHashBits];  // by the hash of a key
   alignas(16) uint8_t folded_[kChunk + 2 * kBehind];
   alignas(RunChoice) std::byte choices_[kSearchChoices];
 };
@@ -149,16 +152,19 @@ int32_t SetScan::gather(int32_t first, int32_t last) {
   return index;
 }
 
+// The longer the text, the larger the table that its keys are thinly spread over.
 void SetScan::makeTable() {
-  int32_t bits = 8;
-  while (bits < kMostHashBits && numKeys_ >> (bits - 4) != 0) ++bits;
+  int32_t bits = kLeastHashBits;
+  while (bits < kMostHashBits && (1 << bits < 16 * numKeys_ || 1 << bits < length_)) ++bits;
   shift_ = static_cast<uint32_t>(32 - bits);
-  std::memset(heads_, 0, sizeof *heads_ << bits);
+  std::memset(chainOf_, 0, size_t{1} << bits);
+  std::memset(heads_, 0, sizeof heads_);
   for (int32_t i = numKeys_; i > 0; --i) {
     Entry& entry = entries_[i];
-    uint16_t& head = heads_[hashOf(entry.three ? entry.bytes << 8 : entry.bytes)];
-    entry.next = head;
-    head = static_cast<uint16_t>(i);
+    uint8_t& chain = chainOf_[hashOf(entry.three ? entry.bytes << 8 : entry.bytes)];
+    if (chain == 0) chain = static_cast<uint8_t>(1 + i % (kNumChains - 1));
+    entry.next = heads_[chain];
+    heads_[chain] = static_cast<uint16_t>(i);
   }
 }
 
@@ -201,22 +207,23 @@ void SetScan::scanChunk(int32_t base, int32_t count) {
     uint32_t hits = 0;
     for (int32_t k = 0; k < kStride; ++k) {
       const auto bytes = loadAs<uint32_t>(folded_ + i + k);
-      hits |= heads_[hashOf(bytes)];
-      if (three) hits |= heads_[hashOf(bytes << 8)];
+      hits |= chainOf_[hashOf(bytes)];
+      if (three) hits |= chainOf_[hashOf(bytes << 8)];
     }
     if (hits == 0) continue;
     for (int32_t k = 0; k < kStride; ++k) {
       const auto bytes = loadAs<uint32_t>(folded_ + i + k);
-      visit(bytes, hashOf(bytes), base + i + k);
-      if (three) visit(bytes & 0xFFFFFF, hashOf(bytes << 8), base + i + k);
+      if (const uint8_t chain = chainOf_[hashOf(bytes)]) visit(bytes, chain, base + i + k);
+      if (!three) continue;
+      if (const uint8_t chain = chainOf_[hashOf(bytes << 8)]) visit(bytes & 0xFFFFFF, chain, base + i + k);
     }
     if (numActive_ == 0) return;
   }
 }
 
-// Tries the expressions with a key that stands at that place.
-void SetScan::visit(uint32_t bytes, uint32_t hash, int32_t at) {
-  for (uint16_t* link = &heads_[hash]; *link != 0;) {
+// Tries the expressions of a chain with a key that stands at that place.
+void SetScan::visit(uint32_t bytes, uint8_t chain, int32_t at) {
+  for (uint16_t* link = &heads_[chain]; *link != 0;) {
     Entry& entry = entries_[*link];
     Slot& slot = slots_[entry.slot];
     if (entry.bytes == bytes && !slot.isDone) tryWindow(slot, entry.least, at);
