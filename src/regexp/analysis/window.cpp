@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 
 #include "kernels/find_substring.h"
 #include "regexp/analysis/first_bytes.h"
@@ -14,9 +15,8 @@ namespace {
 
 constexpr int32_t kMaxWays = 16;      // from the start of a match to its window
 constexpr int32_t kMaxLooks = 160;    // at nodes, on all ways together
-constexpr int32_t kMaxPlaces = 20;    // bytes of a way that are looked at
-constexpr int32_t kMaxValues = 12;    // of a place, folded
-constexpr int32_t kMaxProduct = 16;   // keys of one window
+constexpr int32_t kMaxPlaces = 24;    // bytes of a way that are looked at
+constexpr int32_t kMaxProduct = 32;   // keys of one window
 constexpr int32_t kMaxCharacter = 6;  // bytes
 constexpr int32_t kFarAway = 1 << 16;
 constexpr int64_t kTooCostly = 1 << 20;
@@ -34,35 +34,55 @@ struct Cost {
   bool isTooHigh() const { return fixed > kTooCostly || perByte > kTooCostly; }
 };
 
+// A set of folded bytes: those from 0x20, 0x60, 0xA0 and 0xE0 on.
+struct FoldedSet {
+  uint32_t words[4];
+
+  FoldedSet() = default;
+  explicit FoldedSet(const ByteSet256& set) {
+    constexpr uint32_t kDigits = 0x3FF0000, kZero = 0x10000, kSpace = 1;
+    const uint32_t first = set.words[1] | (set.words[0] ? kSpace : 0);
+    words[0] = first & kDigits ? (first & ~kDigits) | kZero : first;
+    words[1] = set.words[2] | set.words[3];
+    words[2] = set.words[4] | set.words[5];
+    words[3] = set.words[6] | set.words[7];
+  }
+  // Writes up to `most` members; returns how many, more than `most` where there are more.
+  int32_t list(uint8_t* members, int32_t most) const {
+    int32_t count = 0;
+    for (int32_t i = 0; i < 4; ++i) {
+      for (uint32_t word = words[i]; word; word &= word - 1) {
+        if (count == most) return most + 1;
+        members[count++] = static_cast<uint8_t>(0x20 + 0x40 * i + std::countr_zero(word));
+      }
+    }
+    return count;
+  }
+};
+
 // One byte of a match, behind what stands before it on its way.
 struct Place {
   int32_t node;
-  int32_t least;  // bytes before it,
-  int32_t most;   // kFarAway: without bound
-  bool joined;    // it stands right behind the place before
-  bool first;     // of its node
-  uint8_t numValues;
-  uint8_t values[kMaxValues];
-  Cost cost;  // of all ways to come as far as behind it
+  int32_t least;      // bytes before it,
+  int32_t most;       // kFarAway: without bound
+  bool joined;        // it stands right behind the place before
+  bool first;         // of its node
+  bool forked;        // there are other ways that it is not on
+  uint8_t value;      // if it is the only one
+  uint8_t numValues;  // up to kMaxProduct, 0 for more
+  uint8_t rarity;     // in half bits, by ear
+  FoldedSet set;
+  Cost cost;  // of the way as far as behind it
 };
 
-// Bytes of items, folded; none where they are too many.
-void setValues(const ByteSet256& set, Place& place) {
-  uint64_t seen[4] = {};
-  place.numValues = 0;
-  for (uint32_t i = 0; i < 8; ++i) {
-    for (uint32_t word = set.words[i]; word; word &= word - 1) {
-      const uint8_t value =
-          foldedByte(static_cast<uint8_t>(i * 32 + static_cast<uint32_t>(std::countr_zero(word))));
-      if (seen[value >> 6] >> (value & 63) & 1) continue;
-      seen[value >> 6] |= uint64_t{1} << (value & 63);
-      if (place.numValues == kMaxValues) {
-        place.numValues = 0;
-        return;
-      }
-      place.values[place.numValues++] = value;
-    }
-  }
+// How rare a byte of the set is in texts.
+uint8_t rarityOf(const uint8_t* values, int32_t count) {
+  constexpr int32_t kManyValues = 12;
+  if (count > kManyValues) return 2;
+  int32_t most = 0;
+  for (int32_t i = 0; i < count; ++i)
+    most = std::max<int32_t>(most, values[i] == '0' ? 44 : commonness(values[i]));
+  return static_cast<uint8_t>(22 - most / 3 - std::min(count - 1, 6));
 }
 
 bool hasMultibyte(const ByteSet256& set) {
@@ -94,6 +114,7 @@ class WindowFinder {
     int32_t least = 0;
     int32_t most = 0;
     bool joined = true;
+    bool forked = false;
     Cost cost;
     Cost visits{1, 0};  // how often the next node is run
   };
@@ -103,16 +124,36 @@ class WindowFinder {
     const Outer* outer;
   };
   enum class After { kNext, kEnd };
+  // Places of a way.
+  struct Choice {
+    int32_t first;
+    int32_t size;
+  };
+  // Four places around a window, as far as one byte alone stands there.
+  struct Neighbours {
+    int32_t first;
+    uint32_t bytes;
+    uint32_t mask;
+    int32_t rarity;
+  };
 
   void walk(int32_t node, Way way, uint32_t options, const Outer* outer);
   After passItem(int32_t node, Way& way, uint32_t options);
   After passLookaround(int32_t node, Way& way) const;
   After repeat(const RxNode& quantifier, int32_t itemMost, Way& way) const;
-  void walkGroup(int32_t node, const Way& way, uint32_t options, const Outer* outer);
+  void addLast(int32_t node, int32_t count, const ByteSet256& set, Way& way);
+  void walkGroup(int32_t node, Way way, uint32_t options, const Outer* outer);
   void addPlace(int32_t node, bool first, const ByteSet256& set, Way& way);
   void finish(const Way& way);
-  int32_t chooseWindow(const Way& way, int32_t& size) const;
-  void addKeys(const Place* places, int32_t size);
+  Neighbours neighboursOf(const Way& way, int32_t first, int32_t last) const;
+  void addNeighbour(int32_t index, int32_t byte, Neighbours& neighbours) const;
+  int32_t worthOf(const Way& way, int32_t first, int32_t size) const;
+  Choice chooseWindow(const Way& way) const;
+  WindowKey& keyAt(int32_t i) {
+    return state_.frames[kWindowKeysFrame + i / kKeysInFrame].keys[i % kKeysInFrame];
+  }
+  void addKey(const WindowKey& key);
+  void addKeys(const Way& way, const Choice& window);
   void fillSet(uint32_t options);
   int32_t firstBar() const { return state_.frames[0].start.firstBar; }
 
@@ -131,14 +172,21 @@ class WindowFinder {
 
 void WindowFinder::addPlace(int32_t node, bool first, const ByteSet256& set, Way& way) {
   if (way.numPlaces == kMaxPlaces) return;
-  Place& place = places_[way.numPlaces++];
-  place.node = node;
-  place.least = way.least;
-  place.most = way.most;
-  place.joined = way.joined;
-  place.first = first;
-  place.cost = way.cost;
-  setValues(set, place);
+  const FoldedSet folded(set);
+  uint8_t values[kMaxProduct];
+  const int32_t count = folded.list(values, kMaxProduct);
+  const bool isKnown = count <= kMaxProduct;
+  places_[way.numPlaces++] = {node,
+                              way.least,
+                              way.most,
+                              way.joined,
+                              first,
+                              way.forked,
+                              values[0],
+                              static_cast<uint8_t>(isKnown ? count : 0),
+                              isKnown ? rarityOf(values, count) : uint8_t{0},
+                              folded,
+                              way.cost};
   ++way.least;
   if (way.most < kFarAway) ++way.most;
   way.joined = true;
@@ -148,7 +196,6 @@ void WindowFinder::addPlace(int32_t node, bool first, const ByteSet256& set, Way
 WindowFinder::After WindowFinder::repeat(const RxNode& quantifier, int32_t itemMost, Way& way) const {
   constexpr int32_t kMaxTimes = 64;
   const int32_t more = maxOf(quantifier) - minOf(quantifier);
-  if (more == 0) return After::kNext;
   way.joined = false;
   if (more > kMaxTimes) {
     if (way.visits.perByte > 0) return After::kEnd;
@@ -191,7 +238,17 @@ WindowFinder::After WindowFinder::passItem(int32_t node, Way& way, uint32_t opti
     way.least += least;
     way.most = std::min(way.most + least * kMaxCharacter, kFarAway);
   }
-  return quantifier ? repeat(*quantifier, oneByte ? 1 : kMaxCharacter, way) : After::kNext;
+  if (!quantifier || minOf(*quantifier) == maxOf(*quantifier)) return After::kNext;
+  if (repeat(*quantifier, oneByte ? 1 : kMaxCharacter, way) == After::kEnd) return After::kEnd;
+  if (oneByte) addLast(node, std::min(least, 3), set, way);
+  return After::kNext;
+}
+
+// The last items of a repeat stand right before what comes next.
+void WindowFinder::addLast(int32_t node, int32_t count, const ByteSet256& set, Way& way) {
+  way.least -= count;
+  if (way.most < kFarAway) way.most -= count;
+  for (int32_t i = 0; i < count; ++i) addPlace(node, false, set, way);
 }
 
 // A body of items, each once, takes a step for each at most.
@@ -205,8 +262,9 @@ WindowFinder::After WindowFinder::passLookaround(int32_t node, Way& way) const {
   return After::kNext;
 }
 
-void WindowFinder::walkGroup(int32_t node, const Way& way, uint32_t options, const Outer* outer) {
+void WindowFinder::walkGroup(int32_t node, Way way, uint32_t options, const Outer* outer) {
   const RxNode& open = nodes_[node];
+  way.forked |= nextBar(open) != nullptr;
   const Outer group{node + 1 + bodyLength(open), outer};
   walk(node + 1, way, optionsAfter(open, options), &group);
   for (const RxNode* bar = nextBar(open); bar && !failed_; bar = nextBar(*bar))
@@ -254,6 +312,7 @@ void WindowFinder::walk(int32_t node, Way way, uint32_t options, const Outer* ou
         if (quantifier && (item.code == RX_ATOMIC || maxOf(*quantifier) == 0)) return finish(way);
         if (quantifier && minOf(*quantifier) == 0 && maxOf(*quantifier) > 1) return finish(way);
         way.cost += way.visits;
+        way.forked |= quantifier && minOf(*quantifier) == 0;
         walkGroup(node, way, options, outer);
         if (!quantifier || minOf(*quantifier) > 0) return;
         break;  // and the way without the group
@@ -265,72 +324,96 @@ void WindowFinder::walk(int32_t node, Way way, uint32_t options, const Outer* ou
   }
 }
 
-// How often the byte may be met, by ear.
-int32_t commonnessOf(const Place& place) {
-  int32_t most = 0;
-  for (int32_t i = 0; i < place.numValues; ++i)
-    most = std::max<int32_t>(most, place.values[i] == '0' ? 32 : commonness(place.values[i]));
-  return most;
+// Of the places before and behind the window [first, last), those that tell more.
+WindowFinder::Neighbours WindowFinder::neighboursOf(const Way& way, int32_t first, int32_t last) const {
+  Neighbours behind{last, 0, 0, 0}, before{first - 4, 0, 0, 0};
+  for (int32_t i = last; i < std::min(last + 4, way.numPlaces) && places_[i].joined; ++i)
+    addNeighbour(i, i - last, behind);
+  for (int32_t i = first - 1; i >= std::max(first - 4, 0) && places_[i + 1].joined; --i)
+    addNeighbour(i, i - before.first, before);
+  return behind.rarity >= before.rarity ? behind : before;
 }
 
-// The first place of the best window on a way, -1 without one.
-int32_t WindowFinder::chooseWindow(const Way& way, int32_t& size) const {
-  constexpr int32_t kThreeRank = 60, kRunRank = 40, kValueRank = 12;
-  int32_t best = -1;
-  int32_t bestRank = INT32_MAX;
-  for (int32_t first = 0; first + 3 <= way.numPlaces; ++first) {
-    if (places_[first].least > UINT8_MAX) break;
-    int32_t product = 1, rank = 0;
-    for (int32_t i = first; i < std::min(first + 4, way.numPlaces); ++i) {
-      const Place& place = places_[i];
-      if ((i > first && !place.joined) || place.numValues == 0 || place.cost.isTooHigh()) break;
-      product *= place.numValues;
-      if (product > kMaxProduct) break;
-      rank += commonnessOf(place);
-      const int32_t count = i - first + 1;
-      if (count < 3) continue;
-      const int32_t whole =
-          rank + kValueRank * static_cast<int32_t>(std::bit_width(static_cast<uint32_t>(product))) +
-          (count == 3 ? kThreeRank : 0) + (places_[first].most == kFarAway ? kRunRank : 0);
-      if (whole >= bestRank) continue;
-      bestRank = whole;
-      best = first;
-      size = count;
+void WindowFinder::addNeighbour(int32_t index, int32_t byte, Neighbours& neighbours) const {
+  const Place& place = places_[index];
+  if (place.numValues != 1) return;
+  neighbours.rarity += place.rarity;
+  neighbours.bytes |= uint32_t{place.value} << (8 * byte);
+  neighbours.mask |= uint32_t{0xFF} << (8 * byte);
+}
+
+// How much a window tells; 0 where it is none.
+int32_t WindowFinder::worthOf(const Way& way, int32_t first, int32_t size) const {
+  constexpr int32_t kLeastRarity = 20, kShort = 8, kRun = 8, kForked = 6;
+  int32_t product = 1, rarity = 0;
+  for (int32_t i = first; i < first + size; ++i) {
+    const Place& place = places_[i];
+    if ((i > first && !place.joined) || place.numValues == 0 || place.cost.isTooHigh()) return 0;
+    product *= place.numValues;
+    if (product > kMaxProduct) return 0;
+    rarity += place.rarity;
+  }
+  if (rarity < kLeastRarity) return 0;
+  const Place& last = places_[first + size - 1];
+  rarity += neighboursOf(way, first, first + size).rarity / 2;
+  rarity -= (size < 4 ? kShort : 0) + (last.most >= kFarAway ? kRun : 0) + (last.forked ? kForked : 0);
+  return std::max(rarity, 1);
+}
+
+// The best window on a way; of size 0 without one.
+WindowFinder::Choice WindowFinder::chooseWindow(const Way& way) const {
+  Choice best{0, 0};
+  int32_t most = 0;
+  for (int32_t first = 0; first < way.numPlaces && places_[first].least <= UINT8_MAX; ++first) {
+    for (int32_t size = 2; size <= std::min(4, way.numPlaces - first); ++size) {
+      const int32_t worth = worthOf(way, first, size);
+      if (worth <= most) continue;
+      most = worth;
+      best = {first, size};
     }
   }
   return best;
 }
 
+void WindowFinder::addKey(const WindowKey& key) {
+  for (int32_t i = 0; i < window_.numKeys; ++i)
+    if (std::memcmp(&keyAt(i), &key, sizeof key) == 0) return;
+  failed_ |= window_.numKeys == kMaxWindowKeys;
+  if (!failed_) keyAt(window_.numKeys++) = key;
+}
+
 // Adds a key for each way to choose one byte of each place.
-void WindowFinder::addKeys(const Place* places, int32_t size) {
-  uint8_t choice[4] = {};
-  for (;;) {
-    if (window_.numKeys == kMaxWindowKeys) {
-      failed_ = true;
-      return;
-    }
-    uint32_t bytes = 0;
-    for (int32_t i = 0; i < size; ++i) bytes |= uint32_t{places[i].values[choice[i]]} << (8 * i);
-    const int32_t index = window_.numKeys++;
-    state_.frames[kWindowKeysFrame + index / kKeysInFrame].keys[index % kKeysInFrame] = {
-        bytes, static_cast<uint8_t>(places->least), size == 3, 0};
-    int32_t i = 0;
-    while (i < size && ++choice[i] == places[i].numValues) choice[i++] = 0;
-    if (i == size) return;
+void WindowFinder::addKeys(const Way& way, const Choice& window) {
+  uint8_t values[4][kMaxProduct];
+  int32_t chosen[4] = {};
+  const Place* const places = places_ + window.first;
+  for (int32_t i = 0; i < window.size; ++i) places[i].set.list(values[i], kMaxProduct);
+  const Neighbours more = neighboursOf(way, window.first, window.first + window.size);
+  WindowKey key{0,
+                more.bytes,
+                more.mask,
+                static_cast<int8_t>(more.first - window.first),
+                static_cast<uint8_t>(window.size),
+                static_cast<uint8_t>(places->least),
+                0};
+  for (int32_t i = 0; i < window.size && !failed_;) {
+    key.bytes = 0;
+    for (i = 0; i < window.size; ++i) key.bytes |= uint32_t{values[i][chosen[i]]} << (8 * i);
+    addKey(key);
+    for (i = 0; i < window.size && ++chosen[i] == places[i].numValues; ++i) chosen[i] = 0;
   }
 }
 
 void WindowFinder::finish(const Way& way) {
-  int32_t size = 0;
-  const int32_t first = chooseWindow(way, size);
-  failed_ = first < 0 || ++numWays_ > kMaxWays;
+  const Choice window = chooseWindow(way);
+  failed_ = window.size == 0 || ++numWays_ > kMaxWays;
   if (failed_) return;
-  const Place& place = places_[first];
+  const Place& place = places_[window.first];
   window_.most = std::max(window_.most, place.most);
   lastNode_ = std::max(lastNode_, place.node);
   insideNode_ |= !place.first;
-  cost_ += places_[first + size - 1].cost;
-  addKeys(&place, size);
+  cost_ += places_[window.first + window.size - 1].cost;
+  addKeys(way, window);
 }
 
 // Collects the bytes that can stand before a window: those of all items up to there.

@@ -80,10 +80,19 @@ void stayLoaded() {
 #endif
 }
 
+// Whether there is more to do than a team takes to meet.
+bool isWorthTeam(int32_t length, const ulkRegExpMultiState& set) {
+  constexpr int64_t kLeastWork = 1 << 15;
+  return workOfSearch(length, set.pRegExps, set.capacity) >= kLeastWork;
+}
+
 void searchInParallel(const uint8_t* text, int32_t length, ulkRegExpMultiFind* results,
                       const ulkRegExpMultiState& set) {
+  const int32_t numAsked = ownGetNumThreads();
+  if (numAsked <= 1 || !isWorthTeam(length, set))
+    return searchSlots(text, length, results, set, 0, set.capacity);
   stayLoaded();
-#pragma omp parallel num_threads(ownGetNumThreads())
+#pragma omp parallel num_threads(numAsked)
   {
     // Equal blocks of slots, one for each thread in turn; the last one takes the rest as well.
     const int32_t numThreads = omp_get_num_threads();

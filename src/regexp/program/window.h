@@ -6,17 +6,25 @@
 
 namespace ulk {
 
-// Bytes of the window, folded (text/folded.h).
+// Bytes as they are loaded from a folded text (text/folded.h), the first one lowest.
 struct WindowKey {
-  uint32_t bytes;  // as loaded from a text; the last one is 0 where there are three
-  uint8_t least;   // a match begins so many bytes before them, or more
-  bool three;
-  uint16_t unused;
+  uint32_t bytes;  // the upper ones 0 where there are fewer than four
+  uint32_t more;   // what else must stand there, in the bits of `mask`,
+  uint32_t mask;
+  int8_t moreAt;  // so many bytes behind the first one
+  uint8_t size;   // of the key, 2 to 4 bytes
+  uint8_t least;  // a match begins so many bytes before the key, or more
+  uint8_t unused;
+
+  void shorten(uint8_t to) {
+    size = to;
+    bytes &= (1u << (8 * to)) - 1;
+  }
 };
-static_assert(sizeof(WindowKey) == 8);
+static_assert(sizeof(WindowKey) == 16);
 
 struct Window {
-  int32_t numKeys;       // 0: there is no window. A match contains one of the keys,
+  int32_t numKeys;       // a match contains one of them,
   int32_t most;          // and begins at most so many bytes before it. Negative: as far back as there are
                          // bytes of the set in kWindowSetFrame
   int32_t steps;         // what an attempt elsewhere costs at most,
@@ -26,7 +34,7 @@ struct Window {
 };
 static_assert(sizeof(Window) == 32);
 
-inline constexpr int32_t kKeysInFrame = 4;
+inline constexpr int32_t kKeysInFrame = 2;
 inline constexpr int32_t kMaxWindowKeys = 32;
 
 }  // namespace ulk

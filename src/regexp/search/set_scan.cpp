@@ -20,9 +20,10 @@ constexpr int32_t kMostSlots = 256;
 constexpr int32_t kMostKeys = 1024;
 constexpr int32_t kLeastHashBits = 8;
 constexpr int32_t kMostHashBits = 14;
+constexpr uint8_t kNoShortKeys = 4;
 constexpr int32_t kNumChains = 256;  // the first stays empty
 constexpr int32_t kChunk = 2048;     // of the text that is folded at once
-constexpr int32_t kBehind = 16;      // bytes behind it that are no key
+constexpr int32_t kAround = 16;      // bytes before and behind it that are there as well
 
 // One expression in the pass. Places are counted from the start of the text.
 struct Slot {
@@ -37,12 +38,14 @@ struct Slot {
 };
 
 struct Entry {
-  uint32_t bytes;
+  WindowKey key;
   uint16_t slot;
   uint16_t next;  // of the chain, 0: none
-  uint8_t least;
-  bool three;
 };
+
+bool hasWindow(const ulkRegExpState& state) {
+  return state.magic == kStateMagic && startFilterOf(state).hasWindow;
+}
 
 class SetScan {
  public:
@@ -57,9 +60,10 @@ class SetScan {
   bool join(int32_t index);
   void makeTable();
   void scan();
-  template <bool three>
+  void fold(int32_t base);
+  template <bool hasShort>
   void scanChunk(int32_t base, int32_t count);
-  void visit(uint32_t bytes, uint8_t chain, int32_t at);
+  void visit(uint32_t bytes, uint8_t chain, int32_t base, int32_t i);
   void tryWindow(Slot& slot, int32_t least, int32_t at);
   void tryRange(Slot& slot, int32_t first, int32_t last);
   bool isWorthAttempt(const uint8_t* at) const;
@@ -85,14 +89,14 @@ class SetScan {
   int32_t numSlots_ = 0;
   int32_t numKeys_ = 0;
   int32_t numActive_ = 0;
-  int32_t reach_ = 0;  // what lies behind is out of every limit
-  bool hasThrees_ = false;
+  int32_t reach_ = 0;                 // what lies behind is out of every limit
+  uint8_t shortSize_ = kNoShortKeys;  // of the keys of less than four bytes
   uint32_t shift_ = 0;
   Slot slots_[kMostSlots];
   Entry entries_[kMostKeys + 1];
   uint16_t heads_[kNumChains];           // of chains of entries
   uint8_t chainOf_[1 << kMostHashBits];  // by the hash of a key
-  alignas(16) uint8_t folded_[kChunk + 2 * kBehind];
+  alignas(16) uint8_t folded_[kChunk + 5 * kAround];
   alignas(RunChoice) std::byte choices_[kSearchChoices];
 };
 
@@ -126,17 +130,20 @@ void SetScan::settle(Slot& slot) {
 bool SetScan::join(int32_t index) {
   const ulkRegExpState& state = *expressions_[index];
   const ulkRegExpMultiFind& result = results_[index];
-  if (state.magic != kStateMagic || !startFilterOf(state).hasWindow) return false;
+  if (!hasWindow(state)) return false;
   if (!result.pFind || result.numFind < 1) return false;
   if ((state.options & RX_OPT_GLOBAL) && result.numFind < std::max(state.numCaptures - 1, 1)) return false;
 
   const Window& window = windowOf(state);
   for (int32_t i = 0; i < window.numKeys; ++i) {
     const WindowKey& key = windowKey(state, i);
-    entries_[++numKeys_] = {key.bytes, static_cast<uint16_t>(numSlots_), 0, key.least, key.three};
-    hasThrees_ |= key.three;
+    entries_[++numKeys_] = {key, static_cast<uint16_t>(numSlots_), 0};
+    if (key.size < 4) shortSize_ = std::min(shortSize_, key.size);
   }
-  reach_ = std::max(reach_, state.matchLimit / window.steps);
+  if (reach_ < length_) {
+    const bool reachesAll = int64_t{window.steps} * length_ <= state.matchLimit;
+    reach_ = reachesAll ? length_ : std::max(reach_, state.matchLimit / window.steps);
+  }
   slots_[numSlots_++] = {index, 0, length_, state.matchLimit, 0, 0, state.trailingLiteral < 0, false};
   return true;
 }
@@ -145,7 +152,7 @@ bool SetScan::join(int32_t index) {
 // Returns the next one.
 int32_t SetScan::gather(int32_t first, int32_t last) {
   numSlots_ = numKeys_ = reach_ = 0;
-  hasThrees_ = false;
+  shortSize_ = kNoShortKeys;
   int32_t index = first;
   for (; index < last && numSlots_ < kMostSlots && numKeys_ <= kMostKeys - kMaxWindowKeys; ++index)
     if (expressions_[index] && !join(index)) searchAlone(index);
@@ -161,7 +168,8 @@ void SetScan::makeTable() {
   std::memset(heads_, 0, sizeof heads_);
   for (int32_t i = numKeys_; i > 0; --i) {
     Entry& entry = entries_[i];
-    uint8_t& chain = chainOf_[hashOf(entry.three ? entry.bytes << 8 : entry.bytes)];
+    if (entry.key.size < 4) entry.key.shorten(shortSize_);
+    uint8_t& chain = chainOf_[hashOf(entry.key.bytes << (32 - 8 * entry.key.size))];
     if (chain == 0) chain = static_cast<uint8_t>(1 + i % (kNumChains - 1));
     entry.next = heads_[chain];
     heads_[chain] = static_cast<uint16_t>(i);
@@ -190,43 +198,57 @@ void SetScan::search(int32_t first, int32_t last) {
 void SetScan::scan() {
   const int32_t length = std::min(length_, reach_);
   for (int32_t base = 0; base < length && numActive_ > 0; base += kChunk) {
-    const int32_t count = std::min(length_ - base, kChunk + 3);
-    std::memcpy(folded_, text_ + base, static_cast<size_t>(count));
-    for (int32_t i = 0; i < count; i += 16)
-      foldedBytes(Vec16<uint8_t>::loadAligned(folded_ + i)).storeAligned(folded_ + i);
-    std::memset(folded_ + count, 0, kBehind);
-    hasThrees_ ? scanChunk<true>(base, std::min(count, kChunk))
-               : scanChunk<false>(base, std::min(count, kChunk));
+    fold(base);
+    const int32_t count = std::min(length_ - base, kChunk);
+    shortSize_ == kNoShortKeys ? scanChunk<false>(base, count) : scanChunk<true>(base, count);
   }
 }
 
-template <bool three>
+// Folds the text from there on, with what stands around it; outside the text there are zeros.
+void SetScan::fold(int32_t base) {
+  const int32_t before = std::min(base, kAround);
+  const int32_t count = std::min(length_ - base, kChunk + kAround) + before;
+  uint8_t* const to = folded_ + kAround - before;
+  std::memcpy(to, text_ + base - before, static_cast<size_t>(count));
+  for (int32_t i = 0; i < count; i += 16) foldedBytes(Vec16<uint8_t>::load(to + i)).store(to + i);
+  std::memset(folded_, 0, static_cast<size_t>(kAround - before));
+  std::memset(to + count, 0, kAround);
+}
+
+template <bool hasShort>
 void SetScan::scanChunk(int32_t base, int32_t count) {
   constexpr int32_t kStride = 8;
+  const uint8_t* const folded = folded_ + kAround;
+  const uint32_t shift = 32 - 8 * shortSize_;
   for (int32_t i = 0; i < count; i += kStride) {
     uint32_t hits = 0;
     for (int32_t k = 0; k < kStride; ++k) {
-      const auto bytes = loadAs<uint32_t>(folded_ + i + k);
+      const auto bytes = loadAs<uint32_t>(folded + i + k);
       hits |= chainOf_[hashOf(bytes)];
-      if (three) hits |= chainOf_[hashOf(bytes << 8)];
+      if (hasShort) hits |= chainOf_[hashOf(bytes << shift)];
     }
     if (hits == 0) continue;
     for (int32_t k = 0; k < kStride; ++k) {
-      const auto bytes = loadAs<uint32_t>(folded_ + i + k);
-      if (const uint8_t chain = chainOf_[hashOf(bytes)]) visit(bytes, chain, base + i + k);
-      if (!three) continue;
-      if (const uint8_t chain = chainOf_[hashOf(bytes << 8)]) visit(bytes & 0xFFFFFF, chain, base + i + k);
+      const auto bytes = loadAs<uint32_t>(folded + i + k);
+      if (const uint8_t chain = chainOf_[hashOf(bytes)]) visit(bytes, chain, base, i + k);
+      if (!hasShort) continue;
+      if (const uint8_t chain = chainOf_[hashOf(bytes << shift)])
+        visit(bytes & ~0u >> shift, chain, base, i + k);
     }
     if (numActive_ == 0) return;
   }
 }
 
 // Tries the expressions of a chain with a key that stands at that place.
-void SetScan::visit(uint32_t bytes, uint8_t chain, int32_t at) {
+void SetScan::visit(uint32_t bytes, uint8_t chain, int32_t base, int32_t i) {
   for (uint16_t* link = &heads_[chain]; *link != 0;) {
     Entry& entry = entries_[*link];
+    const WindowKey& key = entry.key;
     Slot& slot = slots_[entry.slot];
-    if (entry.bytes == bytes && !slot.isDone) tryWindow(slot, entry.least, at);
+    if (key.bytes == bytes && !slot.isDone) {
+      const auto more = loadAs<uint32_t>(folded_ + kAround + i + key.moreAt);
+      if (((more ^ key.more) & key.mask) == 0) tryWindow(slot, key.least, base + i);
+    }
     if (slot.isDone) {
       *link = entry.next;
     } else {
@@ -372,6 +394,14 @@ bool SetScan::paySkipped(Slot& slot, int32_t to) {
 }
 
 }  // namespace
+
+int64_t workOfSearch(int32_t length, const ulkRegExpState* const* expressions, int32_t count) {
+  constexpr int32_t kEach = 16;
+  int64_t passes = 1;
+  for (int32_t i = 0; i < count; ++i)
+    if (const ulkRegExpState* const state = expressions[i]; state && !hasWindow(*state)) ++passes;
+  return passes * length + int64_t{kEach} * count;
+}
 
 __attribute__((noinline)) ULK_EXPORT void findTogether(const uint8_t* text, int32_t length,
                                                        ulkRegExpState* const* expressions,
