@@ -121,6 +121,7 @@ class WindowFinder {
   // A group that a way is in.
   struct Outer {
     int32_t end;
+    bool forked;  // what is behind it
     const Outer* outer;
   };
   enum class After { kNext, kEnd };
@@ -264,8 +265,10 @@ WindowFinder::After WindowFinder::passLookaround(int32_t node, Way& way) const {
 
 void WindowFinder::walkGroup(int32_t node, Way way, uint32_t options, const Outer* outer) {
   const RxNode& open = nodes_[node];
-  way.forked |= nextBar(open) != nullptr;
-  const Outer group{node + 1 + bodyLength(open), outer};
+  const bool mayBeLeftOut =
+      quantifierOf(nodes_, numNodes_, node) && minOf(*quantifierOf(nodes_, numNodes_, node)) == 0;
+  const Outer group{node + 1 + bodyLength(open), way.forked, outer};
+  way.forked |= mayBeLeftOut || nextBar(open);
   walk(node + 1, way, optionsAfter(open, options), &group);
   for (const RxNode* bar = nextBar(open); bar && !failed_; bar = nextBar(*bar))
     walk(static_cast<int32_t>(bar - nodes_) + 1, way, static_cast<uint32_t>(optionsBehind(*bar)), &group);
@@ -289,6 +292,7 @@ void WindowFinder::walk(int32_t node, Way way, uint32_t options, const Outer* ou
         if (node + 1 < numNodes_ && isQuantifier(nodes_[node + 1]) && maxOf(nodes_[++node]) > 1)
           return finish(way);
         options = static_cast<uint32_t>(optionsBehind(nodes_[outer->end]));
+        way.forked = outer->forked;
         outer = outer->outer;
         ++node;
         continue;
@@ -312,7 +316,6 @@ void WindowFinder::walk(int32_t node, Way way, uint32_t options, const Outer* ou
         if (quantifier && (item.code == RX_ATOMIC || maxOf(*quantifier) == 0)) return finish(way);
         if (quantifier && minOf(*quantifier) == 0 && maxOf(*quantifier) > 1) return finish(way);
         way.cost += way.visits;
-        way.forked |= quantifier && minOf(*quantifier) == 0;
         walkGroup(node, way, options, outer);
         if (!quantifier || minOf(*quantifier) > 0) return;
         break;  // and the way without the group

@@ -18,8 +18,8 @@ namespace {
 constexpr int32_t kLeastSlots = 4;
 constexpr int32_t kMostSlots = 256;
 constexpr int32_t kMostKeys = 1024;
-constexpr int32_t kLeastHashBits = 8;
-constexpr int32_t kMostHashBits = 14;
+constexpr int32_t kFewBits = 10;  // of a hash, for few keys and a short text
+constexpr int32_t kManyBits = 14;
 constexpr uint8_t kNoShortKeys = 4;
 constexpr int32_t kNumChains = 256;  // the first stays empty
 constexpr int32_t kChunk = 2048;     // of the text that is folded at once
@@ -61,7 +61,7 @@ class SetScan {
   void makeTable();
   void scan();
   void fold(int32_t base);
-  template <bool hasShort>
+  template <int bits, bool hasShort>
   void scanChunk(int32_t base, int32_t count);
   void visit(uint32_t bytes, uint8_t chain, int32_t base, int32_t i);
   void tryWindow(Slot& slot, int32_t least, int32_t at);
@@ -69,7 +69,7 @@ class SetScan {
   bool isWorthAttempt(const uint8_t* at) const;
   const uint8_t* takeMatch(Slot& slot);
   bool paySkipped(Slot& slot, int32_t to);
-  bool runsAreShorter(const ByteSet256& set, int32_t from, int32_t to, int32_t length) const;
+  bool runsAreShorter(const Slot& slot, int32_t to, int32_t length) const;
   int32_t firstStart(const Slot& slot, int32_t at) const;
   void cut(Slot& slot);
   void end(Slot& slot, int32_t numFound);
@@ -77,7 +77,6 @@ class SetScan {
   void searchAlone(Slot& slot);
   void searchAlone(int32_t index);
   ulkRegExpState& stateOf(const Slot& slot) const { return *expressions_[slot.index]; }
-  uint32_t hashOf(uint32_t bytes) const { return bytes * 0x9E3779B1u >> shift_; }
 
   const uint8_t* const text_;
   const int32_t length_;
@@ -91,11 +90,11 @@ class SetScan {
   int32_t numActive_ = 0;
   int32_t reach_ = 0;                 // what lies behind is out of every limit
   uint8_t shortSize_ = kNoShortKeys;  // of the keys of less than four bytes
-  uint32_t shift_ = 0;
+  bool isSmall_ = false;              // the table
   Slot slots_[kMostSlots];
   Entry entries_[kMostKeys + 1];
-  uint16_t heads_[kNumChains];           // of chains of entries
-  uint8_t chainOf_[1 << kMostHashBits];  // by the hash of a key
+  uint16_t heads_[kNumChains];       // of chains of entries
+  uint8_t chainOf_[1 << kManyBits];  // by the hash of a key
   alignas(16) uint8_t folded_[kChunk + 5 * kAround];
   alignas(RunChoice) std::byte choices_[kSearchChoices];
 };
@@ -159,17 +158,22 @@ int32_t SetScan::gather(int32_t first, int32_t last) {
   return index;
 }
 
-// The longer the text, the larger the table that its keys are thinly spread over.
+template <int bits>
+uint32_t hashOf(uint32_t bytes) {
+  return bytes * 0x9E3779B1u >> (32 - bits);
+}
+
+// The longer the text, the thinner the keys are spread over the table.
 void SetScan::makeTable() {
-  int32_t bits = kLeastHashBits;
-  while (bits < kMostHashBits && (1 << bits < 16 * numKeys_ || 1 << bits < length_)) ++bits;
-  shift_ = static_cast<uint32_t>(32 - bits);
-  std::memset(chainOf_, 0, size_t{1} << bits);
+  constexpr int32_t kFewKeys = 96, kShort = 1024;
+  isSmall_ = numKeys_ <= kFewKeys && length_ <= kShort;
+  std::memset(chainOf_, 0, size_t{1} << (isSmall_ ? kFewBits : kManyBits));
   std::memset(heads_, 0, sizeof heads_);
   for (int32_t i = numKeys_; i > 0; --i) {
     Entry& entry = entries_[i];
     if (entry.key.size < 4) entry.key.shorten(shortSize_);
-    uint8_t& chain = chainOf_[hashOf(entry.key.bytes << (32 - 8 * entry.key.size))];
+    const uint32_t bytes = entry.key.bytes;
+    uint8_t& chain = chainOf_[isSmall_ ? hashOf<kFewBits>(bytes) : hashOf<kManyBits>(bytes)];
     if (chain == 0) chain = static_cast<uint8_t>(1 + i % (kNumChains - 1));
     entry.next = heads_[chain];
     heads_[chain] = static_cast<uint16_t>(i);
@@ -200,7 +204,12 @@ void SetScan::scan() {
   for (int32_t base = 0; base < length && numActive_ > 0; base += kChunk) {
     fold(base);
     const int32_t count = std::min(length_ - base, kChunk);
-    shortSize_ == kNoShortKeys ? scanChunk<false>(base, count) : scanChunk<true>(base, count);
+    if (isSmall_)
+      shortSize_ == kNoShortKeys ? scanChunk<kFewBits, false>(base, count)
+                                 : scanChunk<kFewBits, true>(base, count);
+    else
+      shortSize_ == kNoShortKeys ? scanChunk<kManyBits, false>(base, count)
+                                 : scanChunk<kManyBits, true>(base, count);
   }
 }
 
@@ -215,25 +224,24 @@ void SetScan::fold(int32_t base) {
   std::memset(to + count, 0, kAround);
 }
 
-template <bool hasShort>
+template <int bits, bool hasShort>
 void SetScan::scanChunk(int32_t base, int32_t count) {
-  constexpr int32_t kStride = 8;
   const uint8_t* const folded = folded_ + kAround;
-  const uint32_t shift = 32 - 8 * shortSize_;
-  for (int32_t i = 0; i < count; i += kStride) {
-    uint32_t hits = 0;
-    for (int32_t k = 0; k < kStride; ++k) {
+  const uint8_t* const chainOf = chainOf_;
+  const uint32_t mask = ~0u >> (32 - 8 * shortSize_);
+  for (int32_t i = 0; i < count; i += 8) {
+    const auto chains = [=](int32_t k) ULK_LAMBDA_INLINE -> uint32_t {
       const auto bytes = loadAs<uint32_t>(folded + i + k);
-      hits |= chainOf_[hashOf(bytes)];
-      if (hasShort) hits |= chainOf_[hashOf(bytes << shift)];
-    }
-    if (hits == 0) continue;
-    for (int32_t k = 0; k < kStride; ++k) {
-      const auto bytes = loadAs<uint32_t>(folded + i + k);
-      if (const uint8_t chain = chainOf_[hashOf(bytes)]) visit(bytes, chain, base, i + k);
+      const uint32_t chain = chainOf[hashOf<bits>(bytes)];
+      return hasShort ? chain | chainOf[hashOf<bits>(bytes & mask)] : chain;
+    };
+    if ((chains(0) | chains(1) | chains(2) | chains(3) | chains(4) | chains(5) | chains(6) | chains(7)) == 0)
+      continue;
+    for (int32_t k = i; k < i + 8; ++k) {
+      const auto bytes = loadAs<uint32_t>(folded + k);
+      if (const uint8_t chain = chainOf[hashOf<bits>(bytes)]) visit(bytes, chain, base, k);
       if (!hasShort) continue;
-      if (const uint8_t chain = chainOf_[hashOf(bytes << shift)])
-        visit(bytes & ~0u >> shift, chain, base, i + k);
+      if (const uint8_t chain = chainOf[hashOf<bits>(bytes & mask)]) visit(bytes & mask, chain, base, k);
     }
     if (numActive_ == 0) return;
   }
@@ -358,9 +366,12 @@ const uint8_t* SetScan::takeMatch(Slot& slot) {
 
 // ---- What is not tried
 
-// Whether no run of bytes of the set has that length.
-bool SetScan::runsAreShorter(const ByteSet256& set, int32_t from, int32_t to, int32_t length) const {
-  while (to - from >= length) {
+// Whether no run of bytes before a window, of those up to `to`, has that length.
+bool SetScan::runsAreShorter(const Slot& slot, int32_t to, int32_t length) const {
+  constexpr int32_t kWorthLooking = 16;
+  if (length < kWorthLooking) return false;
+  const ByteSet256& set = stateOf(slot).frames[kWindowSetFrame].bytes;
+  for (int32_t from = slot.at, end = std::min(to, slot.end); end - from >= length;) {
     int32_t at = from + length - 1;
     while (at >= from && set.contains(text_[at])) --at;
     if (at < from) return false;
@@ -372,21 +383,15 @@ bool SetScan::runsAreShorter(const ByteSet256& set, int32_t from, int32_t to, in
 // Pays for the starts before `to`; false where what is left may not suffice.
 bool SetScan::paySkipped(Slot& slot, int32_t to) {
   const Window& window = windowOf(stateOf(slot));
-  const int64_t starts = to - slot.at;
+  const int32_t starts = to - slot.at;
   if (starts <= 0) return true;
   int64_t steps = window.steps;
   if (window.stepsPerByte > 0) {
     // Each start may cost its share.
-    const int64_t share = slot.left / (length_ + 1 - slot.at);
-    const int64_t longest = std::min(starts, (share - window.steps) / window.stepsPerByte);
-    if (longest < starts) {
-      constexpr int64_t kWorthLooking = 16;
-      const ByteSet256& set = stateOf(slot).frames[kWindowSetFrame].bytes;
-      if (longest < kWorthLooking ||
-          !runsAreShorter(set, slot.at, std::min(to, slot.end), static_cast<int32_t>(longest)))
-        return false;
-    }
-    steps += window.stepsPerByte * longest;
+    const int32_t share = slot.left / (length_ + 1 - slot.at);
+    const int32_t longest = std::min(starts, (share - window.steps) / window.stepsPerByte);
+    if (longest < starts && !runsAreShorter(slot, to, longest)) return false;
+    steps += int64_t{window.stepsPerByte} * longest;
   }
   if (starts * steps > slot.left) return false;
   slot.left -= static_cast<int32_t>(starts * steps);
