@@ -81,7 +81,7 @@ uint8_t rarityOf(const uint8_t* values, int32_t count) {
   if (count > kManyValues) return 2;
   int32_t most = 0;
   for (int32_t i = 0; i < count; ++i)
-    most = std::max<int32_t>(most, values[i] == '0' ? 44 : commonness(values[i]));
+    most = std::max<int32_t>(most, values[i] == '0' ? 48 : commonness(values[i]));
   return static_cast<uint8_t>(22 - most / 3 - std::min(count - 1, 6));
 }
 
@@ -120,8 +120,10 @@ class WindowFinder {
   };
   // A group that a way is in.
   struct Outer {
+    int32_t open;
     int32_t end;
-    bool forked;  // what is behind it
+    int32_t iterations;  // that must come behind this one
+    bool forked;         // what is behind it
     const Outer* outer;
   };
   enum class After { kNext, kEnd };
@@ -143,7 +145,7 @@ class WindowFinder {
   After passLookaround(int32_t node, Way& way) const;
   After repeat(const RxNode& quantifier, int32_t itemMost, Way& way) const;
   void addLast(int32_t node, int32_t count, const ByteSet256& set, Way& way);
-  void walkGroup(int32_t node, Way way, uint32_t options, const Outer* outer);
+  void walkGroup(int32_t node, int32_t iterations, Way way, uint32_t options, const Outer* outer);
   void addPlace(int32_t node, bool first, const ByteSet256& set, Way& way);
   void finish(const Way& way);
   Neighbours neighboursOf(const Way& way, int32_t first, int32_t last) const;
@@ -263,12 +265,13 @@ WindowFinder::After WindowFinder::passLookaround(int32_t node, Way& way) const {
   return After::kNext;
 }
 
-void WindowFinder::walkGroup(int32_t node, Way way, uint32_t options, const Outer* outer) {
+// Follows the ways through an iteration of a group, and so many more.
+void WindowFinder::walkGroup(int32_t node, int32_t iterations, Way way, uint32_t options,
+                             const Outer* outer) {
   const RxNode& open = nodes_[node];
-  const bool mayBeLeftOut =
-      quantifierOf(nodes_, numNodes_, node) && minOf(*quantifierOf(nodes_, numNodes_, node)) == 0;
-  const Outer group{node + 1 + bodyLength(open), way.forked, outer};
-  way.forked |= mayBeLeftOut || nextBar(open);
+  const RxNode* const quantifier = quantifierOf(nodes_, numNodes_, node);
+  const Outer group{node, node + 1 + bodyLength(open), iterations, way.forked, outer};
+  way.forked |= nextBar(open) || (quantifier && minOf(*quantifier) == 0);
   walk(node + 1, way, optionsAfter(open, options), &group);
   for (const RxNode* bar = nextBar(open); bar && !failed_; bar = nextBar(*bar))
     walk(static_cast<int32_t>(bar - nodes_) + 1, way, static_cast<uint32_t>(optionsBehind(*bar)), &group);
@@ -288,13 +291,16 @@ void WindowFinder::walk(int32_t node, Way way, uint32_t options, const Outer* ou
       case RX_END:
         if (!outer) return finish(way);
         way.cost += way.visits;
-        node = outer->end;
-        if (node + 1 < numNodes_ && isQuantifier(nodes_[node + 1]) && maxOf(nodes_[++node]) > 1)
-          return finish(way);
         options = static_cast<uint32_t>(optionsBehind(nodes_[outer->end]));
         way.forked = outer->forked;
+        if (outer->iterations > 0)
+          return walkGroup(outer->open, outer->iterations - 1, way, options, outer->outer);
+        node = outer->end + 1;
+        if (node < numNodes_ && isQuantifier(nodes_[node])) {
+          if (maxOf(nodes_[node]) > std::max(minOf(nodes_[node]), 1)) return finish(way);
+          ++node;
+        }
         outer = outer->outer;
-        ++node;
         continue;
       case RX_ASSERT:
         way.cost += way.visits;
@@ -316,7 +322,7 @@ void WindowFinder::walk(int32_t node, Way way, uint32_t options, const Outer* ou
         if (quantifier && (item.code == RX_ATOMIC || maxOf(*quantifier) == 0)) return finish(way);
         if (quantifier && minOf(*quantifier) == 0 && maxOf(*quantifier) > 1) return finish(way);
         way.cost += way.visits;
-        walkGroup(node, way, options, outer);
+        walkGroup(node, quantifier ? std::max(minOf(*quantifier) - 1, 0) : 0, way, options, outer);
         if (!quantifier || minOf(*quantifier) > 0) return;
         break;  // and the way without the group
       default:
@@ -347,7 +353,7 @@ void WindowFinder::addNeighbour(int32_t index, int32_t byte, Neighbours& neighbo
 
 // How much a window tells; 0 where it is none.
 int32_t WindowFinder::worthOf(const Way& way, int32_t first, int32_t size) const {
-  constexpr int32_t kLeastRarity = 20, kShort = 8, kRun = 8, kForked = 6;
+  constexpr int32_t kLeastRarity = 20, kShort = 8, kRun = 4, kForked = 6;
   int32_t product = 1, rarity = 0;
   for (int32_t i = first; i < first + size; ++i) {
     const Place& place = places_[i];
@@ -359,6 +365,7 @@ int32_t WindowFinder::worthOf(const Way& way, int32_t first, int32_t size) const
   if (rarity < kLeastRarity) return 0;
   const Place& last = places_[first + size - 1];
   rarity += neighboursOf(way, first, first + size).rarity / 2;
+  rarity -= 2 * static_cast<int32_t>(std::bit_width(static_cast<uint32_t>(product - 1)));
   rarity -= (size < 4 ? kShort : 0) + (last.most >= kFarAway ? kRun : 0) + (last.forked ? kForked : 0);
   return std::max(rarity, 1);
 }

@@ -15,11 +15,6 @@ struct WindowKey {
   uint8_t size;   // of the key, 2 to 4 bytes
   uint8_t least;  // a match begins so many bytes before the key, or more
   uint8_t unused;
-
-  void shorten(uint8_t to) {
-    size = to;
-    bytes &= (1u << (8 * to)) - 1;
-  }
 };
 static_assert(sizeof(WindowKey) == 16);
 

@@ -14,16 +14,17 @@ namespace ulk {
 
 namespace {
 
-// What an expression costs least to search for by itself; the pass is for more.
-constexpr int32_t kLeastSlots = 4;
 constexpr int32_t kMostSlots = 256;
 constexpr int32_t kMostKeys = 1024;
 constexpr int32_t kFewBits = 10;  // of a hash, for few keys and a short text
 constexpr int32_t kManyBits = 14;
 constexpr uint8_t kNoShortKeys = 4;
-constexpr int32_t kNumChains = 256;  // the first stays empty
+constexpr int32_t kNumChains = 256;  // those with an odd number
 constexpr int32_t kChunk = 2048;     // of the text that is folded at once
 constexpr int32_t kAround = 16;      // bytes before and behind it that are there as well
+
+constexpr int64_t kMostWaste = 2;  // steps for a byte: it is searched for alone in another way
+constexpr int32_t kLeastRun = 16;  // that is worth looking for
 
 // One expression in the pass. Places are counted from the start of the text.
 struct Slot {
@@ -38,14 +39,39 @@ struct Slot {
 };
 
 struct Entry {
-  WindowKey key;
+  const WindowKey* key;
   uint16_t slot;
   uint16_t next;  // of the chain, 0: none
 };
 
+// What a search for one expression takes for a byte, in hundredths of nanoseconds, by and large.
+int32_t effortOf(StartKind kind) {
+  switch (kind) {
+    case StartKind::kAny:
+    case StartKind::kSet:
+      return 200;
+    case StartKind::kBoundary:
+    case StartKind::kSmallSet:
+      return 15;
+    default:
+      return 5;
+  }
+}
+
+// What each start costs at least that is not tried.
+int64_t leastSteps(const Window& window) { return window.steps + kLeastRun * int64_t{window.stepsPerByte}; }
+
 bool hasWindow(const ulkRegExpState& state) {
   return state.magic == kStateMagic && startFilterOf(state).hasWindow;
 }
+
+// A part of the text where no run of bytes of a set has that length.
+struct Runs {
+  ByteSet256 set;
+  int32_t from;
+  int32_t to;
+  int32_t length;
+};
 
 class SetScan {
  public:
@@ -58,6 +84,7 @@ class SetScan {
  private:
   int32_t gather(int32_t first, int32_t last);
   bool join(int32_t index);
+  bool isWorthwhile() const;
   void makeTable();
   void scan();
   void fold(int32_t base);
@@ -69,13 +96,14 @@ class SetScan {
   bool isWorthAttempt(const uint8_t* at) const;
   const uint8_t* takeMatch(Slot& slot);
   bool paySkipped(Slot& slot, int32_t to);
-  bool runsAreShorter(const Slot& slot, int32_t to, int32_t length) const;
+  bool runsAreShorter(const Slot& slot, int32_t to, int32_t length);
   int32_t firstStart(const Slot& slot, int32_t at) const;
   void cut(Slot& slot);
   void end(Slot& slot, int32_t numFound);
   void settle(Slot& slot);
   void searchAlone(Slot& slot);
   void searchAlone(int32_t index);
+  uint32_t shortMask() const { return ~0u >> (32 - 8 * shortSize_); }
   ulkRegExpState& stateOf(const Slot& slot) const { return *expressions_[slot.index]; }
 
   const uint8_t* const text_;
@@ -88,9 +116,10 @@ class SetScan {
   int32_t numSlots_ = 0;
   int32_t numKeys_ = 0;
   int32_t numActive_ = 0;
-  int32_t reach_ = 0;                 // what lies behind is out of every limit
+  int32_t effort_ = 0;                // for a byte, if all of them were searched for by themselves
   uint8_t shortSize_ = kNoShortKeys;  // of the keys of less than four bytes
   bool isSmall_ = false;              // the table
+  Runs runs_{{}, 0, 0, 0};            // what is known of some
   Slot slots_[kMostSlots];
   Entry entries_[kMostKeys + 1];
   uint16_t heads_[kNumChains];       // of chains of entries
@@ -120,7 +149,9 @@ void SetScan::end(Slot& slot, int32_t numFound) {
 
 // Nothing more is found.
 void SetScan::settle(Slot& slot) {
-  paySkipped(slot, slot.end + 1) ? end(slot, slot.numWritten) : searchAlone(slot);
+  const bool isUntried = slot.at == 0 && windowOf(stateOf(slot)).stepsPerByte == 0;
+  const bool isPaid = isUntried || paySkipped(slot, slot.end + 1);
+  isPaid ? end(slot, slot.numWritten) : searchAlone(slot);
 }
 
 // ---- Before the pass
@@ -134,15 +165,13 @@ bool SetScan::join(int32_t index) {
   if ((state.options & RX_OPT_GLOBAL) && result.numFind < std::max(state.numCaptures - 1, 1)) return false;
 
   const Window& window = windowOf(state);
+  if (leastSteps(window) * (length_ + 1) > state.matchLimit) return false;
   for (int32_t i = 0; i < window.numKeys; ++i) {
     const WindowKey& key = windowKey(state, i);
-    entries_[++numKeys_] = {key, static_cast<uint16_t>(numSlots_), 0};
+    entries_[++numKeys_] = {&key, static_cast<uint16_t>(numSlots_), 0};
     if (key.size < 4) shortSize_ = std::min(shortSize_, key.size);
   }
-  if (reach_ < length_) {
-    const bool reachesAll = int64_t{window.steps} * length_ <= state.matchLimit;
-    reach_ = reachesAll ? length_ : std::max(reach_, state.matchLimit / window.steps);
-  }
+  effort_ += effortOf(startFilterOf(state).kind);
   slots_[numSlots_++] = {index, 0, length_, state.matchLimit, 0, 0, state.trailingLiteral < 0, false};
   return true;
 }
@@ -150,7 +179,7 @@ bool SetScan::join(int32_t index) {
 // Takes expressions into the pass as long as there is room; searches for those alone that cannot be in it.
 // Returns the next one.
 int32_t SetScan::gather(int32_t first, int32_t last) {
-  numSlots_ = numKeys_ = reach_ = 0;
+  numSlots_ = numKeys_ = effort_ = 0;
   shortSize_ = kNoShortKeys;
   int32_t index = first;
   for (; index < last && numSlots_ < kMostSlots && numKeys_ <= kMostKeys - kMaxWindowKeys; ++index)
@@ -171,20 +200,28 @@ void SetScan::makeTable() {
   std::memset(heads_, 0, sizeof heads_);
   for (int32_t i = numKeys_; i > 0; --i) {
     Entry& entry = entries_[i];
-    if (entry.key.size < 4) entry.key.shorten(shortSize_);
-    const uint32_t bytes = entry.key.bytes;
+    const uint32_t bytes = entry.key->size < 4 ? entry.key->bytes & shortMask() : entry.key->bytes;
     uint8_t& chain = chainOf_[isSmall_ ? hashOf<kFewBits>(bytes) : hashOf<kManyBits>(bytes)];
-    if (chain == 0) chain = static_cast<uint8_t>(1 + i % (kNumChains - 1));
+    if (chain == 0) chain = static_cast<uint8_t>(i | 1);
     entry.next = heads_[chain];
     heads_[chain] = static_cast<uint16_t>(i);
   }
+}
+
+// Whether the pass takes less time than searches one by one, in hundredths of nanoseconds: few expressions in
+// a long text, each of which is found quickly, are better off by themselves.
+bool SetScan::isWorthwhile() const {
+  constexpr int64_t kSearch = 7000, kPass = 10000, kSlot = 2200, kKey = 300, kByte = 60, kByteWithShort = 110;
+  const int64_t perByte = shortSize_ == kNoShortKeys ? kByte : kByteWithShort;
+  return kPass + kSlot * numSlots_ + kKey * numKeys_ + perByte * length_ <
+         kSearch * numSlots_ + int64_t{effort_} * length_;
 }
 
 void SetScan::search(int32_t first, int32_t last) {
   while (first < last) {
     first = gather(first, last);
     numActive_ = numSlots_;
-    if (numSlots_ < kLeastSlots) {
+    if (!isWorthwhile()) {
       for (int32_t i = 0; i < numSlots_; ++i) searchAlone(slots_[i]);
       continue;
     }
@@ -192,7 +229,7 @@ void SetScan::search(int32_t first, int32_t last) {
     scan();
     for (int32_t i = 0; i < numSlots_ && numActive_ > 0; ++i) {
       Slot& slot = slots_[i];
-      if (!slot.isDone) reach_ < length_ ? searchAlone(slot) : settle(slot);
+      if (!slot.isDone) settle(slot);
     }
   }
 }
@@ -200,8 +237,7 @@ void SetScan::search(int32_t first, int32_t last) {
 // ---- The pass
 
 void SetScan::scan() {
-  const int32_t length = std::min(length_, reach_);
-  for (int32_t base = 0; base < length && numActive_ > 0; base += kChunk) {
+  for (int32_t base = 0; base < length_ && numActive_ > 0; base += kChunk) {
     fold(base);
     const int32_t count = std::min(length_ - base, kChunk);
     if (isSmall_)
@@ -228,7 +264,7 @@ template <int bits, bool hasShort>
 void SetScan::scanChunk(int32_t base, int32_t count) {
   const uint8_t* const folded = folded_ + kAround;
   const uint8_t* const chainOf = chainOf_;
-  const uint32_t mask = ~0u >> (32 - 8 * shortSize_);
+  const uint32_t mask = shortMask();
   for (int32_t i = 0; i < count; i += 8) {
     const auto chains = [=](int32_t k) ULK_LAMBDA_INLINE -> uint32_t {
       const auto bytes = loadAs<uint32_t>(folded + i + k);
@@ -241,7 +277,7 @@ void SetScan::scanChunk(int32_t base, int32_t count) {
       const auto bytes = loadAs<uint32_t>(folded + k);
       if (const uint8_t chain = chainOf[hashOf<bits>(bytes)]) visit(bytes, chain, base, k);
       if (!hasShort) continue;
-      if (const uint8_t chain = chainOf[hashOf<bits>(bytes & mask)]) visit(bytes & mask, chain, base, k);
+      if (const uint8_t chain = chainOf[hashOf<bits>(bytes & mask)]) visit(bytes, chain, base, k);
     }
     if (numActive_ == 0) return;
   }
@@ -251,9 +287,9 @@ void SetScan::scanChunk(int32_t base, int32_t count) {
 void SetScan::visit(uint32_t bytes, uint8_t chain, int32_t base, int32_t i) {
   for (uint16_t* link = &heads_[chain]; *link != 0;) {
     Entry& entry = entries_[*link];
-    const WindowKey& key = entry.key;
+    const WindowKey& key = *entry.key;
     Slot& slot = slots_[entry.slot];
-    if (key.bytes == bytes && !slot.isDone) {
+    if (((key.bytes ^ bytes) << (32 - 8 * key.size)) == 0 && !slot.isDone) {
       const auto more = loadAs<uint32_t>(folded_ + kAround + i + key.moreAt);
       if (((more ^ key.more) & key.mask) == 0) tryWindow(slot, key.least, base + i);
     }
@@ -333,8 +369,8 @@ void SetScan::tryRange(Slot& slot, int32_t first, int32_t last) {
       if (slot.isDone) return;
       continue;
     }
-    if (m_.budget.isExhausted()) return searchAlone(slot);
     slot.wasted += before - m_.budget.left();
+    if (m_.budget.isExhausted() || slot.wasted > kMostWaste * (length_ + 1)) return searchAlone(slot);
     at = nextStart(m_, state, at);
   }
   slot.at = static_cast<int32_t>(at - text_);
@@ -367,16 +403,21 @@ const uint8_t* SetScan::takeMatch(Slot& slot) {
 // ---- What is not tried
 
 // Whether no run of bytes before a window, of those up to `to`, has that length.
-bool SetScan::runsAreShorter(const Slot& slot, int32_t to, int32_t length) const {
-  constexpr int32_t kWorthLooking = 16;
-  if (length < kWorthLooking) return false;
+bool SetScan::runsAreShorter(const Slot& slot, int32_t to, int32_t length) {
+  if (length < kLeastRun) return false;
   const ByteSet256& set = stateOf(slot).frames[kWindowSetFrame].bytes;
-  for (int32_t from = slot.at, end = std::min(to, slot.end); end - from >= length;) {
+  const int32_t end = std::min(to, slot.end);
+  // Many expressions have `.*`.
+  const bool isKnown = runs_.from <= slot.at && end <= runs_.to && runs_.length <= length &&
+                       std::memcmp(&runs_.set, &set, sizeof set) == 0;
+  if (isKnown) return true;
+  for (int32_t from = slot.at; end - from >= length;) {
     int32_t at = from + length - 1;
     while (at >= from && set.contains(text_[at])) --at;
     if (at < from) return false;
     from = at + 1;
   }
+  runs_ = {set, slot.at, end, length};
   return true;
 }
 
@@ -385,16 +426,17 @@ bool SetScan::paySkipped(Slot& slot, int32_t to) {
   const Window& window = windowOf(stateOf(slot));
   const int32_t starts = to - slot.at;
   if (starts <= 0) return true;
-  int64_t steps = window.steps;
+  int32_t steps = window.steps;
   if (window.stepsPerByte > 0) {
     // Each start may cost its share.
     const int32_t share = slot.left / (length_ + 1 - slot.at);
     const int32_t longest = std::min(starts, (share - window.steps) / window.stepsPerByte);
     if (longest < starts && !runsAreShorter(slot, to, longest)) return false;
-    steps += int64_t{window.stepsPerByte} * longest;
+    steps += window.stepsPerByte * longest;  // not more than the share
   }
-  if (starts * steps > slot.left) return false;
-  slot.left -= static_cast<int32_t>(starts * steps);
+  const int64_t paid = int64_t{starts} * steps;
+  if (paid > slot.left) return false;
+  slot.left -= static_cast<int32_t>(paid);
   return true;
 }
 
