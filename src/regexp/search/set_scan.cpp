@@ -14,8 +14,8 @@ namespace ulk {
 
 namespace {
 
-constexpr int32_t kMostSlots = 256;
-constexpr int32_t kMostKeys = 1024;
+constexpr int32_t kMostSlots = 512;
+constexpr int32_t kMostKeys = 1280;
 constexpr int32_t kFewBits = 10;  // of a hash, for few keys and a short text
 constexpr int32_t kManyBits = 14;
 constexpr uint8_t kNoShortKeys = 4;
@@ -23,8 +23,11 @@ constexpr int32_t kNumChains = 256;  // those with an odd number
 constexpr int32_t kChunk = 2048;     // of the text that is folded at once
 constexpr int32_t kAround = 16;      // bytes before and behind it that are there as well
 
-constexpr int64_t kMostWaste = 2;  // steps for a byte: it is searched for alone in another way
-constexpr int32_t kLeastRun = 16;  // that is worth looking for
+constexpr int32_t kByteEffort = 60;      // of the pass, in hundredths of nanoseconds,
+constexpr int32_t kShortEffort = 50;     // and more if there are short keys
+constexpr int32_t kSearchEffort = 7000;  // of a search that finds nothing in a text that is empty
+constexpr int64_t kMostWaste = 2;        // steps for a byte: it is searched for alone in another way
+constexpr int32_t kLeastRun = 16;        // that is worth looking for
 
 // One expression in the pass. Places are counted from the start of the text.
 struct Slot {
@@ -35,10 +38,12 @@ struct Slot {
   int32_t wasted;      // steps of attempts that failed
   int32_t numWritten;  // records
   bool isCut;
+  bool isShort;  // it has a key of less than four bytes
   bool isDone;
 };
 
 struct Entry {
+  uint32_t bytes;  // to look for, as many of the key as all short ones have
   const WindowKey* key;
   uint16_t slot;
   uint16_t next;  // of the chain, 0: none
@@ -84,12 +89,14 @@ class SetScan {
  private:
   int32_t gather(int32_t first, int32_t last);
   bool join(int32_t index);
+  void leaveOutShort();
   bool isWorthwhile() const;
   void makeTable();
   void scan();
   void fold(int32_t base);
   template <int bits, bool hasShort>
   void scanChunk(int32_t base, int32_t count);
+  static bool isAt(const WindowKey& key, const uint8_t* folded);
   void visit(uint32_t bytes, uint8_t chain, int32_t base, int32_t i);
   void tryWindow(Slot& slot, int32_t least, int32_t at);
   void tryRange(Slot& slot, int32_t first, int32_t last);
@@ -116,6 +123,8 @@ class SetScan {
   int32_t numSlots_ = 0;
   int32_t numKeys_ = 0;
   int32_t numActive_ = 0;
+  int32_t numShort_ = 0;              // expressions that have short keys,
+  int32_t shortEffort_ = 0;           // and their part of that
   int32_t effort_ = 0;                // for a byte, if all of them were searched for by themselves
   uint8_t shortSize_ = kNoShortKeys;  // of the keys of less than four bytes
   bool isSmall_ = false;              // the table
@@ -166,20 +175,30 @@ bool SetScan::join(int32_t index) {
 
   const Window& window = windowOf(state);
   if (leastSteps(window) * (length_ + 1) > state.matchLimit) return false;
+  bool isShort = false;
   for (int32_t i = 0; i < window.numKeys; ++i) {
     const WindowKey& key = windowKey(state, i);
-    entries_[++numKeys_] = {&key, static_cast<uint16_t>(numSlots_), 0};
-    if (key.size < 4) shortSize_ = std::min(shortSize_, key.size);
+    entries_[++numKeys_] = {key.bytes, &key, static_cast<uint16_t>(numSlots_), 0};
+    if (key.size < 4) {
+      shortSize_ = std::min(shortSize_, key.size);
+      isShort = true;
+    }
   }
-  effort_ += effortOf(startFilterOf(state).kind);
-  slots_[numSlots_++] = {index, 0, length_, state.matchLimit, 0, 0, state.trailingLiteral < 0, false};
+  const int32_t effort = effortOf(startFilterOf(state).kind);
+  effort_ += effort;
+  if (isShort) {
+    shortEffort_ += effort;
+    ++numShort_;
+  }
+  slots_[numSlots_++] = {index,   0,    length_, state.matchLimit, 0, 0, state.trailingLiteral < 0,
+                         isShort, false};
   return true;
 }
 
 // Takes expressions into the pass as long as there is room; searches for those alone that cannot be in it.
 // Returns the next one.
 int32_t SetScan::gather(int32_t first, int32_t last) {
-  numSlots_ = numKeys_ = effort_ = 0;
+  numSlots_ = numKeys_ = numShort_ = effort_ = shortEffort_ = 0;
   shortSize_ = kNoShortKeys;
   int32_t index = first;
   for (; index < last && numSlots_ < kMostSlots && numKeys_ <= kMostKeys - kMaxWindowKeys; ++index)
@@ -198,31 +217,46 @@ void SetScan::makeTable() {
   isSmall_ = numKeys_ <= kFewKeys && length_ <= kShort;
   std::memset(chainOf_, 0, size_t{1} << (isSmall_ ? kFewBits : kManyBits));
   std::memset(heads_, 0, sizeof heads_);
+  uint8_t lastChain = 0;
   for (int32_t i = numKeys_; i > 0; --i) {
     Entry& entry = entries_[i];
-    const uint32_t bytes = entry.key->size < 4 ? entry.key->bytes & shortMask() : entry.key->bytes;
-    uint8_t& chain = chainOf_[isSmall_ ? hashOf<kFewBits>(bytes) : hashOf<kManyBits>(bytes)];
-    if (chain == 0) chain = static_cast<uint8_t>(i | 1);
+    if (slots_[entry.slot].isDone) continue;
+    if (entry.key->size < 4) entry.bytes &= shortMask();
+    uint8_t& chain = chainOf_[isSmall_ ? hashOf<kFewBits>(entry.bytes) : hashOf<kManyBits>(entry.bytes)];
+    if (chain == 0)
+      chain = lastChain = lastChain == kNumChains - 1 ? uint8_t{1} : static_cast<uint8_t>(lastChain + 1);
     entry.next = heads_[chain];
     heads_[chain] = static_cast<uint16_t>(i);
   }
 }
 
+// Few expressions with short keys would slow the pass down more than they take by themselves.
+void SetScan::leaveOutShort() {
+  for (int32_t i = 0; i < numSlots_ && shortSize_ != kNoShortKeys; ++i)
+    if (slots_[i].isShort) searchAlone(slots_[i]);
+  effort_ -= shortEffort_;
+  shortSize_ = kNoShortKeys;
+}
+
 // Whether the pass takes less time than searches one by one, in hundredths of nanoseconds: few expressions in
 // a long text, each of which is found quickly, are better off by themselves.
 bool SetScan::isWorthwhile() const {
-  constexpr int64_t kSearch = 7000, kPass = 10000, kSlot = 2200, kKey = 300, kByte = 60, kByteWithShort = 110;
-  const int64_t perByte = shortSize_ == kNoShortKeys ? kByte : kByteWithShort;
+  constexpr int64_t kPass = 10000, kSlot = 2200, kKey = 300;
+  const int64_t perByte = shortSize_ == kNoShortKeys ? kByteEffort : kByteEffort + kShortEffort;
   return kPass + kSlot * numSlots_ + kKey * numKeys_ + perByte * length_ <
-         kSearch * numSlots_ + int64_t{effort_} * length_;
+         int64_t{kSearchEffort} * numActive_ + int64_t{effort_} * length_;
 }
 
 void SetScan::search(int32_t first, int32_t last) {
   while (first < last) {
     first = gather(first, last);
     numActive_ = numSlots_;
+    if (int64_t{kSearchEffort} * numShort_ + int64_t{shortEffort_} * length_ <
+        int64_t{kShortEffort} * length_)
+      leaveOutShort();
     if (!isWorthwhile()) {
-      for (int32_t i = 0; i < numSlots_; ++i) searchAlone(slots_[i]);
+      for (int32_t i = 0; i < numSlots_; ++i)
+        if (!slots_[i].isDone) searchAlone(slots_[i]);
       continue;
     }
     makeTable();
@@ -277,27 +311,33 @@ void SetScan::scanChunk(int32_t base, int32_t count) {
       const auto bytes = loadAs<uint32_t>(folded + k);
       if (const uint8_t chain = chainOf[hashOf<bits>(bytes)]) visit(bytes, chain, base, k);
       if (!hasShort) continue;
-      if (const uint8_t chain = chainOf[hashOf<bits>(bytes & mask)]) visit(bytes, chain, base, k);
+      if (const uint8_t chain = chainOf[hashOf<bits>(bytes & mask)]) visit(bytes & mask, chain, base, k);
     }
     if (numActive_ == 0) return;
   }
+}
+
+// Whether the key stands at that place of the folded text, and around it what must be there.
+bool SetScan::isAt(const WindowKey& key, const uint8_t* folded) {
+  const uint32_t other = loadAs<uint32_t>(folded) ^ key.bytes;
+  const uint32_t more = loadAs<uint32_t>(folded + key.moreAt) ^ key.more;
+  return other << (32 - 8 * key.size) == 0 && (more & key.mask) == 0;
 }
 
 // Tries the expressions of a chain with a key that stands at that place.
 void SetScan::visit(uint32_t bytes, uint8_t chain, int32_t base, int32_t i) {
   for (uint16_t* link = &heads_[chain]; *link != 0;) {
     Entry& entry = entries_[*link];
-    const WindowKey& key = *entry.key;
-    Slot& slot = slots_[entry.slot];
-    if (((key.bytes ^ bytes) << (32 - 8 * key.size)) == 0 && !slot.isDone) {
-      const auto more = loadAs<uint32_t>(folded_ + kAround + i + key.moreAt);
-      if (((more ^ key.more) & key.mask) == 0) tryWindow(slot, key.least, base + i);
+    if (entry.bytes == bytes) {
+      Slot& slot = slots_[entry.slot];
+      if (!slot.isDone && isAt(*entry.key, folded_ + kAround + i))
+        tryWindow(slot, entry.key->least, base + i);
+      if (slot.isDone) {
+        *link = entry.next;
+        continue;
+      }
     }
-    if (slot.isDone) {
-      *link = entry.next;
-    } else {
-      link = &entry.next;
-    }
+    link = &entry.next;
   }
 }
 
