@@ -26,6 +26,55 @@ uint64_t setting(const char* name, uint64_t otherwise) {
   return given ? std::strtoull(given, nullptr, 10) : otherwise;
 }
 
+// Parts of expressions: what stands before a word that is looked for, the word, and what comes behind it.
+// Their texts are made of words and of what is between them.
+const char* const kHeads[] = {
+    "",        "",           "",         "\\b",        "^",       "(?i)",   ".*",        "\\w+",
+    "[a-c]+",  "\\S*",       "\\d{1,3}", "(?:x|yy|b)", "(?:ab)?", "a?",     "[^b]*",     "\xC3\xA9",
+    ".",       "(?<=a)",     "(?!b)",    "(?>a+|b)",   "^?",      "\\W",    "[^a]{1,2}", "a{2,5}",
+    "(a|bc)+", "(?:a|x){2}", "(b)?",     "\\X",        "c*?",     "\\pL*?", "\\x{e9}+",  "(?=x)a|",
+    "(a*)\\1", "^.*",        "(?i:B)",   "\\w*\\s+",   "[^\\n]*", "\\x80?"};
+const char* const kWords[] = {"abca",
+                              "bcab",
+                              "foo1",
+                              "cab",
+                              "aabx",
+                              "12:3",
+                              "\xC3\xA9"
+                              "a b",
+                              "xyz-",
+                              "ab",
+                              "Abcab",
+                              "b[ab]c\\d+",
+                              "a\\sb",
+                              "-\\d\\d-",
+                              "x@y",
+                              "[abc]{4}",
+                              "zz\\wz"};
+const char* const kTails[] = {"",         "",          "",           "\\w*",       "$",         "\\b",
+                              ".*z",      "(?=b)",     "c*?",        "|xyz",       "|\\d+:|yz", "[a-z ]*#",
+                              "(?:b|c)x", "(a|b)*-",   "(?-i)B",     "(?>[ab]*)c", "(?!.*z)",   "\\z",
+                              "b*?c",     "(?=.*x)y?", "(\\w+) \\1", "[^x]*x"};
+const char* const kOptions[] = {"", "g", "m", "gm", "gi", "s", "gms"};
+const char* const kBetween[] = {" ",        "\n",   "a",    "b",   "B",  "x", "1",  "-",
+                                "\xC3\xA9", "\x80", "\xC3", "abc", "yy", "z", "c#", " ab"};
+const char* const kTextWords[] = {"abca",
+                                  "bcab",
+                                  "foo1",
+                                  "cab",
+                                  "aabx",
+                                  "12:3",
+                                  "\xC3\xA9"
+                                  "a b",
+                                  "xyz-",
+                                  "bac12",
+                                  "a\tb",
+                                  "-12-",
+                                  "x@y",
+                                  "zzaz",
+                                  "FOO1",
+                                  "ABCA"};
+
 struct Member {
   std::string source;  // for people
   CompiledExpression expression;
@@ -93,14 +142,24 @@ class GeneratedSet {
   int numFound = 0;  // slots that found something
 
  private:
+  std::string pattern() {
+    return std::string(choices_.pick(kHeads)) + choices_.pick(kWords) + choices_.pick(kTails);
+  }
+
   void addMember() {
     for (;;) {
-      const GeneratedExpression made = generateExpression(choices_);
+      GeneratedExpression made = generateExpression(choices_);
+      if (!choices_.oneIn(4)) made = {pattern(), choices_.pick(kOptions), {}};
       ulkRegExpState* state = nullptr;
       int32_t errorOffset = 0;
       if (ulksRegExpInitAlloc(made.pattern.c_str(), made.options.c_str(), &state, &errorOffset) != ulkOk)
         continue;
-      const GeneratedSearch search = generateSearch(choices_, made, false);
+      const bool isOfParts = made.tree.parts.empty() && made.tree.samples.empty();
+      GeneratedSearch search;
+      search.text = choices_.pick(kTextWords);
+      search.format = static_cast<int32_t>(choices_.below(2));
+      search.capacity = 1 + static_cast<int32_t>(choices_.below(40));
+      if (!isOfParts) search = generateSearch(choices_, made, false);
       ulksRegExpSetFormat(search.format, state);
       members_.push_back(
           {"/" + made.pattern + "/" + made.options + " format=" + std::to_string(search.format),
@@ -110,11 +169,11 @@ class GeneratedSet {
   }
 
   void makeText() {
-    const uint32_t numParts = 1 + choices_.below(12);
+    const uint32_t numParts = 1 + choices_.few(60);
     for (uint32_t i = 0; i < numParts; ++i) {
-      text_ += choices_.pick(members_).text;
-      if (choices_.oneIn(16)) text_.append(choices_.below(6000), choices_.pick(std::string("a 1\n\x80")));
-      text_ += choices_.pick(std::string("\n a0"));
+      text_ += choices_.oneIn(8) ? choices_.pick(members_).text : choices_.pick(kTextWords);
+      if (choices_.oneIn(100)) text_.append(choices_.below(5000), choices_.pick(std::string("a 1\n\x80")));
+      for (uint32_t more = choices_.few(6); more > 0; --more) text_ += choices_.pick(kBetween);
     }
   }
 
