@@ -33,7 +33,7 @@ const char* const kHeads[] = {
     "[a-c]+",  "\\S*",       "\\d{1,3}", "(?:x|yy|b)", "(?:ab)?", "a?",     "[^b]*",     "\xC3\xA9",
     ".",       "(?<=a)",     "(?!b)",    "(?>a+|b)",   "^?",      "\\W",    "[^a]{1,2}", "a{2,5}",
     "(a|bc)+", "(?:a|x){2}", "(b)?",     "\\X",        "c*?",     "\\pL*?", "\\x{e9}+",  "(?=x)a|",
-    "(a*)\\1", "^.*",        "(?i:B)",   "\\w*\\s+",   "[^\\n]*", "\\x80?"};
+    "(a*)\\1", "^.*",        "(?i:B)",   "\\w*\\s+",   "[^\\n]*", "\\x80?", "\\x80",     "\\C"};
 const char* const kWords[] = {"abca",
                               "bcab",
                               "foo1",
@@ -50,14 +50,19 @@ const char* const kWords[] = {"abca",
                               "-\\d\\d-",
                               "x@y",
                               "[abc]{4}",
-                              "zz\\wz"};
-const char* const kTails[] = {"",         "",          "",           "\\w*",       "$",         "\\b",
-                              ".*z",      "(?=b)",     "c*?",        "|xyz",       "|\\d+:|yz", "[a-z ]*#",
-                              "(?:b|c)x", "(a|b)*-",   "(?-i)B",     "(?>[ab]*)c", "(?!.*z)",   "\\z",
-                              "b*?c",     "(?=.*x)y?", "(\\w+) \\1", "[^x]*x"};
+                              "zz\\wz",
+                              "ab.cab",
+                              "f\\Woo1",
+                              "(?:ab|ca){2}",
+                              "(?:\\d-){2}"};
+const char* const kTails[] = {"",         "",           "",           "\\w*",       "$",         "\\b",
+                              ".*z",      "(?=b)",      "c*?",        "|xyz",       "|\\d+:|yz", "[a-z ]*#",
+                              "(?:b|c)x", "(a|b)*-",    "(?-i)B",     "(?>[ab]*)c", "(?!.*z)",   "\\z",
+                              "b*?c",     "(?=.*x)y?",  "(\\w+) \\1", "[^x]*x",     "|b*c",      "|a*xyz",
+                              "(?=.*x)c", "(?>c1|b)*c", "\\w*a*?\\d", "."};
 const char* const kOptions[] = {"", "g", "m", "gm", "gi", "s", "gms"};
-const char* const kBetween[] = {" ",        "\n",   "a",    "b",   "B",  "x", "1",  "-",
-                                "\xC3\xA9", "\x80", "\xC3", "abc", "yy", "z", "c#", " ab"};
+const char* const kBetween[] = {" ",    "\n",   "a",   "b",  "B", "x",  "1",   "-",        "\xC3\xA9",
+                                "\x80", "\xC3", "abc", "yy", "z", "c#", " ab", "\xC3\x80", "1aa"};
 const char* const kTextWords[] = {"abca",
                                   "bcab",
                                   "foo1",
@@ -175,6 +180,7 @@ class GeneratedSet {
       if (choices_.oneIn(100)) text_.append(choices_.below(5000), choices_.pick(std::string("a 1\n\x80")));
       for (uint32_t more = choices_.few(6); more > 0; --more) text_ += choices_.pick(kBetween);
     }
+    text_ += choices_.pick(kBetween);
   }
 
   // None, the usual one, any, and the least with which the expression is answered as without one, or one

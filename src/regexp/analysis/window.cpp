@@ -89,14 +89,14 @@ bool hasMultibyte(const ByteSet256& set) {
   return (set.words[4] | set.words[5] | set.words[6] | set.words[7]) != 0;
 }
 
-// The bytes of everything that an item can match.
+// The bytes of everything that an item can match. One that can match a character of several bytes can begin
+// with any byte from 0x80 on, as far as one byte tells.
 void addAllBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
   if (item.code == RX_STRING) {
     for (int32_t i = 0; i < stringLength(item); ++i) addByte(stringOf(item)[i], options, set);
     return;
   }
   addFirstBytes(item, options, set);
-  if (item.code != RX_CHAR && hasMultibyte(set)) std::fill(set.words + 4, set.words + 8, ~0u);
 }
 
 // Follows every way from the start of the program, through the alternatives and into the groups that must
