@@ -10,8 +10,8 @@ namespace ulk {
 void makeWindow(ulkRegExpState& state);
 
 inline const Window& windowOf(const ulkRegExpState& state) { return state.frames[kWindowFrame].window; }
-inline const WindowKey& windowKey(const ulkRegExpState& state, int32_t index) {
-  return state.frames[kWindowKeysFrame + index / kKeysInFrame].keys[index % kKeysInFrame];
+inline const WindowKey* windowKeys(const ulkRegExpState& state) {
+  return state.frames[kWindowKeysFrame].keys;
 }
 
 }  // namespace ulk

@@ -24,11 +24,16 @@ struct Window {
                          // bytes of the set in kWindowSetFrame
   int32_t steps;         // what an attempt elsewhere costs at most,
   int32_t stepsPerByte;  // and for each byte of the longest run of bytes of that set
+  int32_t leastSteps;    // what an attempt elsewhere costs where runs have kLeastRun bytes
   bool cutMatters;       // what stands behind the last trailing literal changes what matches before it
-  uint8_t unused[15];
+  uint8_t shortest;      // bytes of the shortest key
+  uint8_t effort;        // of a search for the expression by itself (search/set_scan.h)
+  uint8_t unused[9];
 };
 static_assert(sizeof(Window) == 32);
 
+inline constexpr uint8_t kMaxKeySize = 4;
+inline constexpr int32_t kLeastRun = 16;  // that is worth looking for
 inline constexpr int32_t kKeysInFrame = 2;
 inline constexpr int32_t kMaxWindowKeys = 32;
 

@@ -18,7 +18,6 @@ constexpr int32_t kMostSlots = 512;
 constexpr int32_t kMostKeys = 1280;
 constexpr int32_t kFewBits = 10;  // of a hash, for few keys and a short text
 constexpr int32_t kManyBits = 14;
-constexpr uint8_t kNoShortKeys = 4;
 constexpr int32_t kNumChains = 256;  // those with an odd number
 constexpr int32_t kChunk = 2048;     // of the text that is folded at once
 constexpr int32_t kAround = 16;      // bytes before and behind it that are there as well
@@ -27,7 +26,6 @@ constexpr int32_t kByteEffort = 60;      // of the pass, in hundredths of nanose
 constexpr int32_t kShortEffort = 50;     // and more if there are short keys
 constexpr int32_t kSearchEffort = 7000;  // of a search that finds nothing in a text that is empty
 constexpr int64_t kMostWaste = 2;        // steps for a byte: it is searched for alone in another way
-constexpr int32_t kLeastRun = 16;        // that is worth looking for
 
 // One expression in the pass. Places are counted from the start of the text.
 struct Slot {
@@ -38,7 +36,6 @@ struct Slot {
   int32_t wasted;      // steps of attempts that failed
   int32_t numWritten;  // records
   bool isCut;
-  bool isShort;  // it has a key of less than four bytes
   bool isDone;
 };
 
@@ -48,23 +45,6 @@ struct Entry {
   uint16_t slot;
   uint16_t next;  // of the chain, 0: none
 };
-
-// What a search for one expression takes for a byte, in hundredths of nanoseconds, by and large.
-int32_t effortOf(StartKind kind) {
-  switch (kind) {
-    case StartKind::kAny:
-    case StartKind::kSet:
-      return 200;
-    case StartKind::kBoundary:
-    case StartKind::kSmallSet:
-      return 15;
-    default:
-      return 5;
-  }
-}
-
-// What each start costs at least that is not tried.
-int64_t leastSteps(const Window& window) { return window.steps + kLeastRun * int64_t{window.stepsPerByte}; }
 
 bool hasWindow(const ulkRegExpState& state) {
   return state.magic == kStateMagic && startFilterOf(state).hasWindow;
@@ -123,12 +103,12 @@ class SetScan {
   int32_t numSlots_ = 0;
   int32_t numKeys_ = 0;
   int32_t numActive_ = 0;
-  int32_t numShort_ = 0;              // expressions that have short keys,
-  int32_t shortEffort_ = 0;           // and their part of that
-  int32_t effort_ = 0;                // for a byte, if all of them were searched for by themselves
-  uint8_t shortSize_ = kNoShortKeys;  // of the keys of less than four bytes
-  bool isSmall_ = false;              // the table
-  Runs runs_{{}, 0, 0, 0};            // what is known of some
+  int32_t numShort_ = 0;             // expressions that have short keys,
+  int32_t shortEffort_ = 0;          // and their part of that
+  int32_t effort_ = 0;               // for a byte, if all of them were searched for by themselves
+  uint8_t shortSize_ = kMaxKeySize;  // of the keys of less than four bytes
+  bool isSmall_ = false;             // the table
+  Runs runs_{{}, 0, 0, 0};           // what is known of some
   Slot slots_[kMostSlots];
   Entry entries_[kMostKeys + 1];
   uint16_t heads_[kNumChains];       // of chains of entries
@@ -174,24 +154,21 @@ bool SetScan::join(int32_t index) {
   if ((state.options & RX_OPT_GLOBAL) && result.numFind < std::max(state.numCaptures - 1, 1)) return false;
 
   const Window& window = windowOf(state);
-  if (leastSteps(window) * (length_ + 1) > state.matchLimit) return false;
-  bool isShort = false;
+  if (int64_t{window.leastSteps} * (length_ + 1) > state.matchLimit) return false;
+  const WindowKey* const keys = windowKeys(state);
   for (int32_t i = 0; i < window.numKeys; ++i) {
-    const WindowKey& key = windowKey(state, i);
-    entries_[++numKeys_] = {key.bytes, &key, static_cast<uint16_t>(numSlots_), 0};
-    if (key.size < 4) {
-      shortSize_ = std::min(shortSize_, key.size);
-      isShort = true;
-    }
+    Entry& entry = entries_[++numKeys_];
+    entry.bytes = keys[i].bytes;
+    entry.key = &keys[i];
+    entry.slot = static_cast<uint16_t>(numSlots_);
   }
-  const int32_t effort = effortOf(startFilterOf(state).kind);
-  effort_ += effort;
-  if (isShort) {
-    shortEffort_ += effort;
+  effort_ += window.effort;
+  if (window.shortest < kMaxKeySize) {
+    shortSize_ = std::min(shortSize_, window.shortest);
+    shortEffort_ += window.effort;
     ++numShort_;
   }
-  slots_[numSlots_++] = {index,   0,    length_, state.matchLimit, 0, 0, state.trailingLiteral < 0,
-                         isShort, false};
+  slots_[numSlots_++] = {index, 0, length_, state.matchLimit, 0, 0, state.trailingLiteral < 0, false};
   return true;
 }
 
@@ -199,7 +176,7 @@ bool SetScan::join(int32_t index) {
 // Returns the next one.
 int32_t SetScan::gather(int32_t first, int32_t last) {
   numSlots_ = numKeys_ = numShort_ = effort_ = shortEffort_ = 0;
-  shortSize_ = kNoShortKeys;
+  shortSize_ = kMaxKeySize;
   int32_t index = first;
   for (; index < last && numSlots_ < kMostSlots && numKeys_ <= kMostKeys - kMaxWindowKeys; ++index)
     if (expressions_[index] && !join(index)) searchAlone(index);
@@ -221,7 +198,7 @@ void SetScan::makeTable() {
   for (int32_t i = numKeys_; i > 0; --i) {
     Entry& entry = entries_[i];
     if (slots_[entry.slot].isDone) continue;
-    if (entry.key->size < 4) entry.bytes &= shortMask();
+    if (entry.key->size < kMaxKeySize) entry.bytes &= shortMask();
     uint8_t& chain = chainOf_[isSmall_ ? hashOf<kFewBits>(entry.bytes) : hashOf<kManyBits>(entry.bytes)];
     if (chain == 0)
       chain = lastChain = lastChain == kNumChains - 1 ? uint8_t{1} : static_cast<uint8_t>(lastChain + 1);
@@ -232,17 +209,17 @@ void SetScan::makeTable() {
 
 // Few expressions with short keys would slow the pass down more than they take by themselves.
 void SetScan::leaveOutShort() {
-  for (int32_t i = 0; i < numSlots_ && shortSize_ != kNoShortKeys; ++i)
-    if (slots_[i].isShort) searchAlone(slots_[i]);
+  for (int32_t i = 0; i < numSlots_ && shortSize_ != kMaxKeySize; ++i)
+    if (windowOf(stateOf(slots_[i])).shortest < kMaxKeySize) searchAlone(slots_[i]);
   effort_ -= shortEffort_;
-  shortSize_ = kNoShortKeys;
+  shortSize_ = kMaxKeySize;
 }
 
 // Whether the pass takes less time than searches one by one, in hundredths of nanoseconds: few expressions in
 // a long text, each of which is found quickly, are better off by themselves.
 bool SetScan::isWorthwhile() const {
   constexpr int64_t kPass = 10000, kSlot = 2200, kKey = 300;
-  const int64_t perByte = shortSize_ == kNoShortKeys ? kByteEffort : kByteEffort + kShortEffort;
+  const int64_t perByte = shortSize_ == kMaxKeySize ? kByteEffort : kByteEffort + kShortEffort;
   return kPass + kSlot * numSlots_ + kKey * numKeys_ + perByte * length_ <
          int64_t{kSearchEffort} * numActive_ + int64_t{effort_} * length_;
 }
@@ -275,11 +252,11 @@ void SetScan::scan() {
     fold(base);
     const int32_t count = std::min(length_ - base, kChunk);
     if (isSmall_)
-      shortSize_ == kNoShortKeys ? scanChunk<kFewBits, false>(base, count)
-                                 : scanChunk<kFewBits, true>(base, count);
+      shortSize_ == kMaxKeySize ? scanChunk<kFewBits, false>(base, count)
+                                : scanChunk<kFewBits, true>(base, count);
     else
-      shortSize_ == kNoShortKeys ? scanChunk<kManyBits, false>(base, count)
-                                 : scanChunk<kManyBits, true>(base, count);
+      shortSize_ == kMaxKeySize ? scanChunk<kManyBits, false>(base, count)
+                                : scanChunk<kManyBits, true>(base, count);
   }
 }
 
