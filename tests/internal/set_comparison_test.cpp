@@ -16,9 +16,9 @@ namespace ulk_test {
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__)
-constexpr uint64_t kSets = 600;
+constexpr uint64_t kSets = 300;
 #else
-constexpr uint64_t kSets = 4000;
+constexpr uint64_t kSets = 3000;
 #endif
 
 uint64_t setting(const char* name, uint64_t otherwise) {

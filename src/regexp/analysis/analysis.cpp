@@ -2,7 +2,6 @@
 
 #include "regexp/analysis/follow_sets.h"
 #include "regexp/analysis/start_filter.h"
-#include "regexp/analysis/window.h"
 #include "regexp/text/bytes.h"
 
 namespace ulk {
@@ -29,7 +28,7 @@ void analyse(ulkRegExpState& state, SpareWords spare) {
   makeClassSets(state, spare);
   makeFollowSets(state, frames);
   makeStartFilter(state, hasFrames);
-  if (hasWindowFrames) makeWindow(state);
+  if (!hasWindowFrames) state.frames[0].start.window = WindowState::kNone;
   chooseSteps(state);
 }
 

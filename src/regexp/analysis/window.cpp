@@ -92,7 +92,7 @@ bool hasMultibyte(const ByteSet256& set) {
 // The bytes of everything that an item can match. One that can match a character of several bytes can begin
 // with any byte from 0x80 on, as far as one byte tells.
 void addAllBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
-  if (item.code == RX_STRING) {
+  if (codeOf(item) == RX_STRING) {
     for (int32_t i = 0; i < stringLength(item); ++i) addByte(stringOf(item)[i], options, set);
     return;
   }
@@ -214,9 +214,9 @@ WindowFinder::After WindowFinder::repeat(const RxNode& quantifier, int32_t itemM
 
 WindowFinder::After WindowFinder::passItem(int32_t node, Way& way, uint32_t options) {
   const RxNode& item = nodes_[node];
-  if (item.code == RX_XSEQ) return After::kEnd;
+  if (codeOf(item) == RX_XSEQ) return After::kEnd;
   way.cost += way.visits;
-  if (item.code == RX_STRING) {
+  if (codeOf(item) == RX_STRING) {
     for (int32_t i = 0; i < stringLength(item) && way.numPlaces < kMaxPlaces; ++i) {
       ByteSet256 set{};
       addByte(stringOf(item)[i], options, set);
@@ -228,9 +228,10 @@ WindowFinder::After WindowFinder::passItem(int32_t node, Way& way, uint32_t opti
   addFirstBytes(item, options, set);
   const RxNode* const quantifier = quantifierOf(nodes_, numNodes_, node);
   // A lazy repeat of these takes, and matches, more than they stand for.
-  const bool isProperty = item.code >= RX_CODEPOINT;
+  const bool isProperty = codeOf(item) >= RX_CODEPOINT;
   if (quantifier && quantifier->code == RX_REPEAT_LAZY && isProperty) return After::kEnd;
-  const bool oneByte = item.code == RX_CHAR || item.code == RX_BYTE || (!isProperty && !hasMultibyte(set));
+  const bool oneByte =
+      codeOf(item) == RX_CHAR || codeOf(item) == RX_BYTE || (!isProperty && !hasMultibyte(set));
   const int32_t least = quantifier ? minOf(*quantifier) : 1;
   if (oneByte) {
     for (int32_t i = 0; i < least && way.numPlaces < kMaxPlaces; ++i) addPlace(node, i == 0, set, way);
@@ -259,7 +260,8 @@ WindowFinder::After WindowFinder::passLookaround(int32_t node, Way& way) const {
   const int32_t length = bodyLength(nodes_[node]);
   if (quantifierOf(nodes_, numNodes_, node)) return After::kEnd;
   for (int32_t i = node + 1; i <= node + length; i = nextNode(nodes_, i))
-    if (!isItem(nodes_[i]) && nodes_[i].code != RX_ALT && nodes_[i].code != RX_ASSERT) return After::kEnd;
+    if (!isItem(nodes_[i]) && codeOf(nodes_[i]) != RX_ALT && codeOf(nodes_[i]) != RX_ASSERT)
+      return After::kEnd;
   way.cost.fixed += way.visits.fixed * (length + 1);
   way.cost.perByte += way.visits.perByte * (length + 1);
   return After::kNext;
@@ -285,8 +287,8 @@ void WindowFinder::walk(int32_t node, Way way, uint32_t options, const Outer* ou
     const RxNode& item = nodes_[node];
     After after = After::kNext;
     const int32_t next = nextItem(nodes_, node);
-    const RxNode* const quantifier = item.code == RX_ALT ? nullptr : quantifierOf(nodes_, numNodes_, node);
-    switch (item.code) {
+    const RxNode* const quantifier = codeOf(item) == RX_ALT ? nullptr : quantifierOf(nodes_, numNodes_, node);
+    switch (codeOf(item)) {
       case RX_ALT:
       case RX_END:
         if (!outer) return finish(way);
@@ -319,7 +321,7 @@ void WindowFinder::walk(int32_t node, Way way, uint32_t options, const Outer* ou
       case RX_CAPTURE:
       case RX_GROUP:
       case RX_OPTGROUP:
-        if (quantifier && (item.code == RX_ATOMIC || maxOf(*quantifier) == 0)) return finish(way);
+        if (quantifier && (codeOf(item) == RX_ATOMIC || maxOf(*quantifier) == 0)) return finish(way);
         if (quantifier && minOf(*quantifier) == 0 && maxOf(*quantifier) > 1) return finish(way);
         way.cost += way.visits;
         walkGroup(node, quantifier ? std::max(minOf(*quantifier) - 1, 0) : 0, way, options, outer);
@@ -445,9 +447,9 @@ bool keepsOptions(const ulkRegExpState& state) {
   const auto matters = [](int32_t options) { return static_cast<uint32_t>(options) & kMatcherOptions; };
   uint32_t options = matters(static_cast<int32_t>(state.options));
   for (int32_t i = 0; i < state.numNodes; i = nextNode(nodes, i)) {
-    if (nodes[i].code == RX_OPTIONS && i > 0) return false;
-    if (nodes[i].code == RX_OPTIONS) options = matters(newOptions(nodes[i]));
-    if (nodes[i].code == RX_ALT && serialOf(nodes[i]) == kTopLevel &&
+    if (codeOf(nodes[i]) == RX_OPTIONS && i > 0) return false;
+    if (codeOf(nodes[i]) == RX_OPTIONS) options = matters(newOptions(nodes[i]));
+    if (codeOf(nodes[i]) == RX_ALT && serialOf(nodes[i]) == kTopLevel &&
         matters(optionsBehind(nodes[i])) != options)
       return false;
   }
@@ -457,7 +459,7 @@ bool keepsOptions(const ulkRegExpState& state) {
 // Whether what a node matches may depend on where the text ends, or on what a try in vain has left behind.
 bool mayLookBeyond(const RxNode* nodes, int32_t i) {
   const RxNode& node = nodes[i];
-  switch (node.code) {
+  switch (codeOf(node)) {
     case RX_ASSERT:
       return assertionOf(node) == '$' || assertionOf(node) == 'Z' || assertionOf(node) == 'z';
     case RX_ALT:
@@ -533,6 +535,8 @@ bool WindowFinder::find() {
 
 }  // namespace
 
-void makeWindow(ulkRegExpState& state) { state.frames[0].start.hasWindow = WindowFinder(state).find(); }
+void findWindow(ulkRegExpState& state) {
+  state.frames[0].start.window = WindowFinder(state).find() ? WindowState::kFound : WindowState::kNone;
+}
 
 }  // namespace ulk

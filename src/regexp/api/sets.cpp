@@ -80,17 +80,10 @@ void stayLoaded() {
 #endif
 }
 
-// Whether there is more to do than a team takes to meet.
-bool isWorthTeam(int32_t length, const ulkRegExpMultiState& set) {
-  constexpr int64_t kLeastWork = 1 << 15;
-  return workOfSearch(length, set.pRegExps, set.capacity) >= kLeastWork;
-}
-
 void searchInParallel(const uint8_t* text, int32_t length, ulkRegExpMultiFind* results,
                       const ulkRegExpMultiState& set) {
   const int32_t numAsked = ownGetNumThreads();
-  if (numAsked <= 1 || !isWorthTeam(length, set))
-    return searchSlots(text, length, results, set, 0, set.capacity);
+  if (numAsked <= 1) return searchSlots(text, length, results, set, 0, set.capacity);
   stayLoaded();
 #pragma omp parallel num_threads(numAsked)
   {
@@ -174,7 +167,9 @@ ULK_EXPORT ulkStatus ULK_CALL ulksRegExpMultiFind_8u(const uint8_t* pSrc, int32_
                                                      const ulkRegExpMultiState* pState) {
   if (!pSrc || !pState || !pResults) return ulkErrNullPtr;
   if (srcLen < 1) return ulkErrSize;
-  if (pState->capacity <= ownGetNumThreads()) {
+  constexpr int64_t kWorthTeam = 1 << 15;  // less is done before a team has met
+  const int64_t work = prepareToFindTogether(srcLen, pState->pRegExps, pState->capacity);
+  if (pState->capacity <= ownGetNumThreads() || work < kWorthTeam) {
     searchSlots(pSrc, srcLen, pResults, *pState, 0, pState->capacity);
   } else {
     searchInParallel(pSrc, srcLen, pResults, *pState);

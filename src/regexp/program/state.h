@@ -88,6 +88,9 @@ enum class StartKind : uint8_t {
   kTextStart,       // at the text start
 };
 
+// What is known of the window of an expression, which frame kWindowFrame tells (analysis/window.h).
+enum class WindowState : uint8_t { kUnknown, kNone, kFound };
+
 struct StartFilter {
   Anchor anchor;
   StartKind kind;
@@ -95,7 +98,7 @@ struct StartFilter {
   bool literals;    // there are several ways to begin, each with a literal, which the same frame tells
   bool ascii;       // no match begins with a byte from 0x80 on
   bool once : 1;    // a match begins with `item` once, which is not quantified
-  bool hasWindow : 1;     // frame kWindowFrame tells what a search of many expressions looks for
+  WindowState window : 2;
   bool hasPair;           // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
   SmallSet small;         // the set, where it is one
   int32_t steps;          // that an attempt elsewhere costs

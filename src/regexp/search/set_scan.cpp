@@ -47,7 +47,7 @@ struct Entry {
 };
 
 bool hasWindow(const ulkRegExpState& state) {
-  return state.magic == kStateMagic && startFilterOf(state).hasWindow;
+  return state.magic == kStateMagic && startFilterOf(state).window == WindowState::kFound;
 }
 
 // A part of the text where no run of bytes of a set has that length.
@@ -459,11 +459,15 @@ bool SetScan::paySkipped(Slot& slot, int32_t to) {
 
 }  // namespace
 
-int64_t workOfSearch(int32_t length, const ulkRegExpState* const* expressions, int32_t count) {
+int64_t prepareToFindTogether(int32_t length, ulkRegExpState* const* expressions, int32_t count) {
   constexpr int32_t kEach = 16;
   int64_t passes = 1;
-  for (int32_t i = 0; i < count; ++i)
-    if (const ulkRegExpState* const state = expressions[i]; state && !hasWindow(*state)) ++passes;
+  for (int32_t i = 0; i < count; ++i) {
+    ulkRegExpState* const state = expressions[i];
+    if (!state || state->magic != kStateMagic) continue;
+    if (startFilterOf(*state).window == WindowState::kUnknown) findWindow(*state);
+    if (startFilterOf(*state).window == WindowState::kNone) ++passes;
+  }
   return passes * length + int64_t{kEach} * count;
 }
 

@@ -15,8 +15,9 @@
 
 namespace ulk {
 
-// How much there is to do in a search for so many expressions, in bytes that are looked at.
-int64_t workOfSearch(int32_t length, const ulkRegExpState* const* expressions, int32_t count);
+// To be called before, by one thread alone: finds out what the pass needs to know of each expression, unless
+// it is known. Returns how much there is to do, in bytes that are looked at.
+int64_t prepareToFindTogether(int32_t length, ulkRegExpState* const* expressions, int32_t count);
 
 // Searches for the expressions [first, last), of which null ones are passed over. Sets numFind and status.
 // In the search of a set of its own thread: realigns the stack.
