@@ -21,7 +21,9 @@ void resolveShorthands(ulkRegExpState& state) {
 
 void analyse(ulkRegExpState& state, SpareWords spare) {
   SpareFrames frames(state);
-  const bool hasFrames = frames.take() == kStartSetFrame && frames.take() == kStartPairFrame;
+  bool hasFrames = true;
+  for (int32_t frame : {kStartSetFrame, kStartPairFrame, kPrefilterFrame})
+    hasFrames = hasFrames && frames.take() == frame;
   resolveShorthands(state);
   linkGroups(state);
   makeClassSets(state, spare);

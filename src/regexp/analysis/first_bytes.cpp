@@ -20,7 +20,7 @@ void addMultibyte(ByteSet256& set) {
 }  // namespace
 
 void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
-  switch (item.code) {
+  switch (codeOf(item)) {
     case RX_CHAR:
       return addByte(byteOf(item), options, set);
     case RX_STRING:

@@ -242,6 +242,7 @@ bool describeAssertion(const ulkRegExpState& state, StartFilter& filter) {
 StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   const RxNode* const nodes = state.nodes();
   StartFilter filter{};
+  filter.hasFrames = hasFrames;
   filter.firstBar = firstTopLevelBar(nodes, state.numNodes);
   filter.anchor = anchorOf(state, filter);
   if (state.numNodes == 0 || describeAssertion(state, filter)) return filter;
@@ -277,6 +278,7 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
 
 void makeStartFilter(ulkRegExpState& state, bool hasFrames) {
   state.frames[0].start = filterFor(state, hasFrames);
+  if (hasFrames) state.frames[kPrefilterFrame].prefilter = {};
 }
 
 }  // namespace ulk

@@ -151,7 +151,8 @@ void addClassBytes(const RxNode& header, uint32_t options, ByteSet256& set) {
 
 void addAsciiOf(const RxNode& item, uint32_t options, ByteSet256& set) {
   RxNode member = item;
-  if (item.code == RX_CODEPOINT) memberNegation(member) = 0;  // a negation only in members
+  member.code = codeOf(item);
+  if (member.code == RX_CODEPOINT) memberNegation(member) = 0;  // a negation only in members
   ClassMembers members;
   members.add(member);
   members.finish();

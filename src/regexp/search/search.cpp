@@ -68,6 +68,7 @@ class Search {
   const Anchor anchor_;
   const int32_t firstBar_;  // at top level, -1 without one
   const uint8_t* const end_;
+  const uint8_t* reached_;  // where attempts have been made or left out
   int32_t numWritten_ = 0;
   alignas(RunChoice) std::byte choices_[kSearchChoices];
 };
@@ -105,16 +106,22 @@ bool Search::matchAt(const uint8_t* start) {
 // Finds the first match that begins at `start` or later in a text that ends at `end`.
 bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
   m_.textEnd = end;
-  for (const uint8_t* at = start; at <= end; at = nextStart(at)) {
+  const uint8_t* at = start;
+  bool found = false;
+  for (; at <= end; at = nextStart(at)) {
     if (anchor_ == Anchor::kNone) at = starts_.next(at);
-    if (at <= end && !outOfBudget() && matchAt(at)) {
+    const int32_t budget = m_.budget.left();
+    if (at <= end && budget >= 0 && matchAt(at)) {
       state_.captures[0] = {at, m_.lengthTo(m_.at)};
-      return true;
+      found = true;
+      break;
     }
+    starts_.noteFailure(budget - m_.budget.left());
     // Without budget no later start can match.
     if (anchor_ == Anchor::kTextStart || outOfBudget()) break;
   }
-  return false;
+  reached_ = at;
+  return found;
 }
 
 // Copies slots [first, last) behind the records that are written already.
@@ -164,9 +171,14 @@ ulkStatus Search::findOnce(ulkRegExpFind* records, int32_t* numRecords, bool who
   m_.options = state_.options & kMatcherOptions;
   m_.nonEmpty = false;
   m_.budget.start(state_.matchLimit, payExactly);
+  m_.textEnd = end_;
   numWritten_ = 0;
-  if (state_.options & RX_OPT_GLOBAL) return findAll(records, numRecords, wholeMatches);
-  return findOne(records, numRecords);
+  reached_ = m_.textStart;
+  starts_.begin();
+  const bool global = state_.options & RX_OPT_GLOBAL;
+  const ulkStatus status = global ? findAll(records, numRecords, wholeMatches) : findOne(records, numRecords);
+  starts_.end(reached_);
+  return status;
 }
 
 ulkStatus Search::find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches) {
@@ -174,7 +186,6 @@ ulkStatus Search::find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMa
   const ulkStatus status = findOnce(records, numRecords, wholeMatches, false);
   if (!m_.budget.mayHaveSufficed()) return status;
   *numRecords = capacity;
-  starts_.restart();
   return findOnce(records, numRecords, wholeMatches, true);
 }
 

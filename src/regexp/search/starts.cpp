@@ -38,15 +38,13 @@ auto withSet(const SmallSet& set, Run run) {
 
 }  // namespace
 
-Starts::Starts(MatchContext& m, const ulkRegExpState& state)
+Starts::Starts(MatchContext& m, ulkRegExpState& state)
     : m_(m),
       state_(state),
       filter_(startFilterOf(state)),
       set_(state.frames[kStartSetFrame].bytes),
       pair_(state.frames[kStartPairFrame].pair),
-      asciiEnd_(nullptr),
-      runEnd_(nullptr),
-      attemptsEnd_(nullptr) {}
+      prefilter_(m, state) {}
 
 // How far to look before paying, lest a small budget reads a long text. A search for a string has to set up
 // and to look beyond the stride as well, so a long one takes longer strides.
@@ -138,6 +136,7 @@ int32_t Starts::find(const uint8_t* at, int32_t length) const {
 const uint8_t* Starts::passOutsideSet(const uint8_t* at, const uint8_t* end) {
   int32_t starts = 0;
   for (; at < end && !set_.contains(*at); ++starts) at = *at < 0x80 ? at + 1 : characterAfter(at);
+  prefilter_.addWork(starts / kBytesPerWork);
   pay(int64_t{starts} * filter_.steps);
   return at;
 }
@@ -190,7 +189,7 @@ const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) 
 bool Starts::lacksLiterals(const uint8_t* at) const {
   if (itemLength(m_, m_.nodes[pair_.firstLiteral], at) != kNoMatch) return false;
   for (const RxNode* bar = m_.nodes + pair_.literalBar; bar; bar = nextBar(*bar))
-    if (itemLength(m_, bar[1], at) != kNoMatch) return false;
+    if (codeOf(bar[1]) != RX_ASSERT && itemLength(m_, bar[1], at) != kNoMatch) return false;
   return true;
 }
 
@@ -228,6 +227,7 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
   if (at >= runEnd_) {
     runEnd_ = at;
     while (runEnd_ < m_.textEnd && *runEnd_ < 0x80 && set_.contains(*runEnd_)) ++runEnd_;
+    prefilter_.addWork(static_cast<int32_t>(runEnd_ - at) / kBytesPerWork);
   }
   const uint8_t* const end = std::min(runEnd_, m_.textEnd);
   attemptsEnd_ = filter_.kind == StartKind::kBoundary ? at : end;
@@ -311,6 +311,8 @@ bool Starts::passPairless(const uint8_t*& at, const uint8_t* end) {
 const uint8_t* Starts::skip(const uint8_t* at) {
   constexpr ptrdiff_t kNear = 8;
   while (at < m_.textEnd && !m_.budget.isExhausted()) {
+    prefilter_.addWork(1);
+    if (prefilter_.use(at)) return prefilter_.next(at);
     const uint8_t* const end = at + std::min(m_.textEnd - at, stride());
     if (filter_.kind == StartKind::kBoundary) {
       at = passNonBoundaries(at, end);

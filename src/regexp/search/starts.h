@@ -7,25 +7,35 @@
 #include "regexp/analysis/start_filter.h"
 #include "regexp/match/follow.h"
 #include "regexp/match/matcher.h"
+#include "regexp/search/prefilter.h"
 
 namespace ulk {
 
 // Goes over the start positions of one search.
 class Starts {
  public:
-  Starts(MatchContext& m, const ulkRegExpState& state);
+  Starts(MatchContext& m, ulkRegExpState& state);
 
   // The first position from `at` on that needs an attempt, at most the text's end; pays for those before it.
   // Where the budget does not suffice, it is exhausted and the position returned does not matter.
   const uint8_t* next(const uint8_t* at) {
+    if (prefilter_.use(at)) return prefilter_.next(at);
     if (at < attemptsEnd_ || filter_.kind == StartKind::kAny ||
         (filter_.options & kMatcherOptions) != m_.options)
       return at;
     return skip(at);
   }
 
-  // The search begins anew.
-  void restart() { asciiEnd_ = runEnd_ = attemptsEnd_ = nullptr; }
+  // To be told of the steps of an attempt that has failed.
+  void noteFailure(int32_t steps) { prefilter_.addWork(1 + steps / kStepsPerWork); }
+
+  // A search begins, whose text and budget are known,
+  void begin() {
+    asciiEnd_ = runEnd_ = attemptsEnd_ = nullptr;
+    prefilter_.begin();
+  }
+  // and ends when it has come to this place.
+  void end(const uint8_t* at) { prefilter_.end(at); }
 
  private:
   const uint8_t* skip(const uint8_t* at);
@@ -48,6 +58,9 @@ class Starts {
   void pay(int64_t steps) { m_.budget.pay(steps); }
   ptrdiff_t stride() const;
 
+  static constexpr int32_t kStepsPerWork = 4;
+  static constexpr int32_t kBytesPerWork = 4;  // looked at one by one
+
   MatchContext& m_;
   const ulkRegExpState& state_;
   const StartFilter& filter_;
@@ -56,6 +69,7 @@ class Starts {
   const uint8_t* asciiEnd_;     // of the ASCII text that was looked at last
   const uint8_t* runEnd_;       // of the run that was looked at last
   const uint8_t* attemptsEnd_;  // all positions before it need attempts
+  Prefilter prefilter_;
 };
 
 }  // namespace ulk

@@ -1,0 +1,111 @@
+#include "regexp/search/prefilter.h"
+
+#include <algorithm>
+
+#include "regexp/analysis/start_filter.h"
+#include "regexp/text/utf8.h"
+
+namespace ulk {
+
+namespace {
+
+constexpr int32_t kNever = INT32_MAX;
+constexpr int32_t kLeastWork = 512;      // that says anything, and outweighs the making of an automaton
+constexpr int32_t kBytesPerWork = 5;     // that the automaton reads in the time of an attempt in vain,
+constexpr int32_t kBytesMeasured = 256;  // and whose runs are measured then
+constexpr int32_t kManyBytes = 1 << 17;  // after which texts may have become others
+
+// The first place at `place` or behind it where a character begins, if one begins at `at` before it.
+const uint8_t* characterFrom(const uint8_t* place, const uint8_t* at) {
+  const uint8_t* lead = place;
+  while (lead > at && place - lead < 5 && isContinuation(*lead)) --lead;
+  return std::max(place, lead + decodeUtf8(lead).length);
+}
+
+}  // namespace
+
+void Prefilter::begin() {
+  const StartFilter& filter = startFilterOf(state_);
+  isOn_ = false;
+  work_ = 0;
+  since_ = m_.textStart;
+  nextLook_ = kNever;
+  if (!filter.hasFrames || filter.anchor != Anchor::kNone || m_.budget.paysExactly()) return;
+  switch (note().use) {
+    case PrefilterUse::kUndecided:
+    case PrefilterUse::kOff:
+      nextLook_ = std::max(kLeastWork - note().work, 1);
+      break;
+    case PrefilterUse::kOn:
+      turnOn(m_.textStart);
+      break;
+    case PrefilterUse::kUseless:
+      break;
+  }
+}
+
+void Prefilter::end(const uint8_t* at) {
+  if (nextLook_ == kNever) return;
+  note().work += work_;
+  note().bytes += static_cast<int32_t>(std::min<ptrdiff_t>(bytesTo(at), kManyBytes));
+  if (note().bytes >= kManyBytes) note() = {isOn_ ? PrefilterUse::kOff : note().use, note().frame, 0, 0};
+}
+
+// What the automaton has to read until the search has come to this place.
+ptrdiff_t Prefilter::bytesTo(const uint8_t* at) const {
+  return std::min<ptrdiff_t>(at - since_ + Candidates::kBlock, m_.textEnd - since_);
+}
+
+// Turns candidates on if they will take less time than attempts do, as far as is known, and off for good if
+// they leave too many attempts.
+bool Prefilter::decide(const uint8_t* at) {
+  const int64_t work = int64_t{note().work} + work_;
+  const int64_t bytes = int64_t{note().bytes} + bytesTo(at);
+  nextLook_ = work_ + work_ / 4 + 1;
+  if (work < kLeastWork || work * kBytesPerWork < bytes) return isOn_;
+  if (isOn_) {
+    turnOff(PrefilterUse::kUseless);
+  } else if (!m_.nonEmpty && work > (m_.textEnd - at) / kBytesMeasured) {
+    turnOn(at);
+  }
+  return isOn_;
+}
+
+void Prefilter::turnOff(PrefilterUse use) {
+  isOn_ = false;
+  nextLook_ = kNever;
+  note().use = use;
+}
+
+bool Prefilter::turnOn(const uint8_t* at) {
+  if (note().use == PrefilterUse::kUndecided) {
+    note().frame = Candidates::make(state_);
+    note().use = note().frame > 0 ? PrefilterUse::kOff : PrefilterUse::kUseless;
+  }
+  nextLook_ = kNever;
+  if (note().use == PrefilterUse::kUseless) return false;
+  candidates_ = Candidates::in(state_, note().frame);
+  if (!candidates_->begin(state_, at, m_.textEnd, m_.budget.left())) return false;
+  if (note().use == PrefilterUse::kOff) note() = {PrefilterUse::kOn, note().frame, 0, 0};
+  isOn_ = true;
+  work_ = 0;
+  since_ = at;
+  nextLook_ = kLeastWork;
+  return true;
+}
+
+const uint8_t* Prefilter::next(const uint8_t* at) {
+  if (m_.nonEmpty) return at;
+  const bool isUtf8 = state_.format == kFormatUtf8;
+  const uint8_t* candidate = candidates_->next(at);
+  while (isUtf8 && candidate > at && candidate < m_.textEnd && isContinuation(*candidate)) {
+    const uint8_t* const start = characterFrom(candidate, at);
+    if (start == candidate) break;
+    candidate = candidates_->next(start);
+  }
+  if (candidates_->givesUp()) turnOff(PrefilterUse::kUseless);
+  m_.budget.payBound((candidate - at) * candidates_->attemptBound());
+  return candidate;
+}
+
+}  // namespace ulk
