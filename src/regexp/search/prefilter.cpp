@@ -15,13 +15,6 @@ constexpr int32_t kBytesPerWork = 5;     // that the automaton reads in the time
 constexpr int32_t kBytesMeasured = 256;  // and whose runs are measured then
 constexpr int32_t kManyBytes = 1 << 17;  // after which texts may have become others
 
-// The first place at `place` or behind it where a character begins, if one begins at `at` before it.
-const uint8_t* characterFrom(const uint8_t* place, const uint8_t* at) {
-  const uint8_t* lead = place;
-  while (lead > at && place - lead < 5 && isContinuation(*lead)) --lead;
-  return std::max(place, lead + decodeUtf8(lead).length);
-}
-
 }  // namespace
 
 void Prefilter::begin() {
@@ -96,12 +89,10 @@ bool Prefilter::turnOn(const uint8_t* at) {
 
 const uint8_t* Prefilter::next(const uint8_t* at) {
   if (m_.nonEmpty) return at;
-  const bool isUtf8 = state_.format == kFormatUtf8;
   const uint8_t* candidate = candidates_->next(at);
-  while (isUtf8 && candidate > at && candidate < m_.textEnd && isContinuation(*candidate)) {
-    const uint8_t* const start = characterFrom(candidate, at);
-    if (start == candidate) break;
-    candidate = candidates_->next(start);
+  if (state_.format == kFormatUtf8) {
+    const uint8_t* start;
+    while ((start = characterFrom(candidate, at)) != candidate) candidate = candidates_->next(start);
   }
   if (candidates_->givesUp()) turnOff(PrefilterUse::kUseless);
   m_.budget.payBound((candidate - at) * candidates_->attemptBound());

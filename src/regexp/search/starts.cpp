@@ -23,13 +23,6 @@ size_t asciiPrefix(const uint8_t* text, size_t length) {
   return i;
 }
 
-// The end, or that of the character which begins at `at` or later and reaches over it.
-const uint8_t* behindCharacters(const uint8_t* at, const uint8_t* end) {
-  const uint8_t* lead = end;
-  while (lead > at && end - lead < 6 && isContinuation(lead[-1])) --lead;
-  return lead > at ? std::max(end, lead - 1 + decodeUtf8(lead - 1).length) : end;
-}
-
 // Calls `run` with the set in the form for vectors.
 template <class Run>
 auto withSet(const SmallSet& set, Run run) {
@@ -88,7 +81,7 @@ const uint8_t* Starts::payForAll(const uint8_t* at, const uint8_t* end) {
   }
   if (filter_.ascii && !m_.budget.paysExactly()) {
     m_.budget.payBound(starts * filter_.steps);
-    return behindCharacters(at, end);
+    return characterFrom(end, at);
   }
   starts = passCharacters(at, end);
   pay(starts * filter_.steps);
