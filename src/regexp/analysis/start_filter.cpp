@@ -258,9 +258,10 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   filter.steps = items.steps;
   filter.boundarySteps = items.boundarySteps;
   filter.item = items.itemOptions == filter.options ? items.soleItem : -1;
-  filter.once = filter.item >= 0 && !quantifierOf(nodes, state.numNodes, filter.item);
-  filter.run = runOf(nodes, state.numNodes, filter.item, filter.options);
   filter.kind = kindOf(items, nodes, filter);
+  // Of the bytes of a run one is at a word boundary.
+  if (filter.kind != StartKind::kBoundary)
+    filter.run = runOf(nodes, state.numNodes, filter.item, filter.options);
   filter.ascii = !(items.set.words[4] | items.set.words[5] | items.set.words[6] | items.set.words[7]);
   filter.literals = beginsWithLiterals(state, filter);
   if (filter.kind != StartKind::kAny) state.frames[kStartSetFrame].bytes = items.set;

@@ -94,7 +94,6 @@ struct StartFilter {
   bool hasFrames : 1;  // the frames named below belong to no group
   bool literals : 1;   // there are several ways to begin, each with a literal, which the pair's frame tells
   bool ascii : 1;      // no match begins with a byte from 0x80 on
-  bool once : 1;       // a match begins with `item` once, which is not quantified
   bool hasPair : 1;    // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
   SmallSet small;      // the set, where it is one
   int32_t steps;       // that an attempt elsewhere costs

@@ -13,7 +13,7 @@ namespace ulk {
 namespace {
 
 constexpr PositionSet kAllPositions = ~PositionSet{0};
-constexpr int32_t kUsualRun = 16;
+constexpr int32_t kUsualRun = 32;
 
 ULK_INLINE uint16_t loadEntry(const uint8_t* place) {
   uint16_t entry;

@@ -113,6 +113,7 @@ bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
     const int32_t budget = m_.budget.left();
     if (at <= end && budget >= 0 && matchAt(at)) {
       state_.captures[0] = {at, m_.lengthTo(m_.at)};
+      starts_.noteMatch();
       found = true;
       break;
     }

@@ -26,12 +26,19 @@ class Starts {
     return skip(at);
   }
 
-  // To be told of the steps of an attempt that has failed.
-  void noteFailure(int32_t steps) { prefilter_.addWork(1 + steps / kStepsPerWork); }
+  // To be told of an attempt that has failed, and of its steps.
+  void noteFailure(int32_t steps) {
+    lastFailed_ = true;
+    prefilter_.addWork(kWorkPerAttempt + steps / kStepsPerWork);
+  }
+
+  void noteMatch() { lastFailed_ = false; }
 
   // A search begins, whose text and budget are known,
   void begin() {
     asciiEnd_ = runEnd_ = attemptsEnd_ = nullptr;
+    lastFailed_ = false;
+    stride_ = stride();
     prefilter_.begin();
   }
   // and ends when it has come to this place.
@@ -44,8 +51,7 @@ class Starts {
   const uint8_t* asciiEnd(const uint8_t* at);
   int32_t passCharacters(const uint8_t*& at, const uint8_t* end);
   bool lacksLiterals(const uint8_t* at) const;
-  int32_t stepsToMissingItem(const uint8_t* at) const;
-  int32_t hopelessSteps(const uint8_t* at) const;
+  bool passFiltered(const uint8_t*& at, const uint8_t* end);
   const uint8_t* passRun(const uint8_t* at);
   const uint8_t* passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow);
   const uint8_t* passOutsideSet(const uint8_t* at, const uint8_t* end);
@@ -57,8 +63,12 @@ class Starts {
   const uint8_t* payForAll(const uint8_t* at, const uint8_t* end);
   void pay(int64_t steps) { m_.budget.pay(steps); }
   ptrdiff_t stride() const;
+  const uint8_t* strideFrom(const uint8_t* at) const {
+    return m_.textEnd - at > stride_ ? at + stride_ : m_.textEnd;
+  }
 
-  static constexpr int32_t kStepsPerWork = 4;
+  static constexpr int32_t kWorkPerAttempt = 2;
+  static constexpr int32_t kStepsPerWork = 2;
   static constexpr int32_t kBytesPerWork = 4;  // looked at one by one
 
   MatchContext& m_;
@@ -69,6 +79,8 @@ class Starts {
   const uint8_t* asciiEnd_;     // of the ASCII text that was looked at last
   const uint8_t* runEnd_;       // of the run that was looked at last
   const uint8_t* attemptsEnd_;  // all positions before it need attempts
+  bool lastFailed_;             // the last attempt did
+  ptrdiff_t stride_;            // how far to look before paying
   Prefilter prefilter_;
 };
 
