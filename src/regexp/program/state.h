@@ -8,6 +8,7 @@
 
 #include "regexp/program/byte_set.h"
 #include "regexp/program/program.h"
+#include "regexp/program/small_set.h"
 #include "ulkch.h"
 
 namespace ulk {
@@ -47,14 +48,6 @@ struct OpenGroupLink {
   int32_t numAtOnce;
   bool isOpen;  // the end has not been reached
   bool refersToItself;
-};
-
-// A small set of bytes: up to four members, some repeated if there are fewer, or up to two ranges of ASCII,
-// from the first byte to the second and from the third to the fourth.
-enum class SmallSetForm : uint8_t { kNone, kMembers, kRanges };
-struct SmallSet {
-  SmallSetForm form;
-  uint8_t bytes[4];
 };
 
 // What must come right behind the first byte of a match.

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <new>
 
-#include "kernels/vec16.h"
+#include "kernels/byte_sets.h"
 #include "regexp/analysis/follow_sets.h"
 
 namespace ulk {
@@ -68,6 +68,7 @@ int32_t Candidates::make(ulkRegExpState& state) {
   if (!findRuns(state, made.runs_) || !makeAutomaton(state, made.automaton_) || !made.makeColumns()) return 0;
   std::fill_n(made.runs_.longest, Runs::kMax, kUsualRun);
   made.attemptBound_ = stepBound(state, made.runs_);
+  made.usesPair_ = findRarePair(made.automaton_, made.pair_);
   made.flush();
   return room.first;
 }
@@ -193,7 +194,7 @@ bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const u
   return false;
 }
 
-const uint8_t* Candidates::next(const uint8_t* at) {
+const uint8_t* Candidates::nextInBlocks(const uint8_t* at) {
   while (at < textEnd_ && !givesUp()) {
     if (at < blockBegin_ || at >= blockEnd_) readBlock(at);
     auto place = static_cast<uint32_t>(at - blockBegin_);
@@ -208,6 +209,33 @@ const uint8_t* Candidates::next(const uint8_t* at) {
     at = blockEnd_;
   }
   return at;
+}
+
+// ---- The pair
+
+namespace {
+
+// Calls `run` with the set in the form for vectors.
+template <class Run>
+ULK_INLINE auto withSet(const SmallSet& set, Run run) {
+  if (set.form == SmallSetForm::kRanges) return run(TwoRanges(set.bytes));
+  const bool isOne = std::count(set.bytes, set.bytes + 4, set.bytes[0]) == 4;
+  return isOne ? run(OneByte(set.bytes)) : run(FourBytes(set.bytes));
+}
+
+}  // namespace
+
+const uint8_t* Candidates::nextPair(const uint8_t* at) const {
+  const ptrdiff_t places = textEnd_ - at - std::max(pair_.firstAt, pair_.secondAt);
+  if (places <= 0) return std::max(at, textEnd_);
+  const int32_t found = withSet(pair_.first, [&](auto first) {
+    return withSet(pair_.second, [&](auto second) {
+      TwoSetsProbe<decltype(first), decltype(second)> probe{at + pair_.firstAt, at + pair_.secondAt, first,
+                                                            second};
+      return scan<Forward>(at, static_cast<size_t>(places), probe);
+    });
+  });
+  return found < 0 ? textEnd_ : at + found;
 }
 
 }  // namespace ulk

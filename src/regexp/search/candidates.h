@@ -1,14 +1,16 @@
-// Where in a text a match may begin, by an automaton that reads the text backwards.
+// Where in a text a match may begin: at a rare pair of bytes (rare_pair.h), or by an automaton that reads the
+// text backwards.
 //
-// Its states are sets of positions (position_automaton.h): those from which the bytes up to the end of what
-// was read can be the beginning of a match, or all of one. They are made when a text leads to them first. A
-// text is read in blocks, each from a little behind its end, where any position may be alive. What comes out
-// is a bit for each byte.
+// The automaton's states are sets of positions (position_automaton.h): those from which the bytes up to the
+// end of what was read can be the beginning of a match, or all of one. They are made when a text leads to
+// them first. A text is read in blocks, each from a little behind its end, where any position may be alive.
+// What comes out is a bit for each byte.
 #pragma once
 
 #include <cstdint>
 
 #include "regexp/analysis/position_automaton.h"
+#include "regexp/analysis/rare_pair.h"
 #include "regexp/analysis/step_bound.h"
 
 namespace ulk {
@@ -27,9 +29,13 @@ class Candidates {
   // For a text. False if attempts at all its places might take more steps than that.
   bool begin(const ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd, int32_t steps);
 
+  bool usesPair() const { return usesPair_; }
+  // The pair is not rare in the texts that are searched.
+  void dropPair() { usesPair_ = false; }
+
   // The first candidate from `at` on, the text's end if there is none. All of [at, ...) are candidates while
   // the automaton has too many states.
-  const uint8_t* next(const uint8_t* at);
+  const uint8_t* next(const uint8_t* at) { return usesPair_ ? nextPair(at) : nextInBlocks(at); }
 
   bool givesUp() const { return numFlushes_ > kMaxFlushes; }
 
@@ -54,6 +60,11 @@ class Candidates {
   uint32_t readChunk(const uint8_t* chunk, int32_t length, uint16_t& row);
   uint32_t readNewChunk(const uint8_t* chunk, int32_t length, uint16_t& row);
   void readBlock(const uint8_t* begin);
+  const uint8_t* nextInBlocks(const uint8_t* at);
+  const uint8_t* nextPair(const uint8_t* at) const;
+
+  bool usesPair_;
+  RarePair pair_;
 
   PositionAutomaton automaton_;
   int32_t numColumns_;

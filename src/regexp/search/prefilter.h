@@ -34,7 +34,9 @@ class Prefilter {
 
  private:
   PrefilterNote& note() { return state_.frames[kPrefilterFrame].prefilter; }
-  ptrdiff_t bytesTo(const uint8_t* at) const;
+  ptrdiff_t bytesInBlocks(const uint8_t* at) const;
+  bool takesLess(const uint8_t* at) const;
+  void make();
   bool decide(const uint8_t* at);
   bool turnOn(const uint8_t* at);
   void turnOff(PrefilterUse use);

@@ -295,7 +295,7 @@ bool Starts::passFiltered(const uint8_t*& at, const uint8_t* end) {
 }
 
 const uint8_t* Starts::skip(const uint8_t* at) {
-  for (; at < m_.textEnd && !m_.budget.isExhausted(); prefilter_.addWork(1)) {
+  for (; at < m_.textEnd && !m_.budget.isExhausted(); prefilter_.addWork(kWorkPerHit)) {
     if (prefilter_.use(at)) return prefilter_.next(at);
     if (!passFiltered(at, strideFrom(at))) continue;
     if (filter_.literals && lacksLiterals(at)) {

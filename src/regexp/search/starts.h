@@ -67,6 +67,7 @@ class Starts {
     return m_.textEnd - at > stride_ ? at + stride_ : m_.textEnd;
   }
 
+  static constexpr int32_t kWorkPerHit = 4;  // of the filter that turns out to be in vain
   static constexpr int32_t kWorkPerAttempt = 2;
   static constexpr int32_t kStepsPerWork = 2;
   static constexpr int32_t kBytesPerWork = 4;  // looked at one by one
