@@ -2,7 +2,7 @@
 //
 // It depends on the text by the runs that the unbounded repeats can take alone: of how many characters the
 // longest is. So the bound is found in three parts: which runs matter, how long they are in a text, and what
-// that makes. Attempts that are known to fail can then be left out and paid for by their bound.
+// that makes. Where the limit allows for so many steps at every place of the text, none need be counted.
 #pragma once
 
 #include <cstdint>

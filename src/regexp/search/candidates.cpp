@@ -185,10 +185,8 @@ bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const u
   textEnd_ = textEnd;
   blockBegin_ = blockEnd_ = nullptr;
   numFlushes_ = 0;
-  const ptrdiff_t attempts = textEnd - text + 1;
-  if (attemptBound_ <= steps / attempts && boundAttempts(state, text, textEnd) &&
-      attemptBound_ <= steps / attempts)
-    return true;
+  const int64_t most = steps / (2 * (int64_t{textEnd - text} + 1));  // behind an empty match there is another
+  if (attemptBound_ <= most && boundAttempts(state, text, textEnd) && attemptBound_ <= most) return true;
   std::fill_n(runs_.longest, Runs::kMax, kUsualRun);
   attemptBound_ = stepBound(state, runs_);
   return false;

@@ -26,7 +26,7 @@ class Candidates {
     return reinterpret_cast<Candidates*>(&state.frames[frame]);
   }
 
-  // For a text. False if attempts at all its places might take more steps than that.
+  // For the text from a place on. False if attempts at all places might take more steps than that.
   bool begin(const ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd, int32_t steps);
 
   bool usesPair() const { return usesPair_; }
@@ -38,9 +38,6 @@ class Candidates {
   const uint8_t* next(const uint8_t* at) { return usesPair_ ? nextPair(at) : nextInBlocks(at); }
 
   bool givesUp() const { return numFlushes_ > kMaxFlushes; }
-
-  // The steps that an attempt takes at most.
-  int64_t attemptBound() const { return attemptBound_; }
 
  private:
   static constexpr int32_t kMaxColumns = 64;
@@ -81,8 +78,8 @@ class Candidates {
   uint8_t slots_[2 * (kMaxStates + 1)];  // numbers of states by their hash
   uint8_t table_[kTableBytes];
 
-  Runs runs_;  // none in the text is longer,
-  int64_t attemptBound_;
+  Runs runs_;             // none in the text is longer,
+  int64_t attemptBound_;  // so that no attempt takes more steps
 
   const uint8_t* textEnd_;
   const uint8_t* blockBegin_;

@@ -103,14 +103,12 @@ bool Prefilter::turnOn(const uint8_t* at) {
 }
 
 const uint8_t* Prefilter::next(const uint8_t* at) {
-  if (m_.nonEmpty) return at;
   const uint8_t* candidate = candidates_->next(at);
   if (state_.format == kFormatUtf8) {
     const uint8_t* start;
     while ((start = characterFrom(candidate, at)) != candidate) candidate = candidates_->next(start);
   }
   if (candidates_->givesUp()) turnOff(PrefilterUse::kUseless);
-  m_.budget.payBound((candidate - at) * candidates_->attemptBound());
   return candidate;
 }
 

@@ -4,8 +4,8 @@
 // against that of looking for candidates (candidates.h). What is known is kept in the expression's state, so
 // that over many short texts it is found out together.
 //
-// Attempts that are left out are paid for by their bound (step_bound.h). A search whose limit might not allow
-// for that goes on with attempts.
+// Attempts that are left out are not paid for: candidates are used only where the limit allows for attempts
+// at all places by their bound (step_bound.h), so that no one can tell.
 #pragma once
 
 #include <cstdint>
@@ -29,7 +29,7 @@ class Prefilter {
   // Whether candidates are to be used from this place on.
   bool use(const uint8_t* at) { return work_ < nextLook_ ? isOn_ : decide(at); }
 
-  // The first candidate from `at` on, at most the text's end. Pays for the attempts before it.
+  // The first candidate from `at` on, at most the text's end or behind a character that it cuts.
   const uint8_t* next(const uint8_t* at);
 
  private:
