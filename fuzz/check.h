@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -69,22 +70,14 @@ class WatchedBytes {
 // the bytes. The pages are kept for the next one.
 class WatchedBytes {
  public:
-  WatchedBytes(size_t bytes, size_t shift) {
-    const auto suffices = [&](const Pages& spare) {
-      return spare && static_cast<size_t>(spare->end() - spare->begin()) >= bytes + kAtEnd;
-    };
-    const auto spare = std::find_if(spares().begin(), spares().end(), suffices);
-    pages_ = spare != spares().end() ? std::move(*spare)
-                                     : std::make_unique<ulk_test::GuardedPages>(bytes + kAtEnd);
+  WatchedBytes(size_t bytes, size_t shift) : pages_(Spares::all().take(bytes + kAtEnd)) {
+    if (!pages_) pages_ = std::make_unique<ulk_test::GuardedPages>(bytes + kAtEnd);
     start_ = shift >= kAtEnd ? pages_->end() - bytes : pages_->begin() + shift;
     begin_ = std::max(pages_->begin(), start_ - kMargin);
     end_ = std::min(pages_->end(), start_ + bytes + kMargin);
   }
   WatchedBytes(WatchedBytes&&) = default;
-  ~WatchedBytes() {
-    const auto room = std::find(spares().begin(), spares().end(), nullptr);
-    if (room != spares().end()) *room = std::move(pages_);
-  }
+  ~WatchedBytes() { Spares::all().keep(std::move(pages_)); }
 
   char* begin() const { return begin_; }
   char* end() const { return end_; }
@@ -92,10 +85,32 @@ class WatchedBytes {
 
  private:
   using Pages = std::unique_ptr<ulk_test::GuardedPages>;
-  static std::vector<Pages>& spares() {
-    thread_local std::vector<Pages> kept(64);
-    return kept;
-  }
+
+  // Those of all threads: under MinGW a thread's own variables are freed before they are destroyed.
+  class Spares {
+   public:
+    static Spares& all() {
+      static Spares spares;
+      return spares;
+    }
+
+    Pages take(size_t bytes) {
+      const std::lock_guard lock(mutex_);
+      const auto spare = std::find_if(pages_.begin(), pages_.end(), [=](const Pages& pages) {
+        return pages && static_cast<size_t>(pages->end() - pages->begin()) >= bytes;
+      });
+      return spare == pages_.end() ? nullptr : std::move(*spare);
+    }
+    void keep(Pages pages) {
+      const std::lock_guard lock(mutex_);
+      const auto room = std::find(pages_.begin(), pages_.end(), nullptr);
+      if (room != pages_.end()) *room = std::move(pages);
+    }
+
+   private:
+    std::mutex mutex_;
+    std::vector<Pages> pages_{64};
+  };
 
   static constexpr ptrdiff_t kMargin = 160;
 

@@ -23,7 +23,8 @@ namespace {
 
 const char* const kFiles[] = {"items",      "repeats", "classes",      "properties",         "groups",
                               "lookaround", "atomic",  "options",      "anchors_and_search", "global_search",
-                              "limits",     "errors",  "conditionals", "everyday",           "syntax"};
+                              "limits",     "errors",  "conditionals", "everyday",           "candidates",
+                              "syntax"};
 
 std::string pathOf(const std::string& name) {
   const std::string directory = ULKCH_TEST_DATA_DIR;

@@ -8,6 +8,16 @@
 
 namespace ulk {
 
+// One member, of which `members` has four copies.
+class OneByte {
+ public:
+  ULK_INLINE explicit OneByte(const uint8_t* members) : member_(Vec16<uint8_t>::splat(members[0])) {}
+  ULK_INLINE Vec16<uint8_t> contains(Vec16<uint8_t> bytes) const { return bytes.equal(member_); }
+
+ private:
+  Vec16<uint8_t> member_;
+};
+
 // Up to four members; a smaller set repeats some.
 class FourBytes {
  public:
@@ -56,6 +66,22 @@ struct SetProbe {
     return set.contains(block.load(text));
   }
   ULK_INLINE const SetProbe& filter() const { return *this; }
+};
+
+// A byte of one set at `first`, and one of another at `second`.
+template <class First, class Second>
+struct TwoSetsProbe {
+  static constexpr bool kExact = true;
+  const uint8_t* firstText;
+  const uint8_t* secondText;
+  First first;
+  Second second;
+
+  template <class Block>
+  ULK_INLINE Vec16<uint8_t> hits(const Block& block) const {
+    return first.contains(block.load(firstText)) & second.contains(block.load(secondText));
+  }
+  ULK_INLINE const TwoSetsProbe& filter() const { return *this; }
 };
 
 // Where a search came to: the place found, or the first one that it has not decided about.

@@ -74,6 +74,10 @@ struct GeneratedExpression {
 
 GeneratedExpression generateExpression(Choices& choices);
 
+// What earlier searches have left in the state: nothing, or so many attempts in vain that candidates are
+// looked for at once, by a pair of bytes if there is one or by the automaton.
+enum class Earlier { kNothing, kInVain, kInVainWithoutPair };
+
 struct GeneratedSearch {
   std::string pattern;
   std::string options;
@@ -81,7 +85,8 @@ struct GeneratedSearch {
   std::string behind;  // what stands behind the text, before a zero byte
   int32_t format = 1;
   int32_t capacity = 64;
-  bool replace = false;    // the search of a replacement
+  bool replace = false;  // the search of a replacement
+  Earlier earlier = Earlier::kNothing;
   int32_t limitShare = 0;  // one limit to try is this share of the steps needed, in 256ths
 };
 

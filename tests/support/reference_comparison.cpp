@@ -7,8 +7,10 @@
 #include <cstring>
 #include <functional>
 
+#include "regexp/analysis/start_filter.h"
 #include "regexp/compile/compiler.h"
 #include "regexp/program/state.h"
+#include "regexp/search/candidates.h"
 #include "regexp/search/search.h"
 
 namespace ulk_test {
@@ -105,12 +107,25 @@ Outcome Comparison::reference(const GeneratedSearch& search, int32_t limit) {
           found_.records};
 }
 
+void Comparison::leaveNote(Earlier earlier) {
+  constexpr int32_t kMuch = 1 << 20;
+  if (!ulk::startFilterOf(*state()).hasFrames) return;
+  ulk::PrefilterNote& note = state()->frames[ulk::kPrefilterFrame].prefilter;
+  note = {};
+  if (earlier != Earlier::kNothing) note.work = kMuch;
+  if (earlier == Earlier::kInVainWithoutPair && (note.frame = ulk::Candidates::make(*state())) > 0) {
+    note.use = ulk::PrefilterUse::kOff;
+    ulk::Candidates::in(*state(), note.frame)->dropPair();
+  }
+}
+
 // The text ends, with what the reference has read behind it, where the memory ends.
 Outcome Comparison::library(const GeneratedSearch& search, int32_t limit) {
   auto* text = reinterpret_cast<uint8_t*>(pages_.end()) - textAndBehind_.size();
   std::memcpy(text, textAndBehind_.data(), textAndBehind_.size());
   ulksRegExpSetMatchLimit(limit, state());
   ulksRegExpSetFormat(search.format, state());
+  leaveNote(search.earlier);
   const auto length = static_cast<int32_t>(search.text.size());
   return outcomeOf(text, search.capacity, [&](ulkRegExpFind* records, int32_t* count) -> ulkStatus {
     // The number of records to be used stands for the status, which no one looks at.
@@ -160,9 +175,10 @@ std::optional<std::string> Comparison::difference(const GeneratedSearch& search)
       ++numNoRoom;
       return std::nullopt;
     }
-    const std::string replacement = search.replace ? "as the search of a replacement, " : "";
-    return "# " + replacement + "the library says " + asText(outcome) + "\n" + row(search, limit) +
-           asText(expected) + "\n";
+    const std::string how = std::string(search.replace ? "as the search of a replacement, " : "") +
+                            (search.earlier == Earlier::kNothing ? "" : "by candidates, ");
+    return "# " + how + "the library says " + asText(outcome) + "\n" + row(search, limit) + asText(expected) +
+           "\n";
   }
   return std::nullopt;
 }
@@ -187,6 +203,8 @@ GeneratedSearch Comparison::minimized(GeneratedSearch search) {
     plainer.replace = false;
     accept(plainer);
     plainer.format = 1;
+    accept(plainer);
+    plainer.earlier = Earlier::kNothing;
     accept(plainer);
     plainer.capacity = 64;
     accept(plainer);

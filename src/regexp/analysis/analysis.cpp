@@ -21,14 +21,12 @@ void resolveShorthands(ulkRegExpState& state) {
 
 void analyse(ulkRegExpState& state, SpareWords spare) {
   SpareFrames frames(state);
-  const bool hasFrames = frames.take() == kStartSetFrame && frames.take() == kStartPairFrame;
-  const bool hasWindowFrames = hasFrames && frames.takeFrom(kWindowKeysFrame);
+  const bool hasFrames = frames.takeFrom(kLastFreeFrame + 1);
   resolveShorthands(state);
   linkGroups(state);
   makeClassSets(state, spare);
   makeFollowSets(state, frames);
   makeStartFilter(state, hasFrames);
-  if (!hasWindowFrames) state.frames[0].start.window = WindowState::kNone;
   chooseSteps(state);
 }
 

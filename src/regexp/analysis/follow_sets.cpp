@@ -13,7 +13,7 @@ namespace {
 int32_t highestSerial(const RxNode* nodes, int32_t numNodes) {
   int32_t highest = 0;
   for (int32_t i = 0; i < numNodes; ++i)
-    if (nodes[i].code == RX_END) highest = std::max(highest, std::abs(serialOf(nodes[i])));
+    if (codeOf(nodes[i]) == RX_END) highest = std::max(highest, std::abs(serialOf(nodes[i])));
   return highest;
 }
 
@@ -66,6 +66,17 @@ class OptionalRow {
 
 SpareFrames::SpareFrames(const ulkRegExpState& state)
     : highestSerial_(highestSerial(state.nodes(), state.numNodes)) {}
+
+FrameRange unusedFrames(const ulkRegExpState& state) {
+  const RxNode* const nodes = state.nodes();
+  const int32_t first = highestSerial(nodes, state.numNodes) + 1;
+  const WorkFrame* end = state.frames + kLastFreeFrame + 1;
+  for (int32_t i = 0; i < state.numNodes; i = nextNode(nodes, i)) {
+    if (!isQuantifier(nodes[i]) || !followSet(nodes[i])) continue;
+    end = std::min(end, reinterpret_cast<const WorkFrame*>(followSet(nodes[i])));
+  }
+  return {first, std::max(static_cast<int32_t>(end - state.frames) - first, 0)};
+}
 
 void makeFollowSets(ulkRegExpState& state, SpareFrames& frames) {
   RxNode* const nodes = state.nodes();

@@ -28,6 +28,13 @@ class SpareFrames {
   int32_t next_ = kNumFrames - 1;
 };
 
+// The frames that nothing is kept in, when the analysis is done.
+struct FrameRange {
+  int32_t first;
+  int32_t count;
+};
+FrameRange unusedFrames(const ulkRegExpState& state);
+
 // Makes the sets of repeats, as far as there are frames for them. Those of classes are made before.
 void makeFollowSets(ulkRegExpState& state, SpareFrames& frames);
 

@@ -9,43 +9,6 @@ namespace ulk {
 
 namespace {
 
-// Lists the members of a set of up to four; false for a larger one, or an empty one.
-bool listMembers(const ByteSet256& set, uint8_t (&members)[4]) {
-  int count = 0;
-  for (int32_t c = 0; c < 256; ++c) {
-    if (!set.contains(static_cast<uint8_t>(c))) continue;
-    if (count == 4) return false;
-    members[count++] = static_cast<uint8_t>(c);
-  }
-  std::fill(members + std::max(count, 1), members + 4, members[0]);
-  return count > 0;
-}
-
-// Lists the bounds of a set of one or two ranges below 0x80; one range stands twice. False for other sets.
-bool listRanges(const ByteSet256& set, uint8_t (&bounds)[4]) {
-  int count = 0;
-  for (int32_t c = 0; c < 0x80; ++c) {
-    const bool member = set.contains(static_cast<uint8_t>(c));
-    const bool before = c > 0 && set.contains(static_cast<uint8_t>(c - 1));
-    if (member == before) continue;
-    if (count == 4) return false;
-    bounds[count++] = static_cast<uint8_t>(member ? c : c - 1);
-  }
-  if (count < 2 || count % 2 != 0 || set.words[4] | set.words[5] | set.words[6] | set.words[7]) return false;
-  if (count == 2) std::copy(bounds, bounds + 2, bounds + 2);
-  return true;
-}
-
-// Describes a small set of bytes; false for others.
-bool describe(const ByteSet256& set, SmallSet& small) {
-  if (listMembers(set, small.bytes)) {
-    small.form = SmallSetForm::kMembers;
-  } else {
-    small.form = listRanges(set, small.bytes) ? SmallSetForm::kRanges : SmallSetForm::kNone;
-  }
-  return small.form != SmallSetForm::kNone;
-}
-
 bool containsAll(const ByteSet256& set) {
   return std::all_of(set.words, set.words + 8, [](uint32_t word) { return word == ~0u; });
 }
@@ -242,6 +205,7 @@ bool describeAssertion(const ulkRegExpState& state, StartFilter& filter) {
 StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   const RxNode* const nodes = state.nodes();
   StartFilter filter{};
+  filter.hasFrames = hasFrames;
   filter.firstBar = firstTopLevelBar(nodes, state.numNodes);
   filter.anchor = anchorOf(state, filter);
   if (state.numNodes == 0 || describeAssertion(state, filter)) return filter;
@@ -257,9 +221,10 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   filter.steps = items.steps;
   filter.boundarySteps = items.boundarySteps;
   filter.item = items.itemOptions == filter.options ? items.soleItem : -1;
-  filter.once = filter.item >= 0 && !quantifierOf(nodes, state.numNodes, filter.item);
-  filter.run = runOf(nodes, state.numNodes, filter.item, filter.options);
   filter.kind = kindOf(items, nodes, filter);
+  // Of the bytes of a run one is at a word boundary.
+  if (filter.kind != StartKind::kBoundary)
+    filter.run = runOf(nodes, state.numNodes, filter.item, filter.options);
   filter.ascii = !(items.set.words[4] | items.set.words[5] | items.set.words[6] | items.set.words[7]);
   filter.literals = beginsWithLiterals(state, filter);
   if (filter.kind != StartKind::kAny) state.frames[kStartSetFrame].bytes = items.set;
@@ -277,6 +242,7 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
 
 void makeStartFilter(ulkRegExpState& state, bool hasFrames) {
   state.frames[0].start = filterFor(state, hasFrames);
+  if (hasFrames) state.frames[kPrefilterFrame].prefilter = {};
 }
 
 }  // namespace ulk

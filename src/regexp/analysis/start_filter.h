@@ -12,7 +12,7 @@
 
 namespace ulk {
 
-// `hasFrames`: kStartSetFrame and kStartPairFrame belong to no group.
+// `hasFrames`: the frames for it and for what searches note belong to no group.
 void makeStartFilter(ulkRegExpState& state, bool hasFrames);
 
 inline const StartFilter& startFilterOf(const ulkRegExpState& state) { return state.frames[0].start; }

@@ -510,7 +510,7 @@ uint8_t effortOf(StartKind kind) {
 }
 
 bool WindowFinder::find() {
-  if (isRestricted(state_) || !keepsOptions(state_)) return false;
+  if (!state_.frames[0].start.hasFrames || isRestricted(state_) || !keepsOptions(state_)) return false;
   const uint32_t options = state_.options;
   window_.shortest = kMaxKeySize;
   walk(0, {}, options, nullptr);

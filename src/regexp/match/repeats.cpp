@@ -328,6 +328,8 @@ Utf8Char characterFor(const MatchContext& m, const RxNode& item, const uint8_t* 
 // match as it stands, whatever follows in the program.
 ULK_STEP continueLazyCodePoint(const uint8_t* at, const RxNode* item, MatchContext& m) {
   auto& choice = m.choices.top<LazyChoice>();
+  // The search that is to be made again might not come to the end of the text at all.
+  if (m.budget.mayHaveSufficed()) return failRepeat(m);
   for (;;) {
     const Utf8Char character = characterFor(m, *item, at);
     if (!codePointAccepts(*item, character.value, m.options)) return runMatched(at, item, m);
@@ -343,8 +345,8 @@ ULK_STEP continueLazyCodePoint(const uint8_t* at, const RxNode* item, MatchConte
 ULK_STEP continueLazyProperty(const uint8_t* at, const RxNode* item, MatchContext& m) {
   auto& choice = m.choices.top<LazyChoice>();
   for (;;) {
-    const Utf8Char character = decodeUtf8(at);
     if (m.budget.isExhausted()) return failRepeat(m);
+    const Utf8Char character = decodeUtf8(at);
     if (propertyAccepts(*item, character.value)) break;
     at += character.length;
     if (!takeCharacter(m, choice, at)) return failRepeat(m);

@@ -8,6 +8,7 @@
 
 #include "regexp/program/byte_set.h"
 #include "regexp/program/program.h"
+#include "regexp/program/small_set.h"
 #include "regexp/program/window.h"
 #include "ulkch.h"
 
@@ -50,14 +51,6 @@ struct OpenGroupLink {
   bool refersToItself;
 };
 
-// A small set of bytes: up to four members, some repeated if there are fewer, or up to two ranges of ASCII,
-// from the first byte to the second and from the third to the fourth.
-enum class SmallSetForm : uint8_t { kNone, kMembers, kRanges };
-struct SmallSet {
-  SmallSetForm form;
-  uint8_t bytes[4];
-};
-
 // What must come right behind the first byte of a match.
 struct StartPair {
   SmallSet second;     // one of these bytes,
@@ -95,11 +88,11 @@ struct StartFilter {
   Anchor anchor;
   StartKind kind;
   uint8_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
-  bool literals;    // there are several ways to begin, each with a literal, which the same frame tells
-  bool ascii;       // no match begins with a byte from 0x80 on
-  bool once : 1;    // a match begins with `item` once, which is not quantified
+  bool hasFrames : 1;  // the frames named below belong to no group
+  bool literals : 1;   // there are several ways to begin, each with a literal, which the pair's frame tells
+  bool ascii : 1;      // no match begins with a byte from 0x80 on
+  bool hasPair : 1;    // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
   WindowState window : 2;
-  bool hasPair;           // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
   SmallSet small;         // the set, where it is one
   int32_t steps;          // that an attempt elsewhere costs
   int32_t boundarySteps;  // that it costs where there is no word boundary
@@ -109,10 +102,25 @@ struct StartFilter {
 };
 inline constexpr int32_t kStartSetFrame = kNumFrames - 1;
 inline constexpr int32_t kStartPairFrame = kNumFrames - 2;
-inline constexpr int32_t kWindowFrame = kNumFrames - 3;
-inline constexpr int32_t kWindowSetFrame = kNumFrames - 4;
-inline constexpr int32_t kWindowKeysFrame =
-    kWindowSetFrame - kMaxWindowKeys / kKeysInFrame;  // and those above
+inline constexpr int32_t kPrefilterFrame = kNumFrames - 3;
+inline constexpr int32_t kWindowFrame = kNumFrames - 4;
+inline constexpr int32_t kWindowSetFrame = kNumFrames - 5;
+inline constexpr int32_t kWindowKeysFrame = kWindowSetFrame - kMaxWindowKeys / kKeysInFrame;  // and behind it
+inline constexpr int32_t kLastFreeFrame = kWindowKeysFrame - 1;
+
+// What searches have found out about looking for candidates (prefilter.h).
+enum class PrefilterUse : uint8_t {
+  kUndecided,
+  kOff,
+  kOn,
+  kUseless,  // there is no room for it, or it tells too little
+};
+struct PrefilterNote {
+  PrefilterUse use;
+  int32_t frame;  // where the automaton lies, once it is made
+  int32_t work;   // that searches have done in vain,
+  int32_t bytes;  // and in so many bytes, since that was last decided
+};
 
 // One frame of the work area. Frame 0 and those above the highest serial belong to no group; what the
 // compiler finds out to make searching fast is kept there: the start filter in frame 0, byte sets from the
@@ -123,6 +131,7 @@ union WorkFrame {
   ByteSet256 bytes;
   StartFilter start;
   StartPair pair;
+  PrefilterNote prefilter;
   Window window;
   WindowKey keys[kKeysInFrame];
 };

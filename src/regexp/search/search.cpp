@@ -58,6 +58,7 @@ class Search {
   Starts starts_;
   const Anchor anchor_;
   const uint8_t* const end_;
+  const uint8_t* reached_;  // where attempts have been made or left out
   int32_t numWritten_ = 0;
   alignas(RunChoice) std::byte choices_[kSearchChoices];
 };
@@ -65,13 +66,22 @@ class Search {
 // Finds the first match that begins at `start` or later in a text that ends at `end`.
 bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
   m_.textEnd = end;
-  for (const uint8_t* at = start; at <= end; at = nextStart(m_, state_, at)) {
+  const uint8_t* at = start;
+  bool found = false;
+  for (; at <= end; at = nextStart(m_, state_, at)) {
     if (anchor_ == Anchor::kNone) at = starts_.next(at);
-    if (at <= end && !outOfBudget() && matchAt(m_, state_, at)) return true;
+    const int32_t budget = m_.budget.left();
+    if (at <= end && budget >= 0 && matchAt(m_, state_, at)) {
+      starts_.noteMatch();
+      found = true;
+      break;
+    }
+    starts_.noteFailure(budget - m_.budget.left());
     // Without budget no later start can match.
     if (anchor_ == Anchor::kTextStart || outOfBudget()) break;
   }
-  return false;
+  reached_ = at;
+  return found;
 }
 
 // Copies slots [first, last) behind the records that are written already.
@@ -121,9 +131,14 @@ ulkStatus Search::findOnce(ulkRegExpFind* records, int32_t* numRecords, bool who
   m_.options = state_.options & kMatcherOptions;
   m_.nonEmpty = false;
   m_.budget.start(state_.matchLimit, payExactly);
+  m_.textEnd = end_;
   numWritten_ = 0;
-  if (state_.options & RX_OPT_GLOBAL) return findAll(records, numRecords, wholeMatches);
-  return findOne(records, numRecords);
+  reached_ = m_.textStart;
+  starts_.begin();
+  const bool global = state_.options & RX_OPT_GLOBAL;
+  const ulkStatus status = global ? findAll(records, numRecords, wholeMatches) : findOne(records, numRecords);
+  starts_.end(reached_);
+  return status;
 }
 
 ulkStatus Search::find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches) {
@@ -131,7 +146,6 @@ ulkStatus Search::find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMa
   const ulkStatus status = findOnce(records, numRecords, wholeMatches, false);
   if (!m_.budget.mayHaveSufficed()) return status;
   *numRecords = capacity;
-  starts_.restart();
   return findOnce(records, numRecords, wholeMatches, true);
 }
 

@@ -51,7 +51,7 @@ bool hasWindow(const ulkRegExpState& state) {
 }
 
 // A part of the text where no run of bytes of a set has that length.
-struct Runs {
+struct KnownRuns {
   ByteSet256 set;
   int32_t from;
   int32_t to;
@@ -108,7 +108,7 @@ class SetScan {
   int32_t effort_ = 0;               // for a byte, if all of them were searched for by themselves
   uint8_t shortSize_ = kMaxKeySize;  // of the keys of less than four bytes
   bool isSmall_ = false;             // the table
-  Runs runs_{{}, 0, 0, 0};           // what is known of some
+  KnownRuns runs_{{}, 0, 0, 0};      // what is known of some
   Slot slots_[kMostSlots];
   Entry entries_[kMostKeys + 1];
   uint16_t heads_[kNumChains];       // of chains of entries

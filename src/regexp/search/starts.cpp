@@ -23,13 +23,6 @@ size_t asciiPrefix(const uint8_t* text, size_t length) {
   return i;
 }
 
-// The end, or that of the character which begins at `at` or later and reaches over it.
-const uint8_t* behindCharacters(const uint8_t* at, const uint8_t* end) {
-  const uint8_t* lead = end;
-  while (lead > at && end - lead < 6 && isContinuation(lead[-1])) --lead;
-  return lead > at ? std::max(end, lead - 1 + decodeUtf8(lead - 1).length) : end;
-}
-
 // Calls `run` with the set in the form for vectors.
 template <class Run>
 auto withSet(const SmallSet& set, Run run) {
@@ -38,21 +31,20 @@ auto withSet(const SmallSet& set, Run run) {
 
 }  // namespace
 
-Starts::Starts(MatchContext& m, const ulkRegExpState& state)
+Starts::Starts(MatchContext& m, ulkRegExpState& state)
     : m_(m),
       state_(state),
       filter_(startFilterOf(state)),
       set_(state.frames[kStartSetFrame].bytes),
       pair_(state.frames[kStartPairFrame].pair),
-      asciiEnd_(nullptr),
-      runEnd_(nullptr),
-      attemptsEnd_(nullptr) {}
+      prefilter_(m, state) {}
 
 // How far to look before paying, lest a small budget reads a long text. A search for a string has to set up
 // and to look beyond the stride as well, so a long one takes longer strides.
 ptrdiff_t Starts::stride() const {
   constexpr ptrdiff_t kLeast = 4096;
-  if (!m_.budget.paysExactly()) return std::max<ptrdiff_t>(kLeast, m_.budget.left() / filter_.steps);
+  if (!m_.budget.paysExactly())
+    return std::max<ptrdiff_t>(kLeast, m_.budget.left() / std::max(filter_.steps, 1));
   const bool isString = filter_.kind == StartKind::kString || filter_.kind == StartKind::kCaselessString;
   return isString ? std::max<ptrdiff_t>(kLeast, 4 * ptrdiff_t{stringLength(m_.nodes[filter_.item])}) : kLeast;
 }
@@ -63,8 +55,7 @@ const uint8_t* Starts::characterAfter(const uint8_t* at) const {
 
 // Where the ASCII text ends that begins at this place, or how far that is known.
 const uint8_t* Starts::asciiEnd(const uint8_t* at) {
-  if (asciiEnd_ <= at)
-    asciiEnd_ = at + asciiPrefix(at, static_cast<size_t>(std::min(m_.textEnd - at, stride())));
+  if (asciiEnd_ <= at) asciiEnd_ = at + asciiPrefix(at, static_cast<size_t>(strideFrom(at) - at));
   return asciiEnd_;
 }
 
@@ -90,7 +81,7 @@ const uint8_t* Starts::payForAll(const uint8_t* at, const uint8_t* end) {
   }
   if (filter_.ascii && !m_.budget.paysExactly()) {
     m_.budget.payBound(starts * filter_.steps);
-    return behindCharacters(at, end);
+    return end < m_.textEnd && *end < 0x80 ? end : characterFrom(end, at);
   }
   starts = passCharacters(at, end);
   pay(starts * filter_.steps);
@@ -138,6 +129,7 @@ int32_t Starts::find(const uint8_t* at, int32_t length) const {
 const uint8_t* Starts::passOutsideSet(const uint8_t* at, const uint8_t* end) {
   int32_t starts = 0;
   for (; at < end && !set_.contains(*at); ++starts) at = *at < 0x80 ? at + 1 : characterAfter(at);
+  prefilter_.addWork(starts / kBytesPerWork);
   pay(int64_t{starts} * filter_.steps);
   return at;
 }
@@ -190,47 +182,25 @@ const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) 
 bool Starts::lacksLiterals(const uint8_t* at) const {
   if (itemLength(m_, m_.nodes[pair_.firstLiteral], at) != kNoMatch) return false;
   for (const RxNode* bar = m_.nodes + pair_.literalBar; bar; bar = nextBar(*bar))
-    if (itemLength(m_, bar[1], at) != kNoMatch) return false;
+    if (codeOf(bar[1]) != RX_ASSERT && itemLength(m_, bar[1], at) != kNoMatch) return false;
   return true;
 }
 
-// What an attempt at this place costs that fails in one of the items that come first, each once; 0 if it gets
-// further.
-int32_t Starts::stepsToMissingItem(const uint8_t* at) const {
-  int32_t steps = filter_.steps;
-  for (const RxNode* node = m_.nodes + filter_.item; isItem(*node); ++steps) {
-    const RxNode* const next = afterItem(node);
-    if (m_.isQuantified(next) || at > m_.textEnd) return 0;
-    const int32_t length = itemLength(m_, *node, at);
-    if (length == kNoMatch) return steps;
-    if (next == m_.programEnd) return 0;
-    at += length;
-    node = next;
-  }
-  return 0;
-}
-
-// The cost of the attempt at a place that passes the filter, where a closer look tells that it fails; else 0.
-int32_t Starts::hopelessSteps(const uint8_t* at) const {
-  if (filter_.literals) return lacksLiterals(at) ? filter_.steps : 0;
-  return filter_.once ? stepsToMissingItem(at) : 0;
-}
-
-// For expressions that begin with a repeat. In "123 45x", an attempt of `\d+x` at "1" takes all
-// digits up to the space, tries in vain to go on behind the third, the second and the first, and fails; so do
-// those at "2" and "3". An attempt is hopeless like these when no place where the program may go on is left
-// in its run behind the items that it requires. If the one at `at` is, so are those in the rest of the run:
-// pays for all of them with their tries, and returns the position behind. Else returns `at`, and notes up to
-// where attempts have such a place.
+// For expressions that begin with a repeat, while attempts fail. In "123 45x", an
+// attempt of `\d+x` at "1" takes all digits up to the space, tries in vain to go on behind the third, the
+// second and the first, and fails; so do those at "2" and "3". An attempt is hopeless like these when no
+// place where the program may go on is left in its run behind the items that it requires. If the one at `at`
+// is, so are those in the rest of the run: pays for all of them with their tries, and returns the position
+// behind. Else returns `at`, and notes up to where attempts have such a place.
 const uint8_t* Starts::passRun(const uint8_t* at) {
   constexpr int64_t kPlenty = 1 << 17;  // the sum of the tries of so many attempts exhausts every budget
   const Follow follow = followOf(m_, m_.nodes[filter_.run], m_.options);
   if (at >= runEnd_) {
     runEnd_ = at;
     while (runEnd_ < m_.textEnd && *runEnd_ < 0x80 && set_.contains(*runEnd_)) ++runEnd_;
+    prefilter_.addWork(static_cast<int32_t>(runEnd_ - at) / kBytesPerWork);
   }
-  const uint8_t* const end = std::min(runEnd_, m_.textEnd);
-  attemptsEnd_ = filter_.kind == StartKind::kBoundary ? at : end;
+  const uint8_t* const end = attemptsEnd_ = std::min(runEnd_, m_.textEnd);
   if (end == at || (end < m_.textEnd && set_.contains(*end))) return at;
 
   const int32_t least = minOf(m_.nodes[filter_.run]);
@@ -241,19 +211,13 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
   } else {
     while (last - at >= least && !follow.admits(m_, last)) --last;
   }
-  const bool boundary = filter_.kind == StartKind::kBoundary;  // then all starts are looked at by themselves
   if (last - at >= least) {
-    attemptsEnd_ = boundary ? at : last - least + 1;
+    attemptsEnd_ = last - least + 1;
     return at;
   }
-  const int64_t attempts = boundary ? 1 : end - at;
-  int64_t tries = std::max<int64_t>(end - at - least + 1, 0);
-  if (!boundary) {
-    tries = std::min(tries, kPlenty);
-    tries = tries * (tries + 1) / 2;
-  }
-  pay(attempts * filter_.steps + tries * follow.note.steps());
-  return at + attempts;
+  const int64_t tries = std::clamp<int64_t>(end - at - least + 1, 0, kPlenty);
+  pay((end - at) * int64_t{filter_.steps} + tries * (tries + 1) / 2 * follow.note.steps());
+  return end;
 }
 
 // As passRun, one attempt after the other, for a repeat with a bound.
@@ -275,7 +239,6 @@ const uint8_t* Starts::passBounded(const uint8_t* at, const uint8_t* end, const 
     if (!hopeless) break;
     steps += filter_.steps + int64_t{std::max(most - least + 1, 0)} * follow.note.steps();
     ++at;
-    if (filter_.kind == StartKind::kBoundary) break;
   }
   pay(steps);
   attemptsEnd_ = at;
@@ -308,29 +271,37 @@ bool Starts::passPairless(const uint8_t*& at, const uint8_t* end) {
   return place.found;
 }
 
-const uint8_t* Starts::skip(const uint8_t* at) {
+// Moves `at` to the first position in [at, end) that passes the filter; false if there is none.
+bool Starts::passFiltered(const uint8_t*& at, const uint8_t* end) {
   constexpr ptrdiff_t kNear = 8;
-  while (at < m_.textEnd && !m_.budget.isExhausted()) {
-    const uint8_t* const end = at + std::min(m_.textEnd - at, stride());
-    if (filter_.kind == StartKind::kBoundary) {
+  switch (filter_.kind) {
+    case StartKind::kBoundary:
       at = passNonBoundaries(at, end);
-      if (at >= end) continue;
-    } else if (filter_.kind == StartKind::kSet) {
+      return at < end;
+    case StartKind::kSet:
       at = passOutsideSet(at, end);
-      if (at >= end) continue;
-    } else if (filter_.hasPair) {
-      if (!passPairless(at, end)) continue;
-    } else {
-      // In words and numbers the next start is not far.
-      const bool isWide = filter_.kind == StartKind::kSmallSet && filter_.small.form == SmallSetForm::kRanges;
-      const uint8_t* const near = isWide ? std::min(at + kNear, end) : at;
-      at = passOutsideSet(at, near);
-      if (at >= near && !passFar(at, end)) continue;
-    }
-    if (const int32_t steps = hopelessSteps(at); steps > 0) {
-      pay(steps);
+      return at < end;
+    default:
+      break;
+  }
+  if (filter_.hasPair) return passPairless(at, end);
+  // In words and numbers the next start is not far.
+  if (filter_.small.form == SmallSetForm::kRanges) {
+    const uint8_t* const near = end - at > kNear ? at + kNear : end;
+    at = passOutsideSet(at, near);
+    if (at < near) return true;
+  }
+  return passFar(at, end);
+}
+
+const uint8_t* Starts::skip(const uint8_t* at) {
+  for (; at < m_.textEnd && !m_.budget.isExhausted(); prefilter_.addWork(kWorkPerHit)) {
+    if (prefilter_.use(at)) return prefilter_.next(at);
+    if (!passFiltered(at, strideFrom(at))) continue;
+    if (filter_.literals && lacksLiterals(at)) {
+      pay(filter_.steps);
       at = characterAfter(at);
-    } else if (filter_.run > 0) {
+    } else if (filter_.run > 0 && lastFailed_) {
       const uint8_t* const next = passRun(at);
       if (next == at) break;
       at = next;

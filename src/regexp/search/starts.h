@@ -7,25 +7,42 @@
 #include "regexp/analysis/start_filter.h"
 #include "regexp/match/follow.h"
 #include "regexp/match/matcher.h"
+#include "regexp/search/prefilter.h"
 
 namespace ulk {
 
 // Goes over the start positions of one search.
 class Starts {
  public:
-  Starts(MatchContext& m, const ulkRegExpState& state);
+  Starts(MatchContext& m, ulkRegExpState& state);
 
   // The first position from `at` on that needs an attempt, at most the text's end; pays for those before it.
   // Where the budget does not suffice, it is exhausted and the position returned does not matter.
   const uint8_t* next(const uint8_t* at) {
+    if (prefilter_.use(at)) return prefilter_.next(at);
     if (at < attemptsEnd_ || filter_.kind == StartKind::kAny ||
         (filter_.options & kMatcherOptions) != m_.options)
       return at;
     return skip(at);
   }
 
-  // The search begins anew.
-  void restart() { asciiEnd_ = runEnd_ = attemptsEnd_ = nullptr; }
+  // To be told of an attempt that has failed, and of its steps.
+  void noteFailure(int32_t steps) {
+    lastFailed_ = true;
+    prefilter_.addWork(kWorkPerAttempt + steps / kStepsPerWork);
+  }
+
+  void noteMatch() { lastFailed_ = false; }
+
+  // A search begins, whose text and budget are known,
+  void begin() {
+    asciiEnd_ = runEnd_ = attemptsEnd_ = nullptr;
+    lastFailed_ = false;
+    stride_ = stride();
+    prefilter_.begin();
+  }
+  // and ends when it has come to this place.
+  void end(const uint8_t* at) { prefilter_.end(at); }
 
  private:
   const uint8_t* skip(const uint8_t* at);
@@ -34,8 +51,7 @@ class Starts {
   const uint8_t* asciiEnd(const uint8_t* at);
   int32_t passCharacters(const uint8_t*& at, const uint8_t* end);
   bool lacksLiterals(const uint8_t* at) const;
-  int32_t stepsToMissingItem(const uint8_t* at) const;
-  int32_t hopelessSteps(const uint8_t* at) const;
+  bool passFiltered(const uint8_t*& at, const uint8_t* end);
   const uint8_t* passRun(const uint8_t* at);
   const uint8_t* passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow);
   const uint8_t* passOutsideSet(const uint8_t* at, const uint8_t* end);
@@ -47,6 +63,14 @@ class Starts {
   const uint8_t* payForAll(const uint8_t* at, const uint8_t* end);
   void pay(int64_t steps) { m_.budget.pay(steps); }
   ptrdiff_t stride() const;
+  const uint8_t* strideFrom(const uint8_t* at) const {
+    return m_.textEnd - at > stride_ ? at + stride_ : m_.textEnd;
+  }
+
+  static constexpr int32_t kWorkPerHit = 4;  // of the filter that turns out to be in vain
+  static constexpr int32_t kWorkPerAttempt = 2;
+  static constexpr int32_t kStepsPerWork = 2;
+  static constexpr int32_t kBytesPerWork = 4;  // looked at one by one
 
   MatchContext& m_;
   const ulkRegExpState& state_;
@@ -56,6 +80,9 @@ class Starts {
   const uint8_t* asciiEnd_;     // of the ASCII text that was looked at last
   const uint8_t* runEnd_;       // of the run that was looked at last
   const uint8_t* attemptsEnd_;  // all positions before it need attempts
+  bool lastFailed_;             // the last attempt did
+  ptrdiff_t stride_;            // how far to look before paying
+  Prefilter prefilter_;
 };
 
 }  // namespace ulk

@@ -33,4 +33,7 @@ inline Utf8Char decodeUtf8(const uint8_t* at) {
   return decodeMultibyte(at);
 }
 
+// The first place at `place` or behind it where a character begins or ends, if one begins at `at` before it.
+const uint8_t* characterFrom(const uint8_t* place, const uint8_t* at);
+
 }  // namespace ulk

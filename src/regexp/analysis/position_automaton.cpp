@@ -1,0 +1,276 @@
+#include "regexp/analysis/position_automaton.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "regexp/analysis/first_bytes.h"
+
+namespace ulk {
+
+namespace {
+
+constexpr int32_t kMaxNesting = 32;
+constexpr int32_t kMaxRequired = 16;  // copies of what is repeated; from there on "or more"
+constexpr int32_t kMaxOptional = 4;
+constexpr int32_t kMaxPieces = 512;  // looked at, copies counted
+
+constexpr PositionSet bit(int32_t position) { return PositionSet{1} << position; }
+
+bool hasMultibyte(const ByteSet256& set) {
+  return (set.words[4] | set.words[5] | set.words[6] | set.words[7]) != 0;
+}
+
+constexpr ByteSet256 kContinuations{{0, 0, 0, 0, ~0u, ~0u, 0, 0}};
+
+// A part of the program.
+struct Part {
+  PositionSet first;
+  PositionSet last;
+  bool nullable;  // it can match nothing
+  bool accepts;   // what follows its beginning is not known: a match may end before it
+};
+
+constexpr Part kNothing{0, 0, true, false};
+constexpr Part kUnknown{0, 0, false, true};
+
+class Builder {
+ public:
+  Builder(const ulkRegExpState& state, PositionAutomaton& automaton)
+      : nodes_(state.nodes()), numNodes_(state.numNodes), automaton_(automaton) {
+    automaton_.count = 0;
+    automaton_.accepting = 0;
+    automaton_.atEnd = 0;
+  }
+
+  bool build(uint32_t options);
+
+ private:
+  Part alternatives(int32_t first, int32_t end, int32_t serial, uint32_t options);
+  Part sequence(int32_t node, int32_t end, uint32_t options);
+  Part piece(int32_t node, uint32_t options);
+  Part once(int32_t node, uint32_t options);
+  Part group(int32_t open, uint32_t options);
+  Part item(const RxNode& node, uint32_t options);
+  Part string(const RxNode& node, uint32_t options);
+  Part lastAssertion(int32_t kind, const Part& before);
+  Part repeated(int32_t node, const RxNode& quantifier, uint32_t options);
+  bool takeWordsOnly(PositionSet positions) const;
+  bool mayMakeSurplus(int32_t open) const;
+  int32_t add();
+  void link(PositionSet from, PositionSet to);
+  Part joined(const Part& a, const Part& b);
+
+  const RxNode* const nodes_;
+  const int32_t numNodes_;
+  PositionAutomaton& automaton_;
+  int32_t depth_ = 0;
+  int32_t numPieces_ = 0;
+};
+
+// A new position, -1 if there is no room.
+int32_t Builder::add() {
+  if (automaton_.count == kMaxPositions) return -1;
+  automaton_.bytes[automaton_.count] = {};
+  automaton_.follow[automaton_.count] = 0;
+  return automaton_.count++;
+}
+
+void Builder::link(PositionSet from, PositionSet to) {
+  for (; from; from &= from - 1) automaton_.follow[std::countr_zero(from)] |= to;
+}
+
+Part Builder::joined(const Part& a, const Part& b) {
+  link(a.last, b.first);
+  if (b.accepts) automaton_.accepting |= a.last;
+  return {a.first | (a.nullable ? b.first : 0), b.last | (b.nullable ? a.last : 0), a.nullable && b.nullable,
+          a.accepts || (a.nullable && b.accepts)};
+}
+
+// One character: from 0x80 on, a byte and the continuation bytes behind it. A byte that is none by the rules
+// of UTF-8 is a character by itself.
+Part Builder::item(const RxNode& node, uint32_t options) {
+  const int32_t at = add();
+  if (at < 0) return kUnknown;
+  addFirstBytes(node, options, automaton_.bytes[at]);
+  const bool isByte = codeOf(node) == RX_CHAR || codeOf(node) == RX_BYTE;
+  if (isByte || !hasMultibyte(automaton_.bytes[at])) return {bit(at), bit(at), false, false};
+  const int32_t tail = add();
+  if (tail < 0) return kUnknown;
+  automaton_.bytes[tail] = kContinuations;
+  link(bit(at) | bit(tail), bit(tail));
+  return {bit(at), bit(at) | bit(tail), false, false};
+}
+
+Part Builder::string(const RxNode& node, uint32_t options) {
+  Part whole = kNothing;
+  for (int32_t i = 0; i < stringLength(node); ++i) {
+    const int32_t at = add();
+    if (at < 0) return joined(whole, kUnknown);
+    addByte(stringOf(node)[i], options, automaton_.bytes[at]);
+    whole = joined(whole, {bit(at), bit(at), false, false});
+  }
+  return whole;
+}
+
+// Lazy repeats and lookbehinds may leave bytes counted that they did not take, and an atomic group goes on
+// behind what is counted.
+bool Builder::mayMakeSurplus(int32_t open) const {
+  const RxNode* const body = nodes_ + open + 1;
+  return std::any_of(body, body + bodyLength(nodes_[open]), [](const RxNode& node) {
+    const RxCode code = codeOf(node);
+    return code == RX_REPEAT_LAZY || code == RX_LOOKBEHIND || code == RX_NLOOKBEHIND;
+  });
+}
+
+Part Builder::group(int32_t open, uint32_t options) {
+  if (depth_ == kMaxNesting) return kUnknown;
+  ++depth_;
+  const int32_t end = open + 1 + bodyLength(nodes_[open]);
+  const Part part = alternatives(open + 1, end, serialOf(nodes_[open]), optionsAfter(nodes_[open], options));
+  --depth_;
+  return part;
+}
+
+Part Builder::once(int32_t node, uint32_t options) {
+  switch (codeOf(nodes_[node])) {
+    case RX_STRING:
+      return string(nodes_[node], options);
+    case RX_ASSERT:
+    case RX_LOOKAHEAD:
+    case RX_NLOOKAHEAD:
+    case RX_LOOKBEHIND:
+    case RX_NLOOKBEHIND:
+      return kNothing;
+    case RX_ATOMIC:
+      return mayMakeSurplus(node) ? kUnknown : group(node, options);
+    case RX_CAPTURE:
+    case RX_GROUP:
+    case RX_OPTGROUP:
+      return group(node, options);
+    case RX_CHAR:
+    case RX_CHARTYPE:
+    case RX_CLASS:
+    case RX_BYTE:
+    case RX_CODEPOINT:
+    case RX_CATEGORY:
+    case RX_UNIRANGE:
+    case RX_SCRIPT:
+      return item(nodes_[node], options);
+    default:
+      return kUnknown;
+  }
+}
+
+Part Builder::repeated(int32_t node, const RxNode& quantifier, uint32_t options) {
+  const int32_t required = std::min(minOf(quantifier), kMaxRequired);
+  const int32_t optional = std::min(maxOf(quantifier) - required, kMaxOptional + 1);
+  Part whole = kNothing;
+  for (int32_t i = 0; i < required; ++i) whole = joined(whole, once(node, options));
+  if (optional > kMaxOptional) {
+    Part more = once(node, options);
+    link(more.last, more.first);
+    if (more.accepts) automaton_.accepting |= more.last;
+    more.nullable = true;
+    return joined(whole, more);
+  }
+  for (int32_t i = 0; i < optional; ++i) {
+    Part more = once(node, options);
+    more.nullable = true;
+    whole = joined(whole, more);
+  }
+  return whole;
+}
+
+// A node with its quantifier. Lazy repeats of properties have rules of their own, as have quantified atomic
+// groups and lookarounds.
+Part Builder::piece(int32_t node, uint32_t options) {
+  if (++numPieces_ > kMaxPieces) return kUnknown;
+  const RxNode* const quantifier = quantifierOf(nodes_, numNodes_, node);
+  if (!quantifier) return once(node, options);
+  if (quantifier + 1 < nodes_ + numNodes_ && isQuantifier(quantifier[1])) return kUnknown;
+  const RxCode code = codeOf(nodes_[node]);
+  if (code == RX_ASSERT) return kNothing;
+  if (code == RX_ATOMIC || isLookaround(nodes_[node])) return kUnknown;
+  if (quantifier->code == RX_REPEAT_LAZY && code >= RX_CODEPOINT) return kUnknown;
+  return repeated(node, *quantifier, options);
+}
+
+// An assertion that the program ends with asks for a byte as an item does, or for the end of the text. A word
+// boundary does where a word byte comes before it; at the end it asks for the byte behind, which is not
+// known.
+Part Builder::lastAssertion(int32_t kind, const Part& before) {
+  ByteSet256 bytes{};
+  if (kind == '$' || kind == 'Z') {
+    addByte('\n', 0, bytes);
+  } else if (kind == 'b' && !before.nullable && !before.accepts && takeWordsOnly(before.last)) {
+    addShorthand('W', 0, bytes);
+  } else if (kind != 'z') {
+    return kNothing;
+  }
+  const int32_t at = add();
+  if (at < 0) return kUnknown;
+  automaton_.bytes[at] = bytes;
+  automaton_.accepting |= bit(at);
+  automaton_.atEnd |= bit(at);
+  return {bit(at), 0, false, false};
+}
+
+// Whether the positions take word bytes only.
+bool Builder::takeWordsOnly(PositionSet positions) const {
+  ByteSet256 words{};
+  addShorthand('w', 0, words);
+  uint32_t others = 0;
+  for (; positions; positions &= positions - 1) {
+    const ByteSet256& bytes = automaton_.bytes[std::countr_zero(positions)];
+    for (int i = 0; i < 8; ++i) others |= bytes.words[i] & ~words.words[i];
+  }
+  return others == 0;
+}
+
+Part Builder::sequence(int32_t node, int32_t end, uint32_t options) {
+  Part whole = kNothing;
+  while (node < end && codeOf(nodes_[node]) != RX_ALT) {
+    const bool isLastAssertion = node + 1 == numNodes_ && codeOf(nodes_[node]) == RX_ASSERT;
+    const Part next =
+        isLastAssertion ? lastAssertion(assertionOf(nodes_[node]), whole) : piece(node, options);
+    whole = joined(whole, next);
+    if (next.accepts && !next.first) break;
+    node = nextItem(nodes_, node);
+    if (node < end && isQuantifier(nodes_[node])) ++node;
+  }
+  return whole;
+}
+
+// The alternatives in nodes[first, end).
+Part Builder::alternatives(int32_t first, int32_t end, int32_t serial, uint32_t options) {
+  Part whole = sequence(first, end, options);
+  for (int32_t i = first; i < end; i = nextItem(nodes_, i)) {
+    if (codeOf(nodes_[i]) != RX_ALT || serialOf(nodes_[i]) != serial) continue;
+    const Part next = sequence(i + 1, end, static_cast<uint32_t>(optionsBehind(nodes_[i])));
+    whole = {whole.first | next.first, whole.last | next.last, whole.nullable || next.nullable,
+             whole.accepts || next.accepts};
+  }
+  return whole;
+}
+
+// Options that change on the way stay changed for the next attempt; those that the program begins with are
+// the same in all of them.
+bool Builder::build(uint32_t options) {
+  int32_t node = 0;
+  for (; node < numNodes_ && codeOf(nodes_[node]) == RX_OPTIONS; ++node)
+    options = static_cast<uint32_t>(newOptions(nodes_[node]));
+  for (int32_t i = node; i < numNodes_; i = nextNode(nodes_, i))
+    if (codeOf(nodes_[i]) == RX_OPTIONS) return false;
+  const Part whole = alternatives(node, numNodes_, kTopLevel, options);
+  automaton_.first = whole.first;
+  automaton_.accepting |= whole.last;
+  return !whole.nullable && !whole.accepts && whole.first;
+}
+
+}  // namespace
+
+bool makeAutomaton(const ulkRegExpState& state, PositionAutomaton& automaton) {
+  return Builder(state, automaton).build(state.options);
+}
+
+}  // namespace ulk

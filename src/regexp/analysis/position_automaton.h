@@ -1,0 +1,33 @@
+// A coarse picture of a program: which bytes can stand one behind the other in what it matches.
+//
+// The automaton, known as the position or Glushkov automaton, has a position for each place where an item
+// takes a byte: three for `ab*[cd]`, where that of b follows those of a and b. It admits every match that the
+// program can have, and more: lookarounds, all assertions but one at the end, and the order of tries are left
+// out, long counts are cut to "and more", and where a node is not understood the match may end there. So what
+// it rejects needs no attempt.
+#pragma once
+
+#include <cstdint>
+
+#include "regexp/program/state.h"
+
+namespace ulk {
+
+// Sets of positions are bits of a word.
+using PositionSet = uint64_t;
+inline constexpr int32_t kMaxPositions = 64;
+
+struct PositionAutomaton {
+  int32_t count;
+  PositionSet first;      // where a match can begin
+  PositionSet accepting;  // where a match can end
+  PositionSet atEnd;      // those that hold at the text's end, of the assertion that the program ends with
+  PositionSet follow[kMaxPositions];
+  ByteSet256 bytes[kMaxPositions];
+};
+
+// Makes the automaton of an analysed program. False if it would tell nothing, because a match can be empty as
+// far as is known.
+bool makeAutomaton(const ulkRegExpState& state, PositionAutomaton& automaton);
+
+}  // namespace ulk

@@ -1,0 +1,31 @@
+// How many steps an attempt takes at most.
+//
+// It depends on the text by the runs that the unbounded repeats can take alone: of how many characters the
+// longest is. So the bound is found in three parts: which runs matter, how long they are in a text, and what
+// that makes. Where the limit allows for so many steps at every place of the text, none need be counted.
+#pragma once
+
+#include <cstdint>
+
+#include "regexp/program/state.h"
+
+namespace ulk {
+
+// The sets of bytes whose runs matter, and the longest run of each.
+struct Runs {
+  static constexpr int32_t kMax = 6;
+  int32_t count = 0;
+  ByteSet256 sets[kMax];
+  int32_t longest[kMax];
+};
+
+// The bounds that no limit reaches are all this one.
+inline constexpr int64_t kNoBound = INT32_MAX;
+
+// The sets of the program, with runs of length 0. False where no bound is known.
+bool findRuns(const ulkRegExpState& state, Runs& runs);
+
+// The bound while no run is longer than `runs` says.
+int64_t stepBound(const ulkRegExpState& state, const Runs& runs);
+
+}  // namespace ulk

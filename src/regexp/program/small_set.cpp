@@ -1,0 +1,47 @@
+#include "regexp/program/small_set.h"
+
+#include <algorithm>
+
+namespace ulk {
+
+namespace {
+
+// Lists the members of a set of up to four; false for a larger one, or an empty one.
+bool listMembers(const ByteSet256& set, uint8_t (&members)[4]) {
+  int count = 0;
+  for (int32_t c = 0; c < 256; ++c) {
+    if (!set.contains(static_cast<uint8_t>(c))) continue;
+    if (count == 4) return false;
+    members[count++] = static_cast<uint8_t>(c);
+  }
+  std::fill(members + std::max(count, 1), members + 4, members[0]);
+  return count > 0;
+}
+
+// Lists the bounds of a set of one or two ranges below 0x80; one range stands twice. False for other sets.
+bool listRanges(const ByteSet256& set, uint8_t (&bounds)[4]) {
+  int count = 0;
+  for (int32_t c = 0; c < 0x80; ++c) {
+    const bool member = set.contains(static_cast<uint8_t>(c));
+    const bool before = c > 0 && set.contains(static_cast<uint8_t>(c - 1));
+    if (member == before) continue;
+    if (count == 4) return false;
+    bounds[count++] = static_cast<uint8_t>(member ? c : c - 1);
+  }
+  if (count < 2 || count % 2 != 0 || set.words[4] | set.words[5] | set.words[6] | set.words[7]) return false;
+  if (count == 2) std::copy(bounds, bounds + 2, bounds + 2);
+  return true;
+}
+
+}  // namespace
+
+bool describe(const ByteSet256& set, SmallSet& small) {
+  if (listMembers(set, small.bytes)) {
+    small.form = SmallSetForm::kMembers;
+  } else {
+    small.form = listRanges(set, small.bytes) ? SmallSetForm::kRanges : SmallSetForm::kNone;
+  }
+  return small.form != SmallSetForm::kNone;
+}
+
+}  // namespace ulk

@@ -1,0 +1,21 @@
+// Sets of bytes that vector searches test by a few comparisons.
+#pragma once
+
+#include <cstdint>
+
+#include "regexp/program/byte_set.h"
+
+namespace ulk {
+
+// A small set of bytes: up to four members, some repeated if there are fewer, or up to two ranges of ASCII,
+// from the first byte to the second and from the third to the fourth.
+enum class SmallSetForm : uint8_t { kNone, kMembers, kRanges };
+struct SmallSet {
+  SmallSetForm form;
+  uint8_t bytes[4];
+};
+
+// Describes a small set of bytes; false for others.
+bool describe(const ByteSet256& set, SmallSet& small);
+
+}  // namespace ulk

@@ -1,0 +1,115 @@
+#include "regexp/search/prefilter.h"
+
+#include <algorithm>
+
+#include "regexp/analysis/start_filter.h"
+#include "regexp/text/utf8.h"
+
+namespace ulk {
+
+namespace {
+
+constexpr int32_t kNever = INT32_MAX;
+constexpr int32_t kLeastWork = 512;        // that says anything, and outweighs the making of an automaton
+constexpr int32_t kBytesPerWork = 5;       // that the automaton reads in the time of an attempt in vain,
+constexpr int32_t kPairBytesPerWork = 32;  // in which a pair is looked for,
+constexpr int32_t kBytesMeasured = 256;    // and whose runs are measured then
+constexpr int32_t kManyBytes = 1 << 17;    // after which texts may have become others
+
+}  // namespace
+
+void Prefilter::begin() {
+  const StartFilter& filter = startFilterOf(state_);
+  isOn_ = false;
+  work_ = 0;
+  since_ = m_.textStart;
+  nextLook_ = kNever;
+  if (!filter.hasFrames || filter.anchor != Anchor::kNone || m_.budget.paysExactly()) return;
+  switch (note().use) {
+    case PrefilterUse::kUndecided:
+    case PrefilterUse::kOff:
+      nextLook_ = std::max(kLeastWork - note().work, 1);
+      break;
+    case PrefilterUse::kOn:
+      turnOn(m_.textStart);
+      break;
+    case PrefilterUse::kUseless:
+      break;
+  }
+}
+
+// What the automaton has to read until the search has come to this place.
+ptrdiff_t Prefilter::bytesInBlocks(const uint8_t* at) const {
+  return std::min<ptrdiff_t>(at - since_ + Candidates::kBlock, m_.textEnd - since_);
+}
+
+void Prefilter::end(const uint8_t* at) {
+  if (nextLook_ == kNever) return;
+  note().work += work_;
+  note().bytes += static_cast<int32_t>(std::min<ptrdiff_t>(bytesInBlocks(at), kManyBytes));
+  if (note().bytes >= kManyBytes) note() = {isOn_ ? PrefilterUse::kOff : note().use, note().frame, 0, 0};
+}
+
+// Whether other candidates than those in use, if there are any, would have taken less time up to this place.
+bool Prefilter::takesLess(const uint8_t* at) const {
+  const PrefilterNote& note = state_.frames[kPrefilterFrame].prefilter;
+  const int64_t work = int64_t{note.work} + work_;
+  const bool hasPair = note.frame > 0 && Candidates::in(state_, note.frame)->usesPair();
+  if (hasPair && !isOn_) return work * kPairBytesPerWork >= note.bytes + (at - since_);
+  return work * kBytesPerWork >= note.bytes + bytesInBlocks(at);
+}
+
+// Turns candidates on if they will take less time than attempts do, as far as is known; off if they leave too
+// many attempts, and those of the automaton for good.
+bool Prefilter::decide(const uint8_t* at) {
+  const int64_t work = int64_t{note().work} + work_;
+  nextLook_ = work_ + work_ / 4 + 1;
+  if (work < kLeastWork) return isOn_;
+  if (note().use == PrefilterUse::kUndecided) make();
+  if (!takesLess(at)) return isOn_;
+  if (isOn_ && candidates_->usesPair()) {
+    candidates_->dropPair();
+    turnOff(PrefilterUse::kOff);
+  } else if (isOn_) {
+    turnOff(PrefilterUse::kUseless);
+  } else if (!m_.nonEmpty && work > (m_.textEnd - at) / kBytesMeasured) {
+    turnOn(at);
+  }
+  return isOn_;
+}
+
+void Prefilter::make() {
+  note().frame = Candidates::make(state_);
+  note().use = note().frame > 0 ? PrefilterUse::kOff : PrefilterUse::kUseless;
+}
+
+void Prefilter::turnOff(PrefilterUse use) {
+  isOn_ = false;
+  nextLook_ = kNever;
+  note().use = use;
+}
+
+bool Prefilter::turnOn(const uint8_t* at) {
+  nextLook_ = kNever;
+  if (note().use == PrefilterUse::kUseless) return false;
+  candidates_ = Candidates::in(state_, note().frame);
+  if (!candidates_->begin(state_, at, m_.textEnd, m_.budget.left())) return false;
+  if (note().use == PrefilterUse::kOff) note() = {PrefilterUse::kOn, note().frame, 0, 0};
+  isOn_ = true;
+  work_ = 0;
+  since_ = at;
+  nextLook_ = kLeastWork;
+  return true;
+}
+
+const uint8_t* Prefilter::next(const uint8_t* at) {
+  const uint8_t* candidate = candidates_->next(at);
+  if (state_.format == kFormatUtf8) {
+    const uint8_t* start;
+    while ((start = characterFrom(candidate, at)) != candidate) candidate = candidates_->next(start);
+  }
+  if (candidates_->givesUp()) turnOff(PrefilterUse::kUseless);
+  return candidate;
+}
+
+}  // namespace ulk
