@@ -392,7 +392,7 @@ void SetScan::tryRange(Slot& slot, int32_t first, int32_t last) {
   }
   slot.at = static_cast<int32_t>(at - text_);
   slot.left = m_.budget.left();
-  if (!slot.isCut && slot.wasted > length_ / 64) cut(slot);
+  if (!slot.isCut && slot.wasted > length_ / 256) cut(slot);
 }
 
 // Writes the records of a match, and returns where the search goes on.
