@@ -54,12 +54,14 @@ const char* const kWords[] = {"abca",
                               "ab.cab",
                               "f\\Woo1",
                               "(?:ab|ca){2}",
-                              "(?:\\d-){2}"};
-const char* const kTails[] = {"",         "",           "",           "\\w*",       "$",         "\\b",
-                              ".*z",      "(?=b)",      "c*?",        "|xyz",       "|\\d+:|yz", "[a-z ]*#",
-                              "(?:b|c)x", "(a|b)*-",    "(?-i)B",     "(?>[ab]*)c", "(?!.*z)",   "\\z",
-                              "b*?c",     "(?=.*x)y?",  "(\\w+) \\1", "[^x]*x",     "|b*c",      "|a*xyz",
-                              "(?=.*x)c", "(?>c1|b)*c", "\\w*a*?\\d", "."};
+                              "(?:\\d-){2}",
+                              "(?:x\\w*ab){2}"};
+const char* const kTails[] = {
+    "",       "",           "",        "\\w*",      "$",          "\\b",        ".*z",
+    "(?=b)",  "c*?",        "|xyz",    "|\\d+:|yz", "[a-z ]*#",   "(?:b|c)x",   "(a|b)*-",
+    "(?-i)B", "(?>[ab]*)c", "(?!.*z)", "\\z",       "b*?c",       "(?=.*x)y?",  "(\\w+) \\1",
+    "[^x]*x", "|b*c",       "|a*xyz",  "(?=.*x)c",  "(?>c1|b)*c", "\\w*a*?\\d", "(?i:\\x{e9}*?b)",
+    "."};
 const char* const kOptions[] = {"", "g", "m", "gm", "gi", "s", "gms"};
 const char* const kBetween[] = {" ",    "\n",   "a",   "b",  "B", "x",  "1",   "-",        "\xC3\xA9",
                                 "\x80", "\xC3", "abc", "yy", "z", "c#", " ab", "\xC3\x80", "1aa"};

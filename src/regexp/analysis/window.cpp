@@ -62,11 +62,10 @@ struct FoldedSet {
 
 // One byte of a match, behind what stands before it on its way.
 struct Place {
-  int32_t node;
+  int32_t numBefore;  // all items that can stand before it are among so many first nodes
   int32_t least;      // bytes before it,
   int32_t most;       // kFarAway: without bound
   bool joined;        // it stands right behind the place before
-  bool first;         // of its node
   bool forked;        // there are other ways that it is not on
   uint8_t value;      // if it is the only one
   uint8_t numValues;  // up to kMaxProduct, 0 for more
@@ -87,6 +86,10 @@ uint8_t rarityOf(const uint8_t* values, int32_t count) {
 
 bool hasMultibyte(const ByteSet256& set) {
   return (set.words[4] | set.words[5] | set.words[6] | set.words[7]) != 0;
+}
+
+bool isRepeatableGroup(const RxNode& node) {
+  return codeOf(node) == RX_CAPTURE || codeOf(node) == RX_GROUP || codeOf(node) == RX_OPTGROUP;
 }
 
 // The bytes of everything that an item can match. One that can match a character of several bytes can begin
@@ -111,6 +114,7 @@ class WindowFinder {
  private:
   struct Way {
     int32_t numPlaces = 0;
+    int32_t numBefore = 0;
     int32_t least = 0;
     int32_t most = 0;
     bool joined = true;
@@ -141,10 +145,12 @@ class WindowFinder {
   };
 
   void walk(int32_t node, Way way, uint32_t options, const Outer* outer);
+  After pass(int32_t node, Way& way, uint32_t& options);
   After passItem(int32_t node, Way& way, uint32_t options);
   After passLookaround(int32_t node, Way& way) const;
   After repeat(const RxNode& quantifier, int32_t itemMost, Way& way) const;
   void addLast(int32_t node, int32_t count, const ByteSet256& set, Way& way);
+  int32_t behindGroup(int32_t end) const;
   void walkGroup(int32_t node, int32_t iterations, Way way, uint32_t options, const Outer* outer);
   void addPlace(int32_t node, bool first, const ByteSet256& set, Way& way);
   void finish(const Way& way);
@@ -168,8 +174,7 @@ class WindowFinder {
   Cost cost_;
   int32_t numWays_ = 0;
   int32_t looks_ = 0;
-  int32_t lastNode_ = 0;     // of all windows
-  bool insideNode_ = false;  // a window begins behind the first byte of its node
+  int32_t numBefore_ = 0;  // of all windows
   bool failed_ = false;
 };
 
@@ -179,11 +184,10 @@ void WindowFinder::addPlace(int32_t node, bool first, const ByteSet256& set, Way
   uint8_t values[kMaxProduct];
   const int32_t count = folded.list(values, kMaxProduct);
   const bool isKnown = count <= kMaxProduct;
-  places_[way.numPlaces++] = {node,
+  places_[way.numPlaces++] = {first ? way.numBefore : std::max(way.numBefore, node + 1),
                               way.least,
                               way.most,
                               way.joined,
-                              first,
                               way.forked,
                               values[0],
                               static_cast<uint8_t>(isKnown ? count : 0),
@@ -279,59 +283,57 @@ void WindowFinder::walkGroup(int32_t node, int32_t iterations, Way way, uint32_t
     walk(static_cast<int32_t>(bar - nodes_) + 1, way, static_cast<uint32_t>(optionsBehind(*bar)), &group);
 }
 
+// Where a way goes on behind a group; -1 where it may go through the group again instead.
+int32_t WindowFinder::behindGroup(int32_t end) const {
+  const int32_t next = end + 1;
+  if (next >= numNodes_ || !isQuantifier(nodes_[next])) return next;
+  return maxOf(nodes_[next]) > std::max(minOf(nodes_[next]), 1) ? -1 : next + 1;
+}
+
+// Goes over a node that is no group and no end.
+WindowFinder::After WindowFinder::pass(int32_t node, Way& way, uint32_t& options) {
+  const RxNode& item = nodes_[node];
+  if (isLookaround(item)) return passLookaround(node, way);
+  if (isItem(item)) {
+    const After after = passItem(node, way, options);
+    way.numBefore = std::max(way.numBefore, node + 1);
+    return after;
+  }
+  if (codeOf(item) != RX_ASSERT && codeOf(item) != RX_OPTIONS) return After::kEnd;
+  way.cost += way.visits;
+  options = optionsAfter(item, options);
+  return After::kNext;
+}
+
 // Follows the ways that begin at a node.
 void WindowFinder::walk(int32_t node, Way way, uint32_t options, const Outer* outer) {
   while (!failed_) {
-    if (node >= numNodes_ || way.numPlaces == kMaxPlaces || ++looks_ > kMaxLooks || way.cost.isTooHigh())
-      return finish(way);
+    if (node < 0 || node >= numNodes_ || way.numPlaces == kMaxPlaces) return finish(way);
+    if (++looks_ > kMaxLooks || way.cost.isTooHigh()) return finish(way);
     const RxNode& item = nodes_[node];
-    After after = After::kNext;
-    const int32_t next = nextItem(nodes_, node);
-    const RxNode* const quantifier = codeOf(item) == RX_ALT ? nullptr : quantifierOf(nodes_, numNodes_, node);
-    switch (codeOf(item)) {
-      case RX_ALT:
-      case RX_END:
-        if (!outer) return finish(way);
-        way.cost += way.visits;
-        options = static_cast<uint32_t>(optionsBehind(nodes_[outer->end]));
-        way.forked = outer->forked;
-        if (outer->iterations > 0)
-          return walkGroup(outer->open, outer->iterations - 1, way, options, outer->outer);
-        node = outer->end + 1;
-        if (node < numNodes_ && isQuantifier(nodes_[node])) {
-          if (maxOf(nodes_[node]) > std::max(minOf(nodes_[node]), 1)) return finish(way);
-          ++node;
-        }
-        outer = outer->outer;
-        continue;
-      case RX_ASSERT:
-        way.cost += way.visits;
-        break;
-      case RX_OPTIONS:
-        way.cost += way.visits;
-        options = static_cast<uint32_t>(newOptions(item));
-        break;
-      case RX_LOOKBEHIND:
-      case RX_NLOOKBEHIND:
-      case RX_LOOKAHEAD:
-      case RX_NLOOKAHEAD:
-        after = passLookaround(node, way);
-        break;
-      case RX_ATOMIC:
-      case RX_CAPTURE:
-      case RX_GROUP:
-      case RX_OPTGROUP:
-        if (quantifier && (codeOf(item) == RX_ATOMIC || maxOf(*quantifier) == 0)) return finish(way);
-        if (quantifier && minOf(*quantifier) == 0 && maxOf(*quantifier) > 1) return finish(way);
-        way.cost += way.visits;
-        walkGroup(node, quantifier ? std::max(minOf(*quantifier) - 1, 0) : 0, way, options, outer);
-        if (!quantifier || minOf(*quantifier) > 0) return;
-        break;  // and the way without the group
-      default:
-        after = isItem(item) ? passItem(node, way, options) : After::kEnd;
+    if (codeOf(item) == RX_ALT || codeOf(item) == RX_END) {
+      if (!outer) return finish(way);
+      way.cost += way.visits;
+      way.forked = outer->forked;
+      options = static_cast<uint32_t>(optionsBehind(nodes_[outer->end]));
+      if (outer->iterations > 0)
+        return walkGroup(outer->open, outer->iterations - 1, way, options, outer->outer);
+      node = behindGroup(outer->end);
+      outer = outer->outer;
+      continue;
     }
-    if (after == After::kEnd) return finish(way);
-    node = next + (quantifier ? 1 : 0);
+    const RxNode* const quantifier = quantifierOf(nodes_, numNodes_, node);
+    const int32_t next = nextItem(nodes_, node) + (quantifier ? 1 : 0);
+    if (isRepeatableGroup(item) || (codeOf(item) == RX_ATOMIC && !quantifier)) {
+      const int32_t least = quantifier ? minOf(*quantifier) : 1;
+      if (least == 0 && maxOf(*quantifier) != 1) return finish(way);
+      way.cost += way.visits;
+      walkGroup(node, std::max(least - 1, 0), way, options, outer);
+      if (least > 0) return;
+    } else if (pass(node, way, options) == After::kEnd) {
+      return finish(way);
+    }
+    node = next;
   }
 }
 
@@ -355,7 +357,7 @@ void WindowFinder::addNeighbour(int32_t index, int32_t byte, Neighbours& neighbo
 
 // How much a window tells; 0 where it is none.
 int32_t WindowFinder::worthOf(const Way& way, int32_t first, int32_t size) const {
-  constexpr int32_t kLeastRarity = 20, kShort = 8, kRun = 4, kForked = 6;
+  constexpr int32_t kLeastRarity = 20, kShort = 8, kWide = 16, kRun = 4, kForked = 6;
   int32_t product = 1, rarity = 0;
   for (int32_t i = first; i < first + size; ++i) {
     const Place& place = places_[i];
@@ -365,10 +367,11 @@ int32_t WindowFinder::worthOf(const Way& way, int32_t first, int32_t size) const
     rarity += place.rarity;
   }
   if (rarity < kLeastRarity) return 0;
-  const Place& last = places_[first + size - 1];
+  const Place& place = places_[first];
   rarity += neighboursOf(way, first, first + size).rarity / 2;
   rarity -= 2 * static_cast<int32_t>(std::bit_width(static_cast<uint32_t>(product - 1)));
-  rarity -= (size < 4 ? kShort : 0) + (last.most >= kFarAway ? kRun : 0) + (last.forked ? kForked : 0);
+  rarity -=
+      (size < 4 ? kShort : 0) + (place.most - place.least > kWide ? kRun : 0) + (place.forked ? kForked : 0);
   return std::max(rarity, 1);
 }
 
@@ -422,27 +425,24 @@ void WindowFinder::finish(const Way& way) {
   if (failed_) return;
   const Place& place = places_[window.first];
   window_.most = std::max(window_.most, place.most);
-  lastNode_ = std::max(lastNode_, place.node);
-  insideNode_ |= !place.first;
+  numBefore_ = std::max(numBefore_, place.numBefore);
   cost_ += places_[window.first + window.size - 1].cost;
   window_.shortest = static_cast<uint8_t>(std::min<int32_t>(window_.shortest, window.size));
   addKeys(way, window);
 }
 
-// Collects the bytes that can stand before a window: those of all items up to there.
+// Collects the bytes that can stand before a window.
 void WindowFinder::fillSet(uint32_t options) {
   ByteSet256& set = state_.frames[kWindowSetFrame].bytes;
   set = {};
-  const bool includesLast = insideNode_ || numWays_ > 1;
-  for (int32_t i = 0; i < lastNode_ + (includesLast ? 1 : 0); i = nextNode(nodes_, i)) {
+  for (int32_t i = 0; i < numBefore_; i = nextNode(nodes_, i)) {
     options = optionsAfter(nodes_[i], options);
     if (isItem(nodes_[i])) addAllBytes(nodes_[i], options, set);
   }
 }
 
-// Whether a search among places far from each other, as this one makes it, leaves no trace in the options:
-// they change at the head of the program only.
-bool keepsOptions(const ulkRegExpState& state) {
+// Whether all attempts begin with the same options: they change at the head of the program only.
+bool keepsOptions(const ulkRegExpState& state, uint32_t& kept) {
   const RxNode* const nodes = state.nodes();
   const auto matters = [](int32_t options) { return static_cast<uint32_t>(options) & kMatcherOptions; };
   uint32_t options = matters(static_cast<int32_t>(state.options));
@@ -453,6 +453,7 @@ bool keepsOptions(const ulkRegExpState& state) {
         matters(optionsBehind(nodes[i])) != options)
       return false;
   }
+  kept = options;
   return true;
 }
 
@@ -510,8 +511,9 @@ uint8_t effortOf(StartKind kind) {
 }
 
 bool WindowFinder::find() {
-  if (!state_.frames[0].start.hasFrames || isRestricted(state_) || !keepsOptions(state_)) return false;
-  const uint32_t options = state_.options;
+  uint32_t options = 0;
+  if (!state_.frames[0].start.hasFrames || isRestricted(state_) || !keepsOptions(state_, options))
+    return false;
   window_.shortest = kMaxKeySize;
   walk(0, {}, options, nullptr);
   for (int32_t bar = firstBar(); bar >= 0 && !failed_;) {
@@ -527,6 +529,7 @@ bool WindowFinder::find() {
   window_.steps = static_cast<int32_t>(cost_.fixed);
   window_.stepsPerByte = static_cast<int32_t>(cost_.perByte);
   window_.leastSteps = window_.steps + kLeastRun * window_.stepsPerByte;
+  window_.options = static_cast<uint8_t>(options);
   window_.effort = effortOf(state_.frames[0].start.kind);
   window_.cutMatters = doesCutMatter(state_);
   state_.frames[kWindowFrame].window = window_;

@@ -28,7 +28,8 @@ struct Window {
   bool cutMatters;       // what stands behind the last trailing literal changes what matches before it
   uint8_t shortest;      // bytes of the shortest key
   uint8_t effort;        // of a search for the expression by itself (search/set_scan.h)
-  uint8_t unused[9];
+  uint8_t options;       // with which every attempt begins, and which it leaves
+  uint8_t unused[8];
 };
 static_assert(sizeof(Window) == 32);
 

@@ -356,8 +356,9 @@ bool SetScan::isWorthAttempt(const uint8_t* at) const {
   const StartFilter& filter = startFilterOf(*state_);
   switch (filter.kind) {
     case StartKind::kAny:
-    case StartKind::kTextStart:
       return true;
+    case StartKind::kTextStart:
+      return at == text_;
     case StartKind::kLineStart:
       return at == text_ || at[-1] == '\n';
     default:
@@ -374,7 +375,7 @@ void SetScan::tryRange(Slot& slot, int32_t first, int32_t last) {
     m_.textStart = text_;
   }
   m_.textEnd = text_ + slot.end;
-  m_.options = state.options & kMatcherOptions;
+  m_.options = windowOf(state).options;
   m_.budget.start(slot.left, false);
   const uint8_t* at = text_ + first;
   while (at <= text_ + last) {
@@ -401,7 +402,9 @@ const uint8_t* SetScan::takeMatch(Slot& slot) {
   const CaptureSlot match = state.captures[0];
   const ulkRegExpMultiFind& result = results_[slot.index];
   const bool all = state.options & RX_OPT_GLOBAL;
-  if (m_.budget.isExhausted() || (all && match.length < 1)) {
+  // Lazy repeats can end a match with the options of a group in force, where the next attempt goes on.
+  const bool staysSame = match.length > 0 && m_.options == windowOf(state).options;
+  if (m_.budget.isExhausted() || (all && !staysSame)) {
     searchAlone(slot);
     return nullptr;
   }
