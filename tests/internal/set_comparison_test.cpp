@@ -34,28 +34,10 @@ const char* const kHeads[] = {
     ".",       "(?<=a)",     "(?!b)",    "(?>a+|b)",   "^?",      "\\W",    "[^a]{1,2}", "a{2,5}",
     "(a|bc)+", "(?:a|x){2}", "(b)?",     "\\X",        "c*?",     "\\pL*?", "\\x{e9}+",  "(?=x)a|",
     "(a*)\\1", "^.*",        "(?i:B)",   "\\w*\\s+",   "[^\\n]*", "\\x80?", "\\x80",     "\\C"};
-const char* const kWords[] = {"abca",
-                              "bcab",
-                              "foo1",
-                              "cab",
-                              "aabx",
-                              "12:3",
-                              "\xC3\xA9"
-                              "a b",
-                              "xyz-",
-                              "ab",
-                              "Abcab",
-                              "b[ab]c\\d+",
-                              "a\\sb",
-                              "-\\d\\d-",
-                              "x@y",
-                              "[abc]{4}",
-                              "zz\\wz",
-                              "ab.cab",
-                              "f\\Woo1",
-                              "(?:ab|ca){2}",
-                              "(?:\\d-){2}",
-                              "(?:x\\w*ab){2}"};
+const char* const kWords[] = {
+    "abca",     "bcab",   "foo1",   "cab",        "aabx",         "12:3",        "\303\251a b",
+    "xyz-",     "ab",     "Abcab",  "b[ab]c\\d+", "a\\sb",        "-\\d\\d-",    "x@y",
+    "[abc]{4}", "zz\\wz", "ab.cab", "f\\Woo1",    "(?:ab|ca){2}", "(?:\\d-){2}", "(?:x\\w*ab){2}"};
 const char* const kTails[] = {
     "",       "",           "",        "\\w*",      "$",          "\\b",        ".*z",
     "(?=b)",  "c*?",        "|xyz",    "|\\d+:|yz", "[a-z ]*#",   "(?:b|c)x",   "(a|b)*-",
@@ -65,22 +47,8 @@ const char* const kTails[] = {
 const char* const kOptions[] = {"", "g", "m", "gm", "gi", "s", "gms"};
 const char* const kBetween[] = {" ",    "\n",   "a",   "b",  "B", "x",  "1",   "-",        "\xC3\xA9",
                                 "\x80", "\xC3", "abc", "yy", "z", "c#", " ab", "\xC3\x80", "1aa"};
-const char* const kTextWords[] = {"abca",
-                                  "bcab",
-                                  "foo1",
-                                  "cab",
-                                  "aabx",
-                                  "12:3",
-                                  "\xC3\xA9"
-                                  "a b",
-                                  "xyz-",
-                                  "bac12",
-                                  "a\tb",
-                                  "-12-",
-                                  "x@y",
-                                  "zzaz",
-                                  "FOO1",
-                                  "ABCA"};
+const char* const kTextWords[] = {"abca",  "bcab", "foo1", "cab", "aabx", "12:3", "\303\251a b", "xyz-",
+                                  "bac12", "a\tb", "-12-", "x@y", "zzaz", "FOO1", "ABCA"};
 
 struct Member {
   std::string source;  // for people
