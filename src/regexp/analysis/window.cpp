@@ -148,7 +148,7 @@ class WindowFinder {
   After pass(int32_t node, Way& way, uint32_t& options);
   After passItem(int32_t node, Way& way, uint32_t options);
   After passLookaround(int32_t node, Way& way) const;
-  After repeat(const RxNode& quantifier, int32_t itemMost, Way& way) const;
+  static After repeat(const RxNode& quantifier, int32_t itemMost, Way& way);
   void addLast(int32_t node, int32_t count, const ByteSet256& set, Way& way);
   int32_t behindGroup(int32_t end) const;
   void walkGroup(int32_t node, int32_t iterations, Way way, uint32_t options, const Outer* outer);
@@ -200,7 +200,7 @@ void WindowFinder::addPlace(int32_t node, bool first, const ByteSet256& set, Way
 }
 
 // Goes on behind what is repeated beyond its minimum.
-WindowFinder::After WindowFinder::repeat(const RxNode& quantifier, int32_t itemMost, Way& way) const {
+WindowFinder::After WindowFinder::repeat(const RxNode& quantifier, int32_t itemMost, Way& way) {
   constexpr int32_t kMaxTimes = 64;
   const int32_t more = maxOf(quantifier) - minOf(quantifier);
   way.joined = false;
