@@ -1,7 +1,7 @@
-// Sets of expressions over one text of 1 MiB, on one thread and on two, beside PCRE2 with one expression
-// after the other, in its interpreter and compiled to machine code (JIT), and RE2::Set, which tells only
-// which of its expressions match. Wall time: the work of two threads counts once. Of the repetitions, the
-// quickest one counts: what else the machine does lengthens wall times only.
+// Sets of expressions over a text or many short ones, on one thread and on two, beside PCRE2 with one
+// expression after the other, in its interpreter and compiled to machine code (JIT), and RE2::Set and
+// Hyperscan, which here tell only which of their expressions match. Wall time: the work of two threads counts
+// once. Of the repetitions, the quickest one counts: what else the machine does lengthens wall times only.
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
@@ -9,6 +9,9 @@
 
 #if defined(_OPENMP)
 #include <omp.h>
+#endif
+#ifdef ULKCH_BENCH_HYPERSCAN
+#include <hs/hs.h>
 #endif
 #ifdef ULKCH_BENCH_RE2
 #include <re2/set.h>
@@ -83,16 +86,43 @@ std::string keyword(size_t i) {
   return (number % 2 ? "(?i)" : "") + word + std::to_string(number);
 }
 
+// People, in three ways to write them. None of them is in the text.
+std::string person(size_t i) {
+  static const char* const kFirst[] = {"James", "Mary",   "Robert", "Linda", "Michael", "Susan",
+                                       "David", "Karen",  "Thomas", "Nancy", "Daniel",  "Lisa",
+                                       "Paul",  "Sandra", "Mark",   "Donna"};
+  static const char* const kLast[] = {"Smith",  "Jones",  "Taylor", "Brown",  "Wilson", "Evans",  "Walker",
+                                      "Wright", "Green",  "Hall",   "Wood",   "Harris", "Clarke", "Jackson",
+                                      "Turner", "Cooper", "Ward",   "Morris", "Moore",  "Hill"};
+  const std::string first = kFirst[(i * 7 + i / 16) % std::size(kFirst)];
+  const std::string last = kLast[(i * 3 + i / 20) % std::size(kLast)];
+  switch (i % 3) {
+    case 0:
+      return "\\b" + first + " " + last + "\\b";
+    case 1:
+      return "(?i)" + last + ", " + first;
+    default:
+      return first + "\\s+(?:[A-Z]\\.\\s*)?" + last;
+  }
+}
+
+enum class Size { kMebibyte, k64Kibibytes, kLines };
+
 struct Set {
   const char* name;
   std::string (*expression)(size_t i);
   Matches matches;
+  Size text;
+  std::vector<size_t> sizes;
 };
 
 const Set kSets[] = {
-    {"keywords/first", keyword, Matches::kFirst},
-    {"mixed/first", mixed, Matches::kFirst},
-    {"mixed/all", mixed, Matches::kAll},
+    {"keywords/first", keyword, Matches::kFirst, Size::kMebibyte, {8, 64, 256, 1000}},
+    {"people/first", person, Matches::kFirst, Size::kMebibyte, {8, 64, 256, 1000}},
+    {"mixed/first", mixed, Matches::kFirst, Size::kMebibyte, {8, 64, 256, 1000}},
+    {"mixed/all", mixed, Matches::kAll, Size::kMebibyte, {8, 64, 256}},
+    {"mixed/64_KiB", mixed, Matches::kFirst, Size::k64Kibibytes, {8, 64, 256}},
+    {"mixed/500_lines", mixed, Matches::kFirst, Size::kLines, {4, 8, 64, 256}},
 };
 
 std::vector<std::string> expressionsOf(const Set& set, size_t size) {
@@ -120,6 +150,18 @@ struct Answer {
   void addExpression(size_t i) { which = which * 31 + static_cast<uint32_t>(i); }
   void addMatch(size_t at, size_t length) { where = where * 31 + static_cast<uint32_t>(at * 7 + length); }
 };
+
+// One text, or lines of which each is searched by itself.
+std::vector<std::string> textsOf(Size size) {
+  std::string text = mixedText();
+  if (size == Size::kMebibyte) return {text};
+  if (size == Size::k64Kibibytes) return {text.substr(0, 1 << 16)};
+  std::vector<std::string> lines;
+  for (size_t at = 0; lines.size() < 500; at = text.find('\n', at) + 1)
+    lines.push_back(text.substr(at, std::min<size_t>(text.find('\n', at) - at, 80)));
+  lines.erase(std::remove(lines.begin(), lines.end(), ""), lines.end());
+  return lines;
+}
 
 using Search = std::function<Answer(const std::string& text)>;
 
@@ -233,6 +275,54 @@ Search re2Set(const std::vector<std::string>& expressions, Matches matches) {
 }
 #endif
 
+#ifdef ULKCH_BENCH_HYPERSCAN
+class HyperscanSet {
+ public:
+  explicit HyperscanSet(const std::vector<std::string>& expressions) {
+    std::vector<const char*> patterns;
+    std::vector<unsigned> flags(expressions.size(), HS_FLAG_MULTILINE | HS_FLAG_SINGLEMATCH);
+    std::vector<unsigned> ids;
+    for (const std::string& expression : expressions) {
+      ids.push_back(static_cast<unsigned>(ids.size() + 1));
+      patterns.push_back(expression.c_str());
+    }
+    hs_compile_error_t* error = nullptr;
+    if (hs_compile_multi(patterns.data(), flags.data(), ids.data(), static_cast<unsigned>(ids.size()),
+                         HS_MODE_BLOCK, nullptr, &database_, &error) != HS_SUCCESS ||
+        hs_alloc_scratch(database_, &scratch_) != HS_SUCCESS)
+      std::abort();
+  }
+  HyperscanSet(const HyperscanSet&) = delete;
+  ~HyperscanSet() {
+    hs_free_scratch(scratch_);
+    hs_free_database(database_);
+  }
+
+  Answer search(const std::string& text) const {
+    std::vector<unsigned> matching;
+    const auto note = [](unsigned id, unsigned long long, unsigned long long, unsigned, void* list) {
+      static_cast<std::vector<unsigned>*>(list)->push_back(id);
+      return 0;
+    };
+    hs_scan(database_, text.data(), static_cast<unsigned>(text.size()), 0, scratch_, note, &matching);
+    std::sort(matching.begin(), matching.end());
+    Answer answer;
+    for (const unsigned id : matching) answer.addExpression(id);
+    return answer;
+  }
+
+ private:
+  hs_database_t* database_ = nullptr;
+  hs_scratch_t* scratch_ = nullptr;
+};
+
+Search hyperscan(const std::vector<std::string>& expressions, Matches matches) {
+  if (matches == Matches::kAll) return {};
+  const auto set = std::make_shared<HyperscanSet>(expressions);
+  return [set](const std::string& text) { return set->search(text); };
+}
+#endif
+
 const Maker kMakers[] = {
     {"ulkch", ours<1>, true},
 #if defined(_OPENMP)
@@ -241,44 +331,71 @@ const Maker kMakers[] = {
 #ifdef ULKCH_BENCH_RE2
     {"re2_set", re2Set, false},
 #endif
+#ifdef ULKCH_BENCH_HYPERSCAN
+    {"hyperscan", hyperscan, false},
+#endif
 #ifdef ULKCH_BENCH_PCRE2
     {"pcre2", pcre2<false>, true},      {"pcre2_jit", pcre2<true>, true},
 #endif
 };
 
+using Texts = std::shared_ptr<const std::vector<std::string>>;
+
+Answer searchAll(const Search& search, const Texts& texts) {
+  Answer all;
+  for (const std::string& text : *texts) {
+    const Answer answer = search(text);
+    all.addExpression(answer.which);
+    all.addMatch(answer.where, 0);
+  }
+  return all;
+}
+
+void addBenchmark(const std::string& name, const std::function<void(benchmark::State&)>& run) {
+  const auto least = [](const std::vector<double>& times) {
+    return *std::min_element(times.begin(), times.end());
+  };
+  benchmark::RegisterBenchmark(name.c_str(), run)->UseRealTime()->ComputeStatistics("least", least);
+}
+
 // The answer of the last contestant is the one expected.
-void addRow(const Set& set, size_t size, const std::shared_ptr<const std::string>& text) {
+void addRow(const Set& set, size_t size, const Texts& texts) {
   const std::vector<std::string> expressions = expressionsOf(set, size);
-  const Answer expected = std::end(kMakers)[-1].make(expressions, set.matches)(*text);
+  const Answer expected = searchAll(std::end(kMakers)[-1].make(expressions, set.matches), texts);
   const std::string name = std::string("sets/") + set.name + "/" + std::to_string(size) + "/";
   for (const Maker& maker : kMakers) {
     if (!maker.make({"a"}, set.matches)) continue;  // cannot do this
-    const auto run = [=](benchmark::State& state) {
+    addBenchmark(name + maker.name, [=](benchmark::State& state) {
       const Search search = maker.make(expressions, set.matches);
-      const Answer answer = search(*text);
+      const Answer answer = searchAll(search, texts);
       if (answer.which != expected.which || (maker.tellsWhere && answer.where != expected.where)) {
         anyWrong = true;
         state.SkipWithError("wrong answer");
         return;
       }
-      for (auto _ : state) benchmark::DoNotOptimize(search(*text));
-    };
-    const auto least = [](const std::vector<double>& times) {
-      return *std::min_element(times.begin(), times.end());
-    };
-    benchmark::RegisterBenchmark((name + maker.name).c_str(), run)
-        ->UseRealTime()
-        ->ComputeStatistics("least", least);
+      for (auto _ : state) benchmark::DoNotOptimize(searchAll(search, texts));
+    });
+  }
+}
+
+// What it takes to make a set and to search a short text for the first time.
+void addCompileRow(const Set& set, size_t size) {
+  const std::vector<std::string> expressions = expressionsOf(set, size);
+  for (const Maker& maker : kMakers) {
+    addBenchmark("sets/compile/" + std::to_string(size) + "/" + maker.name, [=](benchmark::State& state) {
+      for (auto _ : state) benchmark::DoNotOptimize(maker.make(expressions, set.matches)("nothing"));
+    });
   }
 }
 
 }  // namespace
 
 void addSets() {
-  const auto text = std::make_shared<const std::string>(mixedText());
   for (const Set& set : kSets) {
-    for (const size_t size : {8u, 64u, 256u}) addRow(set, size, text);
+    const auto texts = std::make_shared<const std::vector<std::string>>(textsOf(set.text));
+    for (const size_t size : set.sizes) addRow(set, size, texts);
   }
+  for (const size_t size : {8u, 64u, 256u}) addCompileRow(kSets[2], size);
 }
 
 }  // namespace bench

@@ -975,12 +975,13 @@ ULK_API ulkStatus ULK_CALL ulksRegExpMultiDelete(uint32_t id, ulkRegExpMultiStat
 ULK_API ulkStatus ULK_CALL ulksRegExpMultiModify(ulkRegExpState* pRegExpState, uint32_t id,
                                                  ulkRegExpMultiState* pState);
 
-/// Searches a text for every expression of a set, each as ulksRegExpFind_8u() does.
+/// Searches a text for every expression of a set, each as ulksRegExpFind_8u() does, but in one pass over the text
+/// where that takes less time.
 ///
 /// A set with no more slots than the library may use threads (`ownGetNumThreads` of the core library, by
-/// default one for each processor of the process) is searched on the calling thread. For a larger one the
-/// slots, free ones included, are spread in equal blocks over a team of that many threads. A call from inside
-/// a parallel region of OpenMP stays on its thread.
+/// default one for each processor of the process) is searched on the calling thread, and so is one where there
+/// is little to do. Else the slots, free ones included, are spread in equal blocks over a team of that many
+/// threads. A call from inside a parallel region of OpenMP stays on its thread.
 ///
 /// The team's threads wait for the next call, first busily, then asleep, and the library stays loaded for
 /// them. Where other programs need the processors, the environment variable `OMP_WAIT_POLICY=passive` lets

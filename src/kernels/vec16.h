@@ -176,6 +176,10 @@ class Vec16 {
     static_assert(sizeof(Unit) == 1, "there is no such instruction for unsigned 16-bit units");
     return Vec16(_mm_min_epu8(v_, other.v_));
   }
+  ULK_INLINE Vec16 max(Vec16 other) const {
+    static_assert(sizeof(Unit) == 1, "there is no such instruction for unsigned 16-bit units");
+    return Vec16(_mm_max_epu8(v_, other.v_));
+  }
   // All ones in the lanes that are greater as signed numbers.
   ULK_INLINE Vec16 greaterSigned(Vec16 other) const {
     if constexpr (sizeof(Unit) == 1) {

@@ -15,6 +15,7 @@
 
 #include <atomic>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "support/compiled.h"
@@ -100,7 +101,8 @@ class WatchedSet {
 
   ulkStatus find() {
     for (const auto& page : pages_) mprotect(page->begin(), 1, PROT_NONE);
-    return ulksRegExpMultiFind_8u(reinterpret_cast<const uint8_t*>("xa"), 2, results_.data(), set_);
+    return ulksRegExpMultiFind_8u(reinterpret_cast<const uint8_t*>(text_.data()),
+                                  static_cast<int32_t>(text_.size()), results_.data(), set_);
   }
 
   // In the handler: whether the address is on one of the pages.
@@ -114,6 +116,7 @@ class WatchedSet {
   }
 
  private:
+  const std::string text_ = "xa" + std::string(1 << 16, 'x');  // a team is worth its while
   ulkRegExpMultiState* set_ = nullptr;
   std::vector<ulk_test::CompiledExpression> expressions_;
   std::vector<std::unique_ptr<ulk_test::GuardedPages>> pages_;

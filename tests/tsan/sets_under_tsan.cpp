@@ -22,15 +22,19 @@ struct Search {
   ulkRegExpFind records[kSlots][kRecords] = {};
 };
 
-const char text[] = "the quick brown fox jumps over the lazy dog, and over 12 more foxes";
+const char sentence[] = "the quick brown fox jumps over the lazy dog, and over 12 more foxes; ";
+constexpr int32_t kSentence = sizeof sentence - 1;
+char text[600 * kSentence];  // long enough for a team
 
 void prepare(Search& search, bool shared) {
-  const char* const patterns[] = {"(o)(x|v)", "\\w+(?= dog)", "[^ ]*?e\\b", "(\\d)+|lazy", "(?i)FOX.*"};
+  const char* const patterns[] = {"(o)(x|v)",  "\\w+(?= dog)", "[^ ]*?e\\b", "(\\d)+|lazy",
+                                  "(?i)FOX.*", "over \\d+",    "\\w+ dog"};
   ulksRegExpMultiInitAlloc(&search.set, kSlots);
   ulkRegExpState* expression = nullptr;
   int32_t errorOffset = 0;
   for (uint32_t i = 0; i < kSlots; ++i) {
-    if (!shared || i == 0) ulksRegExpInitAlloc(patterns[i % 5], i % 2 ? "g" : "", &expression, &errorOffset);
+    if (!shared || i == 0) ulksRegExpInitAlloc(patterns[i % 7], i % 2 ? "g" : "", &expression, &errorOffset);
+    ulksRegExpSetMatchLimit(INT32_MAX, expression);
     ulksRegExpMultiAdd(expression, i + 1, search.set);
     search.results[i].numFind = kRecords;
     search.results[i].pFind = search.records[i];
@@ -38,7 +42,7 @@ void prepare(Search& search, bool shared) {
 }
 
 void run(Search& search) {
-  ulksRegExpMultiFind_8u(reinterpret_cast<const uint8_t*>(text), sizeof text - 1, search.results, search.set);
+  ulksRegExpMultiFind_8u(reinterpret_cast<const uint8_t*>(text), sizeof text, search.results, search.set);
 }
 
 int numFoundAfterTeam(const Search& search) {
@@ -54,6 +58,7 @@ int main(int argc, char** argv) {
   if (argc != 2) return 2;
   const bool shared = std::strcmp(argv[1], "shared") == 0;
   ulk::testcore::setNumThreads(4);
+  for (size_t i = 0; i < sizeof text; i += kSentence) std::memcpy(text + i, sentence, kSentence);
   static Search searches[2];
   for (Search& search : searches) prepare(search, shared);
   std::thread other([] { run(searches[0]); });

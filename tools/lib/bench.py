@@ -10,7 +10,7 @@ import performance_page
 from bench_results import ROOT, Results, facts, load
 
 ARCHITECTURES = {"linux-i686": "i386", "linux-x86_64": "amd64"}
-PACKAGES = ["libbenchmark-dev", "libbenchmark1debian", "libpcre2-dev", "libre2-dev", "libicu-dev"]
+PACKAGES = ["libbenchmark-dev", "libbenchmark1debian", "libpcre2-dev", "libre2-dev", "libicu-dev", "libhyperscan-dev"]
 
 
 def tell(message):

@@ -28,7 +28,9 @@ FAMILIES = [
     Family("Expressions: compiling", r"regexp/compile/", r""),
     Family("Expressions: compiling 10 KB", r"regexp/compile_long/", r""),
     Family("Replacement in 1 MiB", r"replace/", r""),
-    Family("Sets of expressions over 1 MiB", r"sets/", r""),
+    Family("Sets of expressions over 1 MiB", r"sets/[a-z]+/(first|all)/", r""),
+    Family("Sets of expressions over 64 KiB and over lines", r"sets/mixed/[0-9]", r""),
+    Family("Sets of expressions: compiling", r"sets/compile/", r""),
 ]
 
 
@@ -140,7 +142,7 @@ class Page:
         self.bars_plot("utf", r"utf_.*/4096$", "MB/s of source text", megabytes)
         self.bars_plot("expressions", r"regexp/text/", "MB/s", megabytes)
         self.bars_plot("replacement", r"replace/", "MB/s", megabytes)
-        self.bars_plot("sets", r"sets/", "milliseconds for 1 MiB", lambda time: time.ns / 1e6)
+        self.bars_plot("sets", r"sets/[a-z]+/(first|all)/", "milliseconds for 1 MiB", lambda time: time.ns / 1e6)
 
 
 def label(row):

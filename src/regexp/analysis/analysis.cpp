@@ -21,9 +21,7 @@ void resolveShorthands(ulkRegExpState& state) {
 
 void analyse(ulkRegExpState& state, SpareWords spare) {
   SpareFrames frames(state);
-  bool hasFrames = true;
-  for (int32_t frame : {kStartSetFrame, kStartPairFrame, kPrefilterFrame})
-    hasFrames = hasFrames && frames.take() == frame;
+  const bool hasFrames = frames.takeFrom(kLastFreeFrame + 1);
   resolveShorthands(state);
   linkGroups(state);
   makeClassSets(state, spare);

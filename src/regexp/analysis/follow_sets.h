@@ -1,6 +1,7 @@
 // The bytes that may follow a repeat: their set, which the quantifier points to, and a FollowNote about it.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "regexp/program/program.h"
@@ -15,6 +16,12 @@ class SpareFrames {
   bool any() const { return next_ > highestSerial_; }
   // The index of a frame, 0 when there is none left.
   int32_t take() { return any() ? next_-- : 0; }
+  // The frames from that one up, if all of them are free.
+  bool takeFrom(int32_t first) {
+    if (highestSerial_ >= first) return false;
+    next_ = std::min(next_, first - 1);
+    return true;
+  }
 
  private:
   int32_t highestSerial_;

@@ -15,6 +15,7 @@
 #include "frame/export.h"
 #include "frame/memory.h"
 #include "frame/primitives.h"
+#include "regexp/search/set_scan.h"
 #include "ulkch.h"
 #include "ulkcore.h"
 
@@ -55,25 +56,19 @@ void searchSlots(const uint8_t* text, int32_t length, ulkRegExpMultiFind* result
                  const ulkRegExpMultiState& set, int32_t first, int32_t last) {
   for (int32_t slot = first; slot < last; ++slot) {
     if (!set.pRegExps[slot]) continue;
-    ulkRegExpMultiFind& result = results[slot];
-    result.status = ulkOk;
-    result.id = 0;
-    result.searched = 0;
-    // The exported function also realigns the stack, which the threads of a Windows team need.
-    result.status = ulksRegExpFind_8u(text, length, set.pRegExps[slot], result.pFind, &result.numFind);
-    result.id = set.pIds[slot];
-    result.searched = 1;
+    results[slot].status = ulkOk;
+    results[slot].id = 0;
+    results[slot].searched = 0;
+  }
+  findTogether(text, length, set.pRegExps, results, first, last);
+  for (int32_t slot = first; slot < last; ++slot) {
+    if (!set.pRegExps[slot]) continue;
+    results[slot].id = set.pIds[slot];
+    results[slot].searched = 1;
   }
 }
 
 #if defined(_OPENMP)
-
-// Equal blocks of slots, one for each thread in turn; the last one takes the rest as well.
-struct Partition {
-  int32_t numThreads;
-  int32_t chunk;
-  int32_t rest;
-};
 
 // The threads of a team outlive the search, in code that is part of the DLL: it must stay when its last user
 // unloads it.
@@ -87,21 +82,18 @@ void stayLoaded() {
 
 void searchInParallel(const uint8_t* text, int32_t length, ulkRegExpMultiFind* results,
                       const ulkRegExpMultiState& set) {
+  const int32_t numAsked = ownGetNumThreads();
+  if (numAsked <= 1) return searchSlots(text, length, results, set, 0, set.capacity);
   stayLoaded();
-  Partition partition;
-#pragma omp parallel num_threads(ownGetNumThreads())
+#pragma omp parallel num_threads(numAsked)
   {
-#pragma omp master
-    {
-      partition.numThreads = omp_get_num_threads();
-      partition.chunk = set.capacity / partition.numThreads;
-      partition.rest = set.capacity % partition.numThreads;
-    }
-#pragma omp barrier
+    // Equal blocks of slots, one for each thread in turn; the last one takes the rest as well.
+    const int32_t numThreads = omp_get_num_threads();
     const int32_t thread = omp_get_thread_num();
-    const int32_t first = thread * partition.chunk;
-    const int32_t rest = thread == partition.numThreads - 1 ? partition.rest : 0;
-    searchSlots(text, length, results, set, first, std::min(first + partition.chunk + rest, set.capacity));
+    const int32_t chunk = set.capacity / numThreads;
+    const int32_t first = thread * chunk;
+    const int32_t last = thread == numThreads - 1 ? set.capacity : first + chunk;
+    searchSlots(text, length, results, set, first, last);
   }
 }
 
@@ -175,7 +167,9 @@ ULK_EXPORT ulkStatus ULK_CALL ulksRegExpMultiFind_8u(const uint8_t* pSrc, int32_
                                                      const ulkRegExpMultiState* pState) {
   if (!pSrc || !pState || !pResults) return ulkErrNullPtr;
   if (srcLen < 1) return ulkErrSize;
-  if (pState->capacity <= ownGetNumThreads()) {
+  constexpr int64_t kWorthTeam = 1 << 15;  // less is done before a team has met
+  const int64_t work = prepareToFindTogether(srcLen, pState->pRegExps, pState->capacity);
+  if (pState->capacity <= ownGetNumThreads() || work < kWorthTeam) {
     searchSlots(pSrc, srcLen, pResults, *pState, 0, pState->capacity);
   } else {
     searchInParallel(pSrc, srcLen, pResults, *pState);

@@ -9,6 +9,7 @@
 #include "regexp/program/byte_set.h"
 #include "regexp/program/program.h"
 #include "regexp/program/small_set.h"
+#include "regexp/program/window.h"
 #include "ulkch.h"
 
 namespace ulk {
@@ -80,6 +81,9 @@ enum class StartKind : uint8_t {
   kTextStart,       // at the text start
 };
 
+// What is known of the window of an expression, which frame kWindowFrame tells (analysis/window.h).
+enum class WindowState : uint8_t { kUnknown, kNone, kFound };
+
 struct StartFilter {
   Anchor anchor;
   StartKind kind;
@@ -88,8 +92,9 @@ struct StartFilter {
   bool literals : 1;   // there are several ways to begin, each with a literal, which the pair's frame tells
   bool ascii : 1;      // no match begins with a byte from 0x80 on
   bool hasPair : 1;    // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
-  SmallSet small;      // the set, where it is one
-  int32_t steps;       // that an attempt elsewhere costs
+  WindowState window : 2;
+  SmallSet small;         // the set, where it is one
+  int32_t steps;          // that an attempt elsewhere costs
   int32_t boundarySteps;  // that it costs where there is no word boundary
   int32_t item;           // the node of the one item that every match begins with, -1 if there are several
   int32_t run;            // the quantifier of that item, if runs of it can be passed over, 0 if not
@@ -98,7 +103,10 @@ struct StartFilter {
 inline constexpr int32_t kStartSetFrame = kNumFrames - 1;
 inline constexpr int32_t kStartPairFrame = kNumFrames - 2;
 inline constexpr int32_t kPrefilterFrame = kNumFrames - 3;
-inline constexpr int32_t kLastFreeFrame = kNumFrames - 4;
+inline constexpr int32_t kWindowFrame = kNumFrames - 4;
+inline constexpr int32_t kWindowSetFrame = kNumFrames - 5;
+inline constexpr int32_t kWindowKeysFrame = kWindowSetFrame - kMaxWindowKeys / kKeysInFrame;  // and behind it
+inline constexpr int32_t kLastFreeFrame = kWindowKeysFrame - 1;
 
 // What searches have found out about looking for candidates (prefilter.h).
 enum class PrefilterUse : uint8_t {
@@ -124,6 +132,8 @@ union WorkFrame {
   StartFilter start;
   StartPair pair;
   PrefilterNote prefilter;
+  Window window;
+  WindowKey keys[kKeysInFrame];
 };
 static_assert(sizeof(WorkFrame) == 32);
 

@@ -5,18 +5,12 @@
 
 #include "kernels/find_substring.h"
 #include "kernels/find_unit.h"
-#include "regexp/match/items.h"
-#include "regexp/match/matcher.h"
+#include "regexp/search/attempt.h"
 #include "regexp/search/caseless_search.h"
 #include "regexp/search/starts.h"
-#include "regexp/text/utf8.h"
 
 namespace ulk {
 
-namespace {
-
-// A match ends with the pattern's trailing literal, so nothing after its last occurrence is searched; where
-// it does not occur, only the empty text is left. The cut is the end of the text also for assertions.
 int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, int32_t length) {
   if (state.trailingLiteral < 0) return length;
   const RxNode& literal = state.nodes()[state.trailingLiteral];
@@ -35,13 +29,14 @@ int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, i
   return index < 0 ? 0 : index + literalLength;
 }
 
+namespace {
+
 class Search {
  public:
   Search(ulkRegExpState& state, const uint8_t* text, int32_t length)
       : state_(state),
         starts_(m_, state),
         anchor_(startFilterOf(state).anchor),
-        firstBar_(startFilterOf(state).firstBar),
         end_(text + cutAtTrailingLiteral(state, text, length)) {
     prepareMatcher(m_, state, choices_);
     m_.textStart = text;
@@ -57,63 +52,28 @@ class Search {
   ulkStatus findOne(ulkRegExpFind* records, int32_t* numRecords);
   ulkStatus findAll(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
   bool findFrom(const uint8_t* start, const uint8_t* end);
-  bool matchAt(const uint8_t* start);
-  bool matchFurtherAlternative();
-  const uint8_t* nextStart(const uint8_t* at) const;
   bool outOfBudget() const { return m_.budget.isExhausted(); }
-  void copyCaptures(ulkRegExpFind* records, int32_t first, int32_t last);
+  void writeRecords(ulkRegExpFind* records, int32_t first, int32_t last);
 
   ulkRegExpState& state_;
   MatchContext m_;
   Starts starts_;
   const Anchor anchor_;
-  const int32_t firstBar_;  // at top level, -1 without one
   const uint8_t* const end_;
   const uint8_t* reached_;  // where attempts have been made or left out
   int32_t numWritten_ = 0;
   alignas(RunChoice) std::byte choices_[kSearchChoices];
 };
 
-// The character after the one at `at`; with a line anchor, the next line start. Beyond the end if there is
-// none.
-const uint8_t* Search::nextStart(const uint8_t* at) const {
-  if (at >= m_.textEnd) return m_.textEnd + 1;
-  if (anchor_ == Anchor::kLineStart) {
-    const int32_t newline = findUnit(at, static_cast<int32_t>(m_.textEnd - at), static_cast<uint8_t>('\n'));
-    return newline < 0 ? m_.textEnd + 1 : at + newline + 1;
-  }
-  return *at < 0x80 || state_.format != kFormatUtf8 ? at + 1 : at + decodeMultibyte(at).length;
-}
-
-// Tries the top-level alternatives behind the first one. Options that a failed try has changed stay in force.
-bool Search::matchFurtherAlternative() {
-  for (const RxNode* bar = m_.nodes + firstBar_; bar; bar = nextBar(*bar)) {
-    m_.setOptions(optionsBehind(*bar));
-    if (!m_.budget.isExhausted() && bar + 1 != m_.programEnd && failsAtLiteral(m_, bar + 1, m_.matchStart)) {
-      m_.budget.payStep();
-    } else if (rxMatch(m_, bar + 1)) {
-      return true;
-    }
-  }
-  return false;
-}
-
-bool Search::matchAt(const uint8_t* start) {
-  m_.matchStart = start;
-  for (int32_t i = 1; i < state_.numCaptures; ++i) state_.captures[i] = {nullptr, -1};
-  return rxMatch(m_, m_.nodes) || (firstBar_ >= 0 && matchFurtherAlternative());
-}
-
 // Finds the first match that begins at `start` or later in a text that ends at `end`.
 bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
   m_.textEnd = end;
   const uint8_t* at = start;
   bool found = false;
-  for (; at <= end; at = nextStart(at)) {
+  for (; at <= end; at = nextStart(m_, state_, at)) {
     if (anchor_ == Anchor::kNone) at = starts_.next(at);
     const int32_t budget = m_.budget.left();
-    if (at <= end && budget >= 0 && matchAt(at)) {
-      state_.captures[0] = {at, m_.lengthTo(m_.at)};
+    if (at <= end && budget >= 0 && matchAt(m_, state_, at)) {
       starts_.noteMatch();
       found = true;
       break;
@@ -127,15 +87,15 @@ bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
 }
 
 // Copies slots [first, last) behind the records that are written already.
-void Search::copyCaptures(ulkRegExpFind* records, int32_t first, int32_t last) {
-  for (int32_t i = first; i < last; ++i)
-    records[numWritten_++] = {state_.captures[i].start, state_.captures[i].length};
+void Search::writeRecords(ulkRegExpFind* records, int32_t first, int32_t last) {
+  copyCaptures(state_, first, last, records + numWritten_);
+  numWritten_ += last - first;
 }
 
 ulkStatus Search::findOne(ulkRegExpFind* records, int32_t* numRecords) {
   *numRecords = std::min(*numRecords, state_.numCaptures);
   if (findFrom(m_.textStart, end_)) {
-    copyCaptures(records, 0, *numRecords);
+    writeRecords(records, 0, *numRecords);
     return ulkOk;
   }
   if (outOfBudget()) return ulkErrMatchLimit;
@@ -151,7 +111,7 @@ ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords, bool whol
   const uint8_t* start = m_.textStart;
   while (numWritten_ <= lastFit && start <= end_) {
     if (!findFrom(start, end_)) break;
-    copyCaptures(records, skip, state_.numCaptures);
+    writeRecords(records, skip, state_.numCaptures);
     if (outOfBudget()) return ulkErrMatchLimit;
 
     const CaptureSlot match = state_.captures[0];
@@ -161,7 +121,7 @@ ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords, bool whol
 
     // After an empty match, the next byte alone is searched for a match that is not empty.
     m_.nonEmpty = true;
-    if (findFrom(match.start, match.start + 1)) copyCaptures(records, skip, state_.numCaptures);
+    if (findFrom(match.start, match.start + 1)) writeRecords(records, skip, state_.numCaptures);
     if (outOfBudget()) return ulkErrMatchLimit;
     m_.nonEmpty = false;
   }

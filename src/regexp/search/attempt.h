@@ -1,0 +1,58 @@
+// One attempt of a search: the program's alternatives at one place, and which place comes next.
+#pragma once
+
+#include <cstdint>
+
+#include "kernels/find_unit.h"
+#include "regexp/analysis/start_filter.h"
+#include "regexp/match/items.h"
+#include "regexp/match/matcher.h"
+#include "regexp/text/utf8.h"
+
+namespace ulk {
+
+// A match ends with the pattern's trailing literal, so nothing after its last occurrence is searched; where
+// it does not occur, only the empty text is left. The cut is the end of the text also for assertions. Returns
+// the length up to there.
+int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, int32_t length);
+
+// The character after the one at `at`; with a line anchor, the next line start. Beyond the end if there is
+// none.
+inline const uint8_t* nextStart(const MatchContext& m, const ulkRegExpState& state, const uint8_t* at) {
+  if (at >= m.textEnd) return m.textEnd + 1;
+  if (startFilterOf(state).anchor == Anchor::kLineStart) {
+    const int32_t newline = findUnit(at, static_cast<int32_t>(m.textEnd - at), static_cast<uint8_t>('\n'));
+    return newline < 0 ? m.textEnd + 1 : at + newline + 1;
+  }
+  return *at < 0x80 || state.format != kFormatUtf8 ? at + 1 : at + decodeMultibyte(at).length;
+}
+
+// Tries the top-level alternatives behind the first one. Options that a failed try has changed stay in force.
+inline bool matchFurtherAlternative(MatchContext& m, int32_t firstBar) {
+  for (const RxNode* bar = m.nodes + firstBar; bar; bar = nextBar(*bar)) {
+    m.setOptions(optionsBehind(*bar));
+    if (!m.budget.isExhausted() && bar + 1 != m.programEnd && failsAtLiteral(m, bar + 1, m.matchStart)) {
+      m.budget.payStep();
+    } else if (rxMatch(m, bar + 1)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// Whether the program matches at `start`; then the captures tell where, the whole match in slot 0.
+inline bool matchAt(MatchContext& m, ulkRegExpState& state, const uint8_t* start) {
+  const int32_t firstBar = startFilterOf(state).firstBar;
+  m.matchStart = start;
+  for (int32_t i = 1; i < state.numCaptures; ++i) state.captures[i] = {nullptr, -1};
+  if (!rxMatch(m, m.nodes) && (firstBar < 0 || !matchFurtherAlternative(m, firstBar))) return false;
+  state.captures[0] = {start, m.lengthTo(m.at)};
+  return true;
+}
+
+// Copies slots [first, last).
+inline void copyCaptures(const ulkRegExpState& state, int32_t first, int32_t last, ulkRegExpFind* records) {
+  for (int32_t i = first; i < last; ++i) *records++ = {state.captures[i].start, state.captures[i].length};
+}
+
+}  // namespace ulk
