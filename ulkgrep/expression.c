@@ -11,6 +11,11 @@
 // When its match limit runs out after the last match that it found, it says nothing. So a pattern P is first
 // searched for in the frame (?:P|\z), within the same limit. \z matches at the end of the line whatever P
 // does: when no match begins there, the limit ran out on the way.
+//
+// Of a pattern that ends in a literal, the library takes the last place of that literal for the end of the
+// line, which lookahead sees, and of several alternatives may take it for all. An empty group behind the
+// pattern keeps it from that. A group around it would do so too, but cost a pattern that begins with ".*" its
+// speed.
 #include "expression.h"
 
 #include <stdio.h>
@@ -22,20 +27,36 @@
 // A generous bound of how many steps the frame takes for one step of the pattern.
 enum { kFrameSteps = 8 };
 
-// Puts a pattern between two others. Fails when its levels leave no room for theirs.
-static ulkStatus enclose(const char* before, const char* pattern, const char* after, const char* options,
-                         char** enclosed, ulkRegExpState** state) {
-  // A pattern may end inside \Q or, under x, inside a comment: either would swallow the rest.
+// A pattern may end inside \Q or, under x, inside a comment: either would swallow what comes behind it.
+// Returns what ends them, null when the pattern's levels leave no room for one more.
+static const char* closerOf(const char* pattern, const char* options) {
   static const char* const kClosers[] = {"", "\\E", "\n"};
-  const size_t size = strlen(before) + strlen(pattern) + strlen(after) + sizeof "\\E";
-  *enclosed = reallocate(NULL, size, 1);
-  ulkStatus status = ulkErrRegExpGroup;
-  for (size_t i = 0; i < sizeof kClosers / sizeof *kClosers && status != ulkOk; ++i) {
-    snprintf(*enclosed, size, "%s%s%s%s", before, pattern, kClosers[i], after);
+  const size_t size = strlen(pattern) + sizeof "(?:\\E)";
+  char* const group = reallocate(NULL, size, 1);
+  const char* closer = NULL;
+  for (size_t i = 0; i < sizeof kClosers / sizeof *kClosers && !closer; ++i) {
+    snprintf(group, size, "(?:%s%s)", pattern, kClosers[i]);
+    ulkRegExpState* state;
     int32_t errorOffset;
-    status = ulksRegExpInitAlloc(*enclosed, options, state, &errorOffset);
+    if (ulksRegExpInitAlloc(group, options, &state, &errorOffset) == ulkOk) closer = kClosers[i];
+    ulksRegExpFree(state);
   }
-  return status;
+  free(group);
+  return closer;
+}
+
+// Whether a last literal may end the text for anything but itself.
+static int seesLastLiteral(const char* pattern) {
+  for (const char* at = pattern; (at = strpbrk(at, "|(")) != NULL; ++at)
+    if (*at == '|' || (at[1] == '?' && at[2] != ':')) return 1;
+  return 0;
+}
+
+static char* enclose(const char* before, const char* pattern, const char* closer, const char* after) {
+  const size_t size = strlen(before) + strlen(pattern) + strlen(closer) + strlen(after) + 1;
+  char* const enclosed = reallocate(NULL, size, 1);
+  snprintf(enclosed, size, "%s%s%s%s", before, pattern, closer, after);
+  return enclosed;
 }
 
 ulkStatus compileExpression(Expression* expression, const char* pattern, Extent extent, const char* options,
@@ -48,8 +69,12 @@ ulkStatus compileExpression(Expression* expression, const char* pattern, Extent 
   if (status != ulkOk) return status;
   ulksRegExpFree(expression->first);
   expression->first = NULL;
-  status =
-      enclose(kBefore[extent], pattern, kAfter[extent], options, &expression->pattern, &expression->first);
+  const char* const closer = closerOf(pattern, options);
+  if (!closer) return ulkErrRegExpGroup;
+  const char* const after = extent == EXTENT_ANY && seesLastLiteral(pattern) ? "(?:)" : kAfter[extent];
+  expression->pattern = enclose(kBefore[extent], pattern, closer, after);
+  int32_t offset;
+  status = ulksRegExpInitAlloc(expression->pattern, options, &expression->first, &offset);
   if (status == ulkOk) status = ulksRegExpSetMatchLimit(limit, expression->first);
   return status == ulkOk ? prepareReplacement(&expression->probe, "") : status;
 }
@@ -66,8 +91,9 @@ static ulkStatus compileGlobal(const Expression* expression, const char* before,
                                ulkRegExpState** state) {
   char options[16];
   snprintf(options, sizeof options, "%sg", expression->options);
-  char* pattern;
-  const ulkStatus status = enclose(before, expression->pattern, after, options, &pattern, state);
+  char* const pattern = enclose(before, expression->pattern, "", after);
+  int32_t errorOffset;
+  const ulkStatus status = ulksRegExpInitAlloc(pattern, options, state, &errorOffset);
   free(pattern);
   if (status != ulkOk) return status;
   const int32_t limit = expression->limit;

@@ -28,7 +28,8 @@ typedef struct Rewriter {
   int isOneOfMany;      // patterns
   int depth;            // of groups
   int hasAlternatives;  // outside of groups
-  int mayCross;         // something may still take a newline
+  int hasCaptures;
+  int mayCross;  // something may still take a newline
 } Rewriter;
 
 static void put(Rewriter* rewriter, const char* text) {
@@ -104,6 +105,7 @@ static int rewrite(Rewriter* rewriter) {
           break;
         }
         if (rewriter->from[1] == '?' && rewriter->from[2] != ':') return 0;
+        if (rewriter->from[1] != '?') rewriter->hasCaptures = 1;
         copy(rewriter, rewriter->from[1] == '?' ? 3 : 1);
         ++rewriter->depth;
         break;
@@ -144,7 +146,7 @@ static int rewrite(Rewriter* rewriter) {
 
 // The patterns as one for many lines, in memory with room for a frame; null when they allow none.
 static char* makePattern(const Options* options, Rewriter* rewriter) {
-  size_t size = sizeof "(?:).*";
+  size_t size = sizeof "(?:(?:)).*";
   // No byte becomes more than the eight of "(?=\r?$)".
   for (size_t i = 0; i < options->numPatterns; ++i) size += 8 * strlen(options->patterns[i]) + 1;
   char* const pattern = reallocate(NULL, size, 1);
@@ -159,6 +161,8 @@ static char* makePattern(const Options* options, Rewriter* rewriter) {
       return NULL;
     }
   }
+  // Else the last literal of one alternative may end the text for the others; expression.c tells more.
+  if (rewriter->hasAlternatives) put(rewriter, "(?:)");
   *rewriter->to = '\0';
   return pattern;
 }
@@ -170,8 +174,8 @@ static void compileExpressions(LineFilter* filter, const Options* options) {
   int32_t offset;
   ulksRegExpInitAlloc(pattern, options->ignoreCase ? "im" : "m", &filter->expression, &offset);
   filter->isExact = !rewriter.mayCross && !options->crlf && options->extent == EXTENT_ANY;
-  // With groups, g reports nothing but these.
-  if (filter->isExact && !strchr(pattern + (strncmp(pattern, "(?i)", 4) == 0 ? 4 : 0), '(')) {
+  // With groups that capture, g reports nothing but these.
+  if (filter->isExact && !rewriter.hasCaptures) {
     if (rewriter.hasAlternatives) {
       memmove(pattern + 3, pattern, strlen(pattern) + 1);
       for (int i = 0; i < 3; ++i) pattern[i] = "(?:"[i];

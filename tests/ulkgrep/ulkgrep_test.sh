@@ -99,6 +99,18 @@ row 0 '2\n' --invert-match --count tw
 row 1 '' -v .
 row 0 'one\n' -m 1 o
 row 0 '' -q three
+# A pattern's last literal ends no line for its other alternatives, nor for lookahead.
+input='a warning\nfix colour\nof them\n'
+row 0 'a warning\nfix colour\n' 'warning|colou?r'
+row 0 'warning\ncolour\n' -o 'warning|colou?r'
+row 0 'a <warning>\nfix <colour>\n' --replace '<$&>' -g 'warning|colou?r'
+row 0 'of them\n' -v 'warning|colou?r'
+row 0 'a warning\n' 'warning|x*y'
+row 0 'a warning\n' -e 'warning|x*y' -e zz
+row 0 'a warning\n' -w 'warning|x*y'
+row 0 'a warning\nof them\n' '(?x)warn|th+em|x+y #'
+row 0 'a warning\n' 'warn|\Qx*\Ey+z'
+row 1 '' '^(?!.*the).*of'
 input='word\nwords\na word_ word\n\nwo.rd\n'
 row 0 'word\na word_ word\n' -w word
 row 0 'word\n' -x 'wor.|wo'
@@ -272,6 +284,8 @@ a{2,3}|=
 ^key.*\bx
 ^*x
 -+?-
+text|x?7
+(?:a|e|x){2}|90+y
 END
 
 # --- the match limit
