@@ -699,7 +699,10 @@ typedef struct ulkRegExpFind {
 /// not filled stay as they were.
 ///
 /// When the pattern ends in a literal, the text counts as ending after the last occurrence of that literal,
-/// for "$" and lookahead too; a text in which it does not occur counts as empty.
+/// for "$" and lookahead too; a text in which it does not occur counts as empty. So `^(?!.*admin).*user`
+/// matches in "user admin". Of several alternatives outside of groups, the last one's literal does this to
+/// all of them if a literal with a quantifier stands before it: `warning|colou?r` finds nothing in "a
+/// warning". A group around the whole pattern keeps every literal from it: `(?:warning|colou?r)`.
 ///
 /// What a caller must know to be safe:
 /// - The search may look at bytes after the end of the text, in both formats: at the one after it, and, where

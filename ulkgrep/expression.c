@@ -27,36 +27,34 @@
 // A generous bound of how many steps the frame takes for one step of the pattern.
 enum { kFrameSteps = 8 };
 
-// A pattern may end inside \Q or, under x, inside a comment: either would swallow what comes behind it.
-// Returns what ends them, null when the pattern's levels leave no room for one more.
-static const char* closerOf(const char* pattern, const char* options) {
-  static const char* const kClosers[] = {"", "\\E", "\n"};
-  const size_t size = strlen(pattern) + sizeof "(?:\\E)";
-  char* const group = reallocate(NULL, size, 1);
-  const char* closer = NULL;
-  for (size_t i = 0; i < sizeof kClosers / sizeof *kClosers && !closer; ++i) {
-    snprintf(group, size, "(?:%s%s)", pattern, kClosers[i]);
-    ulkRegExpState* state;
-    int32_t errorOffset;
-    if (ulksRegExpInitAlloc(group, options, &state, &errorOffset) == ulkOk) closer = kClosers[i];
-    ulksRegExpFree(state);
-  }
-  free(group);
-  return closer;
-}
-
-// Whether a last literal may end the text for anything but itself.
-static int seesLastLiteral(const char* pattern) {
-  for (const char* at = pattern; (at = strpbrk(at, "|(")) != NULL; ++at)
-    if (*at == '|' || (at[1] == '?' && at[2] != ':')) return 1;
-  return 0;
-}
-
 static char* enclose(const char* before, const char* pattern, const char* closer, const char* after) {
   const size_t size = strlen(before) + strlen(pattern) + strlen(closer) + strlen(after) + 1;
   char* const enclosed = reallocate(NULL, size, 1);
   snprintf(enclosed, size, "%s%s%s%s", before, pattern, closer, after);
   return enclosed;
+}
+
+// A pattern may end inside \Q or, under x, inside a comment: either would swallow what comes behind it, also
+// a parenthesis that closes nothing. Returns what ends them.
+static const char* closerOf(const char* pattern, const char* options) {
+  static const char* const kClosers[] = {"", "\\E"};
+  for (size_t i = 0; i < sizeof kClosers / sizeof *kClosers; ++i) {
+    char* const closed = enclose("", pattern, kClosers[i], ")");
+    ulkRegExpState* state;
+    int32_t errorOffset;
+    const ulkStatus status = ulksRegExpInitAlloc(closed, options, &state, &errorOffset);
+    ulksRegExpFree(state);
+    free(closed);
+    if (status != ulkOk) return kClosers[i];
+  }
+  return "\n";
+}
+
+// Whether a last literal may end the text for anything but itself: for another alternative or a lookahead.
+static int seesLastLiteral(const char* pattern) {
+  for (const char* at = pattern; (at = strpbrk(at, "|(")) != NULL; ++at)
+    if (*at == '|' || (at[1] == '?' && (at[2] == '=' || at[2] == '!'))) return 1;
+  return 0;
 }
 
 ulkStatus compileExpression(Expression* expression, const char* pattern, Extent extent, const char* options,
@@ -70,7 +68,6 @@ ulkStatus compileExpression(Expression* expression, const char* pattern, Extent 
   ulksRegExpFree(expression->first);
   expression->first = NULL;
   const char* const closer = closerOf(pattern, options);
-  if (!closer) return ulkErrRegExpGroup;
   const char* const after = extent == EXTENT_ANY && seesLastLiteral(pattern) ? "(?:)" : kAfter[extent];
   expression->pattern = enclose(kBefore[extent], pattern, closer, after);
   int32_t offset;

@@ -10,11 +10,14 @@
 
 enum { kRecordsPerPattern = 1000 };  // the match and 999 groups
 
-// The library takes a backslash at the very end for a NUL byte; here it is a slip of the keyboard.
-static int endsInLoneBackslash(const char* pattern) {
+// The library takes the zero behind a backslash, or behind "\c", for the byte that is meant; here it is a
+// slip of the keyboard. Returns the place of that backslash, or null.
+static const char* loneBackslash(const char* pattern) {
+  const char* end = pattern + strlen(pattern);
+  if (end > pattern && end[-1] == 'c') --end;
   size_t backslashes = 0;
-  for (const char* at = pattern + strlen(pattern); at > pattern && at[-1] == '\\'; --at) ++backslashes;
-  return backslashes % 2 == 1;
+  for (const char* at = end; at > pattern && at[-1] == '\\'; --at) ++backslashes;
+  return backslashes % 2 == 1 ? end - 1 : NULL;
 }
 
 // Behind a backslash, a byte that is no letter or digit stands for itself.
@@ -43,9 +46,10 @@ static void escapePatterns(PatternSet* set, Options* options) {
 
 static int compilePattern(Expression* expression, const char* pattern, const Options* options) {
   *expression = (Expression){.pattern = NULL};
-  if (endsInLoneBackslash(pattern)) {
-    complain("the pattern ends in a lone backslash");
-    showCaret(pattern, (int32_t)strlen(pattern) - 1);
+  const char* const backslash = loneBackslash(pattern);
+  if (backslash) {
+    complain("the pattern ends within an escape");
+    showCaret(pattern, (int32_t)(backslash - pattern));
     return 0;
   }
   int32_t offset = -1;

@@ -278,13 +278,20 @@ inline bool ends_in_escape(std::string_view pattern) noexcept {
   return is_escaped(pattern, pattern.size());
 }
 
+// Whether a last literal of the pattern may end the text for anything but itself: for another alternative or
+// a lookahead. Says so more often than is true.
+inline bool sees_last_literal(std::string_view pattern) noexcept {
+  return pattern.find('|') != std::string_view::npos || pattern.find("(?=") != std::string_view::npos ||
+         pattern.find("(?!") != std::string_view::npos;
+}
+
 // What of the text around it an expression may see: nothing, one byte before it and all that follows, or
 // more.
 enum class sight : std::uint8_t { own, near, wide };
 
 // Often says more than is true, as it does not read classes and quotes. Options for a part count as wide, as
-// they may last; so do alternatives beside what sees the end of the text, which a last literal moves; and a
-// "." in front, with which a match begins at the start of a line.
+// they may last; so do alternatives beside what sees the byte before, as exclude_more() puts something in
+// front; and a "." in front, with which a match begins at the start of a line.
 inline sight sight_of(std::string_view pattern) noexcept {
   if (pattern.substr(0, 1) == "." || pattern.substr(0, 4) == "(?:.") return sight::wide;
   bool near = false;
@@ -325,6 +332,12 @@ class regexp {
 #endif
 
   /// Compiles a pattern: 40 KiB and 20 bytes for each of its bytes.
+  ///
+  /// In the functions of ulkch.h a literal at the end of a pattern ends the text behind its last occurrence,
+  /// for lookahead and other alternatives too: there `^(?!.*admin).*user` matches in "user admin", and
+  /// `warning|colou?r` finds nothing in "a warning". Here it does not: such patterns are compiled with an
+  /// empty group behind them, which changes nothing else. It may cost speed, as lines without the literal are
+  /// not passed over.
   /// @param pattern  without zero bytes, and not ending in the middle of an escape (a lone "\" or "\c"):
   ///                 #ulkErrRegExpSyntax
   /// @param options  letters of `simx`. `g` is refused, as the function called tells whether all matches are
@@ -380,9 +393,8 @@ class regexp {
   /// - All others are compiled again, with an alternative that matches at the end of the text: getting there
   ///   tells. Those are expressions with lookbehind, a conditional, options for a part or the option `x`,
   ///   with `|` beside an anchor, `\b` or a lookahead, with a "." at their start, and those that have matched
-  ///   the empty string. They act as in a group then: a last literal does not end the text, options are not
-  ///   carried from one attempt to the next, matches of a leading ".*" may begin within a line. This may be
-  ///   many times slower.
+  ///   the empty string. They act as in a group then: options are not carried from one attempt to the next,
+  ///   matches of a leading ".*" may begin within a line. This may be many times slower.
   ///
   /// As in Perl, an empty match may follow a match at its end. In UTF-8 none is reported before a byte that
   /// continues a character. Behind an empty match, one that is not empty is found at the same place only if
@@ -452,6 +464,21 @@ class regexp {
     return ulksRegExpFind_8u(in.data() + from, in.length() - from, first_.get(), records, count);
   }
 
+  // Keeps a last literal from ending the text. Sets pattern_ to what is searched for.
+  ulkStatus shield(std::string_view pattern) {
+    pattern_ = pattern;
+    if (!detail::sees_last_literal(pattern)) return ulkOk;
+    // A pattern may end inside \Q or a comment; either would swallow what comes behind it, also a parenthesis
+    // that closes nothing.
+    std::int32_t offset = 0;
+    for (const char* closer : {"", "\\E", "\n"}) {
+      pattern_ = std::string(pattern) + closer;
+      if (compile_state(pattern_ + ')', options_, first_, offset) != ulkOk) break;
+    }
+    pattern_ += "(?:)";
+    return compile_state(pattern_, options_, first_, offset);
+  }
+
   static ulkStatus compile_state(const std::string& pattern, const std::string& options, owned_state& into,
                                  std::int32_t& offset) noexcept {
     ulkRegExpState* made = nullptr;
@@ -503,7 +530,7 @@ class regexp {
     return whole;
   }
 
-  std::string pattern_;
+  std::string pattern_;  // as it is searched for
   std::string options_;
   owned_state first_;
   owned_state every_;                          // made by the first find_all()
@@ -534,12 +561,12 @@ inline regexp::compiled regexp::compile(std::string_view pattern, std::string_vi
     return refused(ulkErrRegExpSyntax, zero);
 
   regexp made;
-  made.pattern_ = pattern;
   made.options_ = options;
   std::int32_t offset = 0;
-  const ulkStatus status = compile_state(made.pattern_, made.options_, made.first_, offset);
+  ulkStatus status = compile_state(std::string(pattern), made.options_, made.first_, offset);
   if (status != ulkOk) return refused(status, static_cast<std::size_t>(offset));
   if (detail::ends_in_escape(pattern)) return refused(ulkErrRegExpSyntax, pattern.size());
+  if (status = made.shield(pattern); status != ulkOk) return refused(status, pattern.size());
   made.count_groups();
   made.sight_ = options.find('x') == std::string_view::npos ? detail::sight_of(pattern) : detail::sight::wide;
   return made;

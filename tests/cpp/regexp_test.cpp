@@ -61,8 +61,12 @@ TEST(CppRegexp, FindsAllMatches) {
       {"\\b\\w", "", "on two", "0+1 3+1"},
       {"(?>o+)", "", "too", "1+2"},
       {"(?<=a)b|c", "", "abcb", "1+1 2+1"},
-      {"a(?i)b", "", "axAb", ""},       // an option does not last
-      {"(?=a$)a|x", "", "abx", "2+1"},  // nor does a literal end the text
+      {"a(?i)b", "", "axAb", ""},                                   // an option does not last
+      {"(?=a$)a|x", "", "abx", "2+1"},                              // nor does a literal end the text:
+      {"(?=a$)a", "", "ab", ""},                                    // for lookahead,
+      {"warning|colou?r", "", "a warning, in colour", "2+7 14+6"},  // for other alternatives,
+      {"[ab]|\\Qc*\\Ex*y", "", "abc*", "0+1 1+1"},                  // behind a quote
+      {"a | x*y # |", "x", "ax", "0+1"},                            // or a comment
       {"[^a]$", "", "ab", "1+1"},
       {"(?#)\\Qa|b", "", "xa|ba|b", "1+3 4+3"},  // the frame is not swallowed by a quote,
       {"a # |", "x", "ba a", "1+1 3+1"},         // nor by a comment
@@ -76,9 +80,10 @@ TEST(CppRegexp, FindsAllMatches) {
   }
 }
 
-// What the library's own search for all finds with plenty of everything; nothing if a match is empty.
+// What the library's own search for all finds with plenty of everything, when a last literal does not end the
+// text; nothing if a match is empty.
 std::vector<std::string> foundDirectly(const Expression& from, size_t groups, const std::string& text) {
-  const CompiledExpression state = compiled(from.pattern, (from.options + 'g').c_str());
+  const CompiledExpression state = compiled(from.pattern + "\\E(?:)", (from.options + 'g').c_str());
   ulksRegExpSetMatchLimit(1000000, state.get());
   alignas(16) unsigned char nothing[64];
   auto* const deletion = reinterpret_cast<ulkRegExpReplaceState*>(nothing);
@@ -172,6 +177,7 @@ TEST(CppRegexp, TellsNoMatchFromNotKnown) {
   EXPECT_EQ(expression.replace_all(hostile, "").status(), ulkErrMatchLimit);
   EXPECT_EQ(expression.replace_first(hostile, "").status(), ulkErrMatchLimit);
   EXPECT_EQ(expression.test("ab"), verdict::no_match);
+  EXPECT_EQ(regexp("^(?!.*admin).*user").test("user admin"), verdict::no_match);
   EXPECT_EQ(expression.test("xx"), verdict::match);
   // The limit grows with the text unless it is told not to.
   regexp simple("[a-w]b?");

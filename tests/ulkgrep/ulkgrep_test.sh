@@ -323,7 +323,8 @@ caret '(a)\2' ulkErrRegExpBackRef 4 '      ^'
 caret "$(printf 'e\303\251\303\251[b-a]')" ulkErrRegExpClass 8 '        ^'
 caret "$(printf '\ta**')" ulkErrRegExpQuantifier 3 '  \t  ^'
 caret "$(printf '(?x)a # b\nc+*')" ulkErrRegExpQuantifier 12 '    ^'
-error 2 '' '*lone backslash*' 'a\'
-row 0 'a\n' -e 'a|\\'
+error 2 '' '*within an escape*' 'a\'
+error 2 '' '*within an escape*' 'a\c'
+row 0 'a\n' -e 'a|\\c|\\'
 
 [ "$failures" = 0 ] && echo "$rows rows passed"
