@@ -121,7 +121,9 @@ constexpr std::size_t kMaxLength = std::numeric_limits<std::int32_t>::max();
 }  // namespace detail
 
 /// A view of units: what every function here takes. Made of a standard string or view of Char, of a
-/// zero-terminated string, or of any array or container of units of this width, such as std::span.
+/// zero-terminated string, or of any array or container of units of this width, such as std::span. Of an
+/// array the last unit does not count if it is a zero: so u8"abc" has three. Where a zero is meant, give a
+/// pointer and a size.
 template <class Unit, class Char>
 class basic_units {
  public:
@@ -137,6 +139,11 @@ class basic_units {
                                                       !std::is_convertible_v<const Container&, view_type>>>
   basic_units(const Container& units) noexcept
       : view_(reinterpret_cast<const Char*>(std::data(units)), std::size(units)) {}
+  template <class Element, std::size_t size,
+            class = std::enable_if_t<detail::holds_units<Element[size], sizeof(Unit)>::value &&
+                                     !std::is_convertible_v<const Element*, view_type>>>
+  basic_units(const Element (&array)[size]) noexcept
+      : view_(reinterpret_cast<const Char*>(array), size - (array[size - 1] == Element{} ? 1 : 0)) {}
 
   [[nodiscard]] constexpr view_type view() const noexcept { return view_; }
   [[nodiscard]] constexpr std::size_t size() const noexcept { return view_.size(); }
