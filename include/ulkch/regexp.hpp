@@ -285,6 +285,13 @@ inline bool sees_last_literal(std::string_view pattern) noexcept {
          pattern.find("(?!") != std::string_view::npos;
 }
 
+// Whether an expression may see where the text ends. Says so more often than is true.
+inline bool sees_end(std::string_view pattern) noexcept {
+  for (const char* sight : {"$", "\\z", "\\Z", "(?=", "(?!"})
+    if (pattern.find(sight) != std::string_view::npos) return true;
+  return false;
+}
+
 // What of the text around it an expression may see: nothing, one byte before it and all that follows, or
 // more.
 enum class sight : std::uint8_t { own, near, wide };
@@ -398,7 +405,8 @@ class regexp {
   ///
   /// As in Perl, an empty match may follow a match at its end. In UTF-8 none is reported before a byte that
   /// continues a character. Behind an empty match, one that is not empty is found at the same place only if
-  /// it fits into one byte.
+  /// it fits into one byte; and not at all for a pattern with `$`, `\z`, `\Z` or lookahead, as the library
+  /// would take the end of that byte for the end of the text.
   ///
   /// @return the matches, and whether they are all. Of those that are compiled again, an expression with 999
   ///         groups or so many levels is refused with #ulkErrRegExpGroup; one with N groups, N above 8, and
@@ -648,17 +656,21 @@ inline regexp::all_records regexp::collect(const detail::readable& in, std::size
   return found;
 }
 
-// Takes over what was found: without the matches of the frame, and without those inside a character, which
-// the library finds where it goes on behind an empty match by one byte.
+// Takes over what was found, without the matches of the frame. Behind an empty match the library looks at one
+// byte as if the text ended there, and goes on behind it: what owes itself to that is left out too, matches
+// at such an end and matches inside a character.
 inline void regexp::keep(const detail::readable& in, const all_records& found, matches& into) const {
   const std::uint8_t* last_end = in.data();
+  const std::uint8_t* empty = nullptr;  // where an empty match stands
+  const bool sees_end = detail::sees_end(pattern_);
   into.records_.reserve(found.records.size());
   for (std::size_t i = 0; i < found.records.size(); i += found.per_match) {
     const ulkRegExpFind& whole = found.records[i];
     const bool is_frame = is_framed() && found.records[i + groups_ + 1].pFound;
     const bool inside =
         whole.lenFound == 0 && encoding_ == encoding::utf8 && detail::continues(*whole.pFound);
-    if (is_frame || inside || whole.pFound < last_end) continue;
+    if (is_frame || inside || whole.pFound < last_end || (whole.pFound == empty && sees_end)) continue;
+    if (whole.lenFound == 0) empty = whole.pFound;
     for (std::size_t group = 0; group <= groups_; ++group)
       into.records_.push_back(in.in_original(found.records[i + group]));
     last_end = whole.pFound + into.records_[into.records_.size() - groups_ - 1].lenFound;

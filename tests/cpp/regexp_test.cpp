@@ -53,6 +53,7 @@ TEST(CppRegexp, FindsAllMatches) {
       {"a*", "", "baa", "0+0 1+2 3+0"},
       {"|x", "", "ax", "0+0 1+0 1+1 2+0"},
       {"x*", "", "\xc3\xa9x\xe2\x82\xac", "0+0 2+1 3+0 6+0"},  // none inside a character
+      {"^\\s*$", "m", "a\n\nb\n", "2+0"},  // the byte behind an empty match is no end of the text
       {"", "", "", "0+0"},
       {"$", "", "", "0+0"},
       {"a", "", "", ""},
