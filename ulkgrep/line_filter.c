@@ -59,7 +59,7 @@ static int rewriteEscape(Rewriter* rewriter) {
     rewriter->from += 2;
     return 1;
   }
-  if (letter == '\0' || letter == '\n') return 0;
+  if (letter == '\0') return 0;
   if (isAlphanumeric(letter) && !strchr("wdbBSfrtvae", letter)) return 0;
   copy(rewriter, 2);
   return 1;
@@ -135,8 +135,6 @@ static int rewrite(Rewriter* rewriter) {
         copy(rewriter, (size_t)(end - rewriter->from));
         break;
       }
-      case '\n':
-        return 0;
       default:
         copy(rewriter, 1);
     }
@@ -148,13 +146,13 @@ static int rewrite(Rewriter* rewriter) {
 static char* makePattern(const Options* options, Rewriter* rewriter) {
   size_t size = sizeof "(?:(?:)).*";
   // No byte becomes more than the eight of "(?=\r?$)".
-  for (size_t i = 0; i < options->numPatterns; ++i) size += 8 * strlen(options->patterns[i]) + 1;
+  for (size_t i = 0; i < options->patterns.count; ++i) size += 8 * strlen(options->patterns.items[i]) + 1;
   char* const pattern = reallocate(NULL, size, 1);
-  *rewriter = (Rewriter){.to = pattern, .crlf = options->crlf, .isOneOfMany = options->numPatterns > 1};
+  *rewriter = (Rewriter){.to = pattern, .crlf = options->crlf, .isOneOfMany = options->patterns.count > 1};
   rewriter->hasAlternatives = rewriter->isOneOfMany;
-  for (size_t i = 0; i < options->numPatterns; ++i) {
+  for (size_t i = 0; i < options->patterns.count; ++i) {
     if (i > 0) put(rewriter, "|");
-    rewriter->from = options->patterns[i];
+    rewriter->from = options->patterns.items[i];
     rewriter->start = rewriter->from;
     if (!rewrite(rewriter)) {
       free(pattern);
@@ -195,8 +193,9 @@ static int isWorthwhile(const uint8_t* string, int32_t length) {
 
 void compileFilter(LineFilter* filter, const Options* options) {
   *filter = (LineFilter){.expression = NULL};
-  if (options->numPatterns == 1 && !options->ignoreCase) {
-    const char* const pattern = options->patterns[0];
+  if (options->patterns.count == 0) return;
+  if (options->patterns.count == 1 && !options->ignoreCase) {
+    const char* const pattern = options->patterns.items[0];
     filter->string = reallocate(NULL, strlen(pattern) + 1, 1);
     int isWhole = 0;
     filter->stringLength = (int32_t)findRequired(pattern, (char*)filter->string, &isWhole);

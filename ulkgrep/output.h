@@ -16,11 +16,12 @@ typedef struct Line {
   int hasNewline;  // behind that
 } Line;
 
+void printName(const Options* options, const char* file);
 void printCount(const Options* options, const char* file, uint64_t count);
 void printSeparator(void);
 
-// To be called first.
-void prepareOutput(void);
+// To be called before anything is printed.
+void prepareOutput(const Options* options);
 
 // A line around the chosen ones.
 void printContext(const Options* options, const Line* line);

@@ -21,26 +21,25 @@ static const char* loneBackslash(const char* pattern) {
 }
 
 // Behind a backslash, a byte that is no letter or digit stands for itself.
-static char* escape(char* to, const char* from) {
-  for (; *from; ++from) {
-    const unsigned char byte = (unsigned char)*from;
+static char* escape(const char* string) {
+  char* const escaped = reallocate(NULL, 2 * strlen(string) + 1, 1);
+  char* to = escaped;
+  for (; *string; ++string) {
+    const unsigned char byte = (unsigned char)*string;
     const int isPlain = byte >= 0x80 || byte == '_' || (byte >= '0' && byte <= '9') ||
                         ((byte | 0x20) >= 'a' && (byte | 0x20) <= 'z');
     if (!isPlain) *to++ = '\\';
     *to++ = (char)byte;
   }
   *to = '\0';
-  return to + 1;
+  return escaped;
 }
 
-static void escapePatterns(PatternSet* set, Options* options) {
-  size_t size = 0;
-  for (size_t i = 0; i < options->numPatterns; ++i) size += 2 * strlen(options->patterns[i]) + 1;
-  char* to = set->escaped = reallocate(NULL, size, 1);
-  for (size_t i = 0; i < options->numPatterns; ++i) {
-    char* const escaped = to;
-    to = escape(to, options->patterns[i]);
-    options->patterns[i] = escaped;
+static void escapePatterns(PatternList* list) {
+  for (size_t i = 0; i < list->count; ++i) {
+    char* const escaped = escape(list->items[i]);
+    free(list->items[i]);
+    list->items[i] = escaped;
   }
 }
 
@@ -66,15 +65,16 @@ static int compilePattern(Expression* expression, const char* pattern, const Opt
 }
 
 int compilePatterns(PatternSet* set, Options* options) {
-  const size_t count = options->numPatterns;
-  if (options->fixedStrings) escapePatterns(set, options);
+  const size_t count = options->patterns.count;
+  if (options->fixedStrings) escapePatterns(&options->patterns);
+  if (count == 0) return 1;
   set->expressions = reallocate(NULL, count, sizeof *set->expressions);
   set->results = reallocate(NULL, count, sizeof *set->results);
   set->records = reallocate(NULL, count * kRecordsPerPattern, sizeof *set->records);
   ulkStatus status = ulksRegExpMultiInitAlloc(&set->state, (uint32_t)count);
   for (size_t i = 0; i < count; ++i) {
     Expression* const expression = &set->expressions[set->count++];
-    if (!compilePattern(expression, options->patterns[i], options)) return 0;
+    if (!compilePattern(expression, options->patterns.items[i], options)) return 0;
     if (status == ulkOk) status = ulksRegExpMultiAdd(expression->first, (uint32_t)i + 1, set->state);
     set->results[i].pFind = set->records + i * kRecordsPerPattern;
   }
@@ -88,7 +88,6 @@ void freePatterns(PatternSet* set) {
   free(set->expressions);
   free(set->results);
   free(set->records);
-  free(set->escaped);
 }
 
 void searchPatterns(PatternSet* set, const uint8_t* line, int32_t length) {

@@ -68,7 +68,7 @@ static void showMatches(Grep* grep, const Line* line, int32_t pattern) {
     }
   }
   (grep->options.onlyMatches ? printMatches : printLine)(
-      &grep->options, line, grep->options.patterns[pattern], records,
+      &grep->options, line, grep->options.patterns.items[pattern], records,
       keepVisible(line, records, numRecords, first->numFind));
 }
 
@@ -95,7 +95,7 @@ static void showReplaced(Grep* grep, const Line* line, int32_t pattern) {
                  isUnset ? "the template names a group that took no part in a match" : describe(status));
     }
   }
-  printLine(&grep->options, &shown, grep->options.patterns[pattern], NULL, 0);
+  printLine(&grep->options, &shown, grep->options.patterns.items[pattern], NULL, 0);
 }
 
 static void showLine(Grep* grep, const Line* line, int32_t leftmost) {
@@ -199,7 +199,7 @@ static int takeLine(FileSearch* search, size_t start, const Line* line, int32_t 
   ++search->taken;
   if (options->report == REPORT_LINES) {
     if (search->isBinary) {
-      printf("%s: binary file matches\n", search->file);
+      printf("ulkgrep: %s: binary file matches\n", search->file);
       return 0;
     }
     printLinesBefore(search, start);
