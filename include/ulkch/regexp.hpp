@@ -432,16 +432,20 @@ class regexp {
 
   /// A text with the first match replaced; where there is none, a copy.
   [[nodiscard]] result<std::string> replace_first(const text& in, const replacement& by) {
-    const search_result found = search(in);
-    if (found.status() != ulkOk) return failure{found.status()};
-    const auto append = [&](const match& of, std::string& to) { by.expand(of, to); };
-    if (!found) return std::string(in.view());
-    return replaced(in, std::initializer_list<match>{found}, append);
+    return replace_first(in, [&](const match& found, std::string& to) { by.expand(found, to); });
   }
   [[nodiscard]] result<std::string> replace_first(const text& in, std::string_view by) {
     const result<replacement> prepared = replacement::compile(by);
     if (!prepared) return failure{prepared.status()};
     return replace_first(in, *prepared);
+  }
+  /// The same by a function, as for replace_all().
+  template <class Append, class = std::enable_if_t<std::is_invocable_v<Append&, const match&, std::string&>>>
+  [[nodiscard]] result<std::string> replace_first(const text& in, Append&& append) {
+    const search_result found = search(in);
+    if (found.status() != ulkOk) return failure{found.status()};
+    if (!found) return std::string(in.view());
+    return replaced(in, std::initializer_list<match>{found}, append);
   }
 
   // Matches in a string that ends with the expression would be left without their text.
@@ -582,7 +586,11 @@ inline regexp::compiled regexp::compile(std::string_view pattern, std::string_vi
 
 #if ULKCH_HAS_EXCEPTIONS
 inline regexp::regexp(std::string_view pattern, std::string_view options)
-    : regexp(compile(pattern, options).value()) {}
+    : regexp([&] {
+        compiled made = compile(pattern, options);
+        if (!made) throw error(made.status(), made.error_offset, pattern);
+        return std::move(*made);
+      }()) {}
 #endif
 
 // Compiles what find_all() searches for.

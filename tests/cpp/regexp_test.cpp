@@ -207,6 +207,12 @@ TEST(CppRegexp, RefusesPatternsAndTexts) {
     EXPECT_EQ(refused->find_all("a").status(), ulkErrInvalidState);
     EXPECT_THROW(regexp(c.pattern, c.options), ulkch::error);
   }
+  try {
+    regexp refused("(\\d+) [x");
+  } catch (const ulkch::error& why) {
+    EXPECT_EQ(why.offset(), 8u);
+    EXPECT_EQ(why.what(), "bad character class in the pattern, at byte 8 of \"(\\d+) [x\""sv);
+  }
   EXPECT_TRUE(regexp::compile("a\\\\c\\\\"));
   EXPECT_EQ(regexp("^(.)(.)(.)(.)(.)(.)(.)(.)(.)\\10|").find_all("a").status(), ulkErrRegExpBackRef);
   const std::string_view huge("a", size_t{INT32_MAX} + 1);  // not read
@@ -289,9 +295,9 @@ TEST(CppRegexp, Replaces) {
     EXPECT_EQ(*expression.replace_first(c.text, c.by), c.first) << c.pattern;
   }
   regexp word("\\w+");
-  EXPECT_EQ(*word.replace_all("a bc"s, [](const ulkch::match& m,
-                                          std::string& to) { to += std::to_string(m[0].size()) + "$"; }),
-            "1$ 2$");
+  const auto size = [](const ulkch::match& m, std::string& to) { to += std::to_string(m[0].size()) + "$"; };
+  EXPECT_EQ(*word.replace_all("a bc", size), "1$ 2$");
+  EXPECT_EQ(*word.replace_first("ab c", size), "2$ c");
   for (const char* bad : {"$", "a$x", "$0", "$00"}) {
     EXPECT_EQ(ulkch::replacement::compile(bad).status(), ulkErrRegExpBackRef);
     EXPECT_EQ(word.replace_all("a", bad).status(), ulkErrRegExpBackRef);
@@ -305,7 +311,7 @@ TEST(CppRegexpSet, TellsOfEachMember) {
   EXPECT_EQ(set.add("error", regexp("error (\\d+)")), ulkOk);
   EXPECT_EQ(set.add("slow", regexp("^(x+x+)+[yz]?$")), ulkOk);
   EXPECT_EQ(set.add("empty", regexp("^$")), ulkOk);
-  EXPECT_EQ(set.add("empty", regexp("a")), ulkErrBadId);
+  EXPECT_EQ(ulkch::status_text(set.add("empty", regexp("a"))), "the set has a member of this name already");
   EXPECT_EQ(set.add("none", regexp()), ulkErrInvalidState);
   const std::string text = "error 17";
   const ulkch::set_result found = set.search(text);

@@ -185,6 +185,9 @@ TEST(CppStrings, TellsStatuses) {
   EXPECT_EQ(ulkch::status_text(ulkErrMatchLimit), "the match limit ran out during the search");
   EXPECT_EQ(ulkch::status_text(1), "unknown status");
   EXPECT_EQ(ulkch::result<int>(7).value(), 7);
+  ulkch::result<int> number(7);
+  number.value() = 8;
+  EXPECT_EQ(std::as_const(number).value(), 8);
   EXPECT_THROW(static_cast<void>(ulkch::result<int>(ulkch::failure{ulkErrSize}).value()), ulkch::error);
 }
 
