@@ -345,8 +345,9 @@ class regexp {
   /// `warning|colou?r` finds nothing in "a warning". Here it does not: such patterns are compiled with an
   /// empty group behind them, which changes nothing else. It may cost speed, as lines without the literal are
   /// not passed over.
-  /// @param pattern  without zero bytes, and not ending in the middle of an escape (a lone "\" or "\c"):
-  ///                 #ulkErrRegExpSyntax
+  /// @param pattern  without zero bytes, and not ending in the middle of an escape, in a lone backslash or
+  /// one with a
+  ///                 "c" behind it: #ulkErrRegExpSyntax
   /// @param options  letters of `simx`. `g` is refused, as the function called tells whether all matches are
   ///                 meant: #ulkErrRegExpOptions
   /// @return the expression, or the status and where in the pattern the error was noticed
