@@ -57,10 +57,18 @@ static int seesLastLiteral(const char* pattern) {
   return 0;
 }
 
+// Whether options change on the way. The library leaves them changed for its next attempt; but not in a
+// group.
+static int changesOptions(const char* pattern) {
+  for (const char* at = pattern; (at = strstr(at, "(?")) != NULL; at += 2)
+    if (at > pattern && at[2] && strchr("imsx-", at[2])) return 1;
+  return 0;
+}
+
 ulkStatus compileExpression(Expression* expression, const char* pattern, Extent extent, const char* options,
                             int32_t limit, int32_t* errorOffset) {
-  static const char* const kBefore[] = {"", "(?<!\\w)(?:", "^(?:"};
-  static const char* const kAfter[] = {"", ")(?!\\w)", ")$"};
+  static const char* const kBefore[] = {"(?:", "(?<!\\w)(?:", "^(?:"};
+  static const char* const kAfter[] = {")", ")(?!\\w)", ")$"};
   *expression = (Expression){.options = options, .limit = limit};
   // By itself first: errors are those of the pattern that was given.
   ulkStatus status = ulksRegExpInitAlloc(pattern, options, &expression->first, errorOffset);
@@ -68,12 +76,15 @@ ulkStatus compileExpression(Expression* expression, const char* pattern, Extent 
   ulksRegExpFree(expression->first);
   expression->first = NULL;
   const char* const closer = closerOf(pattern, options);
-  const char* const after = extent == EXTENT_ANY && seesLastLiteral(pattern) ? "(?:)" : kAfter[extent];
-  expression->pattern = enclose(kBefore[extent], pattern, closer, after);
+  if (extent == EXTENT_ANY && !changesOptions(pattern)) {
+    expression->pattern = enclose("", pattern, closer, seesLastLiteral(pattern) ? "(?:)" : "");
+  } else {
+    expression->pattern = enclose(kBefore[extent], pattern, closer, kAfter[extent]);
+  }
   int32_t offset;
   status = ulksRegExpInitAlloc(expression->pattern, options, &expression->first, &offset);
   if (status == ulkOk) status = ulksRegExpSetMatchLimit(limit, expression->first);
-  return status == ulkOk ? prepareReplacement(&expression->probe, "") : status;
+  return status == ulkOk ? prepareReplacement(&expression->found, "") : status;
 }
 
 void freeExpression(Expression* expression) {
@@ -81,7 +92,7 @@ void freeExpression(Expression* expression) {
   ulksRegExpFree(expression->first);
   ulksRegExpFree(expression->every);
   ulksRegExpFree(expression->framed);
-  freeReplacement(&expression->probe);
+  freeReplacement(&expression->found);
 }
 
 static ulkStatus compileGlobal(const Expression* expression, const char* before, const char* after,
@@ -97,24 +108,23 @@ static ulkStatus compileGlobal(const Expression* expression, const char* before,
   return ulksRegExpSetMatchLimit(limit > INT32_MAX / kFrameSteps ? INT32_MAX : limit * kFrameSteps, *state);
 }
 
-static ulkStatus searchFramed(Expression* expression, int32_t recordsPerMatch, const uint8_t* line,
-                              int32_t length) {
-  Replacement* probe = &expression->probe;
+ulkStatus findEvery(Expression* expression, int32_t recordsPerMatch, const uint8_t* line, int32_t length) {
+  Replacement* found = &expression->found;
   ulkStatus status =
       expression->framed ? ulkOk : compileGlobal(expression, "(?:", "|\\z)", &expression->framed);
   if (status != ulkOk) return status;
-  status = replaceMatches(probe, expression->framed, REPLACE_EVERY, recordsPerMatch, line, length);
+  status = replaceMatches(found, expression->framed, REPLACE_EVERY, recordsPerMatch, line, length);
   if (status != ulkOk) return status;
-  if (probe->numRecords == 0) return ulkErrMatchLimit;
+  if (found->numRecords == 0) return ulkErrMatchLimit;
   const uint8_t* end = line + length;
-  const ulkRegExpFind* last = &probe->records[probe->numRecords - recordsPerMatch];
+  const ulkRegExpFind* last = &found->records[found->numRecords - recordsPerMatch];
   // Behind a match that is reported to end past the line, nothing is looked for.
   return last->pFound == end || last->pFound + last->lenFound > end ? ulkOk : ulkErrMatchLimit;
 }
 
 ulkStatus replaceEvery(Expression* expression, Replacement* replacement, int32_t recordsPerMatch,
                        const uint8_t* line, int32_t length) {
-  ulkStatus status = searchFramed(expression, recordsPerMatch, line, length);
+  ulkStatus status = findEvery(expression, recordsPerMatch, line, length);
   if (status == ulkOk && !expression->every) status = compileGlobal(expression, "", "", &expression->every);
   if (status != ulkOk) return status;
   return replaceMatches(replacement, expression->every, REPLACE_EVERY, recordsPerMatch, line, length);

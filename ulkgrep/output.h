@@ -9,7 +9,7 @@
 
 typedef struct Line {
   const char* file;
-  uint64_t number;
+  uint64_t number;  // where it is to be printed
   const uint8_t* bytes;
   int32_t length;
   int hasReturn;   // a carriage return behind it belongs to its end

@@ -111,6 +111,7 @@ row 0 'a warning\n' -w 'warning|x*y'
 row 0 'a warning\nof them\n' '(?x)warn|th+em|x+y #'
 row 0 'a warning\n' 'warn|\Qx*\Ey+z'
 row 1 '' '^(?!.*the).*of'
+row 0 'of them\n' 'IX|(?i)THEM'  # nor do options last
 input='word\nwords\na word_ word\n\nwo.rd\n'
 row 0 'word\na word_ word\n' -w word
 row 0 'word\n' -x 'wor.|wo'
