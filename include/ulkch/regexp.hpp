@@ -285,6 +285,16 @@ inline bool sees_last_literal(std::string_view pattern) noexcept {
          pattern.find("(?!") != std::string_view::npos;
 }
 
+// Whether options change on the way. The library leaves them changed for its next attempt; but not in a
+// group.
+inline bool changes_options(std::string_view pattern) noexcept {
+  for (std::size_t at = pattern.find("(?", 1); at < pattern.size(); at = pattern.find("(?", at + 2)) {
+    const char letter = at + 2 < pattern.size() ? pattern[at + 2] : '\0';
+    if (letter != '\0' && std::strchr("imsx-", letter)) return true;
+  }
+  return false;
+}
+
 // Whether an expression may see where the text ends. Says so more often than is true.
 inline bool sees_end(std::string_view pattern) noexcept {
   for (const char* sight : {"$", "\\z", "\\Z", "(?=", "(?!"})
@@ -343,8 +353,9 @@ class regexp {
   /// In the functions of ulkch.h a literal at the end of a pattern ends the text behind its last occurrence,
   /// for lookahead and other alternatives too: there `^(?!.*admin).*user` matches in "user admin", and
   /// `warning|colou?r` finds nothing in "a warning". Here it does not: such patterns are compiled with an
-  /// empty group behind them, which changes nothing else. It may cost speed, as lines without the literal are
-  /// not passed over.
+  /// empty group behind them, which changes nothing else. It may cost speed, as texts without the literal are
+  /// not passed over. There, too, options that change within a pattern, as in `a(?i)b`, stay changed when the
+  /// next place is tried; here such patterns are compiled in a group, and they do not.
   /// @param pattern  without zero bytes, and not ending in the middle of an escape, in a lone backslash or
   /// one with a
   ///                 "c" behind it: #ulkErrRegExpSyntax
@@ -401,8 +412,8 @@ class regexp {
   /// - All others are compiled again, with an alternative that matches at the end of the text: getting there
   ///   tells. Those are expressions with lookbehind, a conditional, options for a part or the option `x`,
   ///   with `|` beside an anchor, `\b` or a lookahead, with a "." at their start, and those that have matched
-  ///   the empty string. They act as in a group then: options are not carried from one attempt to the next,
-  ///   matches of a leading ".*" may begin within a line. This may be many times slower.
+  ///   the empty string. Matches of a leading ".*" may begin within a line then. This may be many times
+  ///   slower.
   ///
   /// As in Perl, an empty match may follow a match at its end. In UTF-8 none is reported before a byte that
   /// continues a character. Behind an empty match, one that is not empty is found at the same place only if
@@ -477,10 +488,12 @@ class regexp {
     return ulksRegExpFind_8u(in.data() + from, in.length() - from, first_.get(), records, count);
   }
 
-  // Keeps a last literal from ending the text. Sets pattern_ to what is searched for.
+  // Keeps a last literal from ending the text, and options from lasting. Sets pattern_ to what is searched
+  // for.
   ulkStatus shield(std::string_view pattern) {
     pattern_ = pattern;
-    if (!detail::sees_last_literal(pattern)) return ulkOk;
+    const bool in_group = detail::changes_options(pattern);
+    if (!in_group && !detail::sees_last_literal(pattern)) return ulkOk;
     // A pattern may end inside \Q or a comment; either would swallow what comes behind it, also a parenthesis
     // that closes nothing.
     std::int32_t offset = 0;
@@ -488,7 +501,7 @@ class regexp {
       pattern_ = std::string(pattern) + closer;
       if (compile_state(pattern_ + ')', options_, first_, offset) != ulkOk) break;
     }
-    pattern_ += "(?:)";
+    pattern_ = in_group ? "(?:" + pattern_ + ')' : pattern_ + "(?:)";
     return compile_state(pattern_, options_, first_, offset);
   }
 

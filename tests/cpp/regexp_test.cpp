@@ -179,6 +179,7 @@ TEST(CppRegexp, TellsNoMatchFromNotKnown) {
   EXPECT_EQ(expression.replace_first(hostile, "").status(), ulkErrMatchLimit);
   EXPECT_EQ(expression.test("ab"), verdict::no_match);
   EXPECT_EQ(regexp("^(?!.*admin).*user").test("user admin"), verdict::no_match);
+  EXPECT_EQ(regexp("a(?i)b").test("axAb"), verdict::no_match);
   EXPECT_EQ(expression.test("xx"), verdict::match);
   // The limit grows with the text unless it is told not to.
   regexp simple("[a-w]b?");
