@@ -337,7 +337,11 @@ row 0 'a\n' --limit 2147483647 -o '(a)'
 # --- the command line and the pattern
 input='a\n'
 error 2 '' 'usage: ulkgrep *'
-error 2 '' 'ulkgrep: *-- *k*usage: ulkgrep *' -k a
+error 2 '' 'ulkgrep: -k is no option*usage: ulkgrep *' -nk a
+error 2 '' 'ulkgrep: --in is no option, *' --in a
+error 2 '' 'ulkgrep: --count=1 is no option, *' --count=1 a
+error 2 '' 'ulkgrep: -A needs an argument*' -nA
+error 2 '' 'ulkgrep: --regexp needs an argument*' --regexp
 error 2 '' '*-g *needs --replace*' -g a
 error 2 '' '*-v and --replace *' -v --replace b a
 error 2 '' '*-A takes *' -A x a
