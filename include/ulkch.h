@@ -721,9 +721,9 @@ typedef struct ulkRegExpFind {
 /// @param[in,out] pRegExpState  the compiled expression; must not come from a failed compile
 /// @param[out]    pFind         the records
 /// @param[in,out] pNumFind      in: the number of records in `pFind`, at least 1. Out: the number filled, 0
-///                              when nothing matches. A search for `|P` in an empty text fills one record more
-///                              than `P` has groups. Must not be null: unlike the other pointers, it is used
-///                              without a check
+///                              when nothing matches. A search for `|P` in an empty text fills one record
+///                              more than `P` has groups. Must not be null: unlike the other pointers, it is
+///                              used without a check
 /// @retval ulkOk               `*pNumFind` records are filled. Without `g`, 0 means that nothing matches.
 ///                             With `g` it does not mean that the whole text was searched, not even when
 ///                             nothing was found: the limit may have run out behind the last match. To
