@@ -65,11 +65,17 @@ static int changesOptions(const char* pattern) {
   return 0;
 }
 
+// Whether every match begins at the start of a line.
+static int isAtStart(const char* pattern, Extent extent) {
+  if (extent == EXTENT_LINE) return 1;
+  return pattern[0] == '^' && !strchr(pattern, '|') && (pattern[1] == '\0' || !strchr("*+?{", pattern[1]));
+}
+
 ulkStatus compileExpression(Expression* expression, const char* pattern, Extent extent, const char* options,
                             int32_t limit, int32_t* errorOffset) {
   static const char* const kBefore[] = {"(?:", "(?<!\\w)(?:", "^(?:"};
   static const char* const kAfter[] = {")", ")(?!\\w)", ")$"};
-  *expression = (Expression){.options = options, .limit = limit};
+  *expression = (Expression){.options = options, .limit = limit, .isAtStart = isAtStart(pattern, extent)};
   // By itself first: errors are those of the pattern that was given.
   ulkStatus status = ulksRegExpInitAlloc(pattern, options, &expression->first, errorOffset);
   if (status != ulkOk) return status;

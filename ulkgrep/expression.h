@@ -12,6 +12,7 @@ typedef struct Expression {
   char* pattern;  // as it is searched for
   const char* options;
   int32_t limit;
+  int isAtStart;           // every match: so a line has one at the most
   ulkRegExpState* first;   // without g
   ulkRegExpState* every;   // with the option g; this and
   ulkRegExpState* framed;  // in a frame, see expression.c, are made when first needed

@@ -92,16 +92,18 @@ static const struct option kLong[] = {{"regexp", required_argument, NULL, 'e'},
                                       {"version", no_argument, NULL, 'V'},
                                       {0}};
 
-// getopt_long itself would say it differently on every system. `letter` is what it returned.
+// getopt_long itself would say it differently on every system. `letter` is what it returned for the word; on
+// some a colon too where an argument is one too many.
 static int refuseOption(int letter, const char* word) {
-  if (letter == '?' && optopt > 0 && optopt < LIMIT && !strchr(kShort, optopt)) {
-    complain("-%c is no option", optopt);
-  } else if (letter == '?') {
-    complain("%s is no option, the beginning of several, or takes no argument", word);
-  } else if (optopt < LIMIT && word[1] != '-') {
+  const int isLong = strncmp(word, "--", 2) == 0;
+  if (letter == ':' && !isLong) {
     complain("-%c needs an argument", optopt);
-  } else {
+  } else if (letter == ':' && !strchr(word, '=')) {
     complain("%s needs an argument", word);
+  } else if (optopt > 0 && optopt < LIMIT && !strchr(kShort, optopt)) {
+    complain("-%c is no option", optopt);
+  } else {
+    complain("%s is no option, the beginning of several, or takes no argument", word);
   }
   return usageError();
 }

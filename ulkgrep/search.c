@@ -82,7 +82,8 @@ static void showMatches(Grep* grep, const Line* line, int32_t pattern) {
   Expression* expression = &grep->patterns.expressions[pattern];
   ulkRegExpFind* records = first->pFind;
   int32_t numRecords = first->numFind;
-  if (line->length > 0 && (grep->options.colour || grep->options.onlyMatches)) {
+  const int hasOthers = line->length > 0 && !expression->isAtStart;
+  if (hasOthers && (grep->options.colour || grep->options.onlyMatches)) {
     const ulkStatus status = findEvery(expression, first->numFind, line->bytes, line->length);
     if (status == ulkOk) {
       records = expression->found.records;
