@@ -23,6 +23,9 @@ function(ulkch_install_documents directory)
     string(REPLACE "](../ulkcore/" "](../${include}/" text "${text}")
     string(REGEX REPLACE "\\[([^]\n]*)\\]\\((CONTRIBUTING.md|(\\.\\./)?(fuzz|tests|tools|src|packaging|ulkgrep/ulkgrep.1)[^)]*)\\)" "\\1" text
                          "${text}")
+    if(directory MATCHES libulkch-dev)
+      string(REPLACE "](LICENSE)" "](copyright)" text "${text}") # which Debian has in its place
+    endif()
     set(copy ${PROJECT_BINARY_DIR}/installed/${directory}/${page})
     file(WRITE ${copy} "${text}")
     install(FILES ${copy} DESTINATION ${directory}/${parent} ${ARGN})

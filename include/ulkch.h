@@ -699,7 +699,10 @@ typedef struct ulkRegExpFind {
 /// not filled stay as they were.
 ///
 /// When the pattern ends in a literal, the text counts as ending after the last occurrence of that literal,
-/// for "$" and lookahead too; a text in which it does not occur counts as empty.
+/// for "$" and lookahead too; a text in which it does not occur counts as empty. So `^(?!.*admin).*user`
+/// matches in "user admin". Of several alternatives outside of groups, the last one's literal does this to
+/// all of them if a literal with a quantifier stands before it: `warning|colou?r` finds nothing in "a
+/// warning". A group around the whole pattern keeps every literal from it: `(?:warning|colou?r)`.
 ///
 /// What a caller must know to be safe:
 /// - The search may look at bytes after the end of the text, in both formats: at the one after it, and, where
@@ -718,13 +721,16 @@ typedef struct ulkRegExpFind {
 /// @param[in,out] pRegExpState  the compiled expression; must not come from a failed compile
 /// @param[out]    pFind         the records
 /// @param[in,out] pNumFind      in: the number of records in `pFind`, at least 1. Out: the number filled, 0
-///                              when nothing matches. Must not be null: unlike the other pointers, it is used
-///                              without a check
+///                              when nothing matches. A search for `|P` in an empty text fills one record
+///                              more than `P` has groups. Must not be null: unlike the other pointers, it is
+///                              used without a check
 /// @retval ulkOk               `*pNumFind` records are filled. Without `g`, 0 means that nothing matches.
 ///                             With `g` it does not mean that the whole text was searched, not even when
 ///                             nothing was found: the limit may have run out behind the last match. To
-///                             know, search for `(P|\z)` in place of `P`: the search was complete if the last
-///                             match that it reports ends where the text ends
+///                             know, search for `(?:P|\z)` in place of a `P` without groups: the search was
+///                             complete if the last match that it reports ends where the text ends. In place
+///                             of a `P` with groups search for `(?:P|(\z))`: the search was complete if the
+///                             last group of the last match took part; the groups of `P` keep their numbers
 /// @retval ulkErrNullPtr       `pSrc`, `pRegExpState` or `pFind` is null
 /// @retval ulkErrLength        `srcLen` is negative
 /// @retval ulkErrSize          `*pNumFind` is below 1

@@ -15,6 +15,9 @@
 /// there is none, the standard library throws or, without exceptions, ends the program.
 ///
 /// **Threads**: what is const may be called from several threads at once; a search is not const.
+///
+/// @namespace ulkch
+/// All that ulkch.hpp declares.
 #ifndef ULKCH_HPP
 #define ULKCH_HPP
 

@@ -28,7 +28,8 @@ typedef struct Rewriter {
   int isOneOfMany;      // patterns
   int depth;            // of groups
   int hasAlternatives;  // outside of groups
-  int mayCross;         // something may still take a newline
+  int hasCaptures;
+  int mayCross;  // something may still take a newline
 } Rewriter;
 
 static void put(Rewriter* rewriter, const char* text) {
@@ -58,7 +59,7 @@ static int rewriteEscape(Rewriter* rewriter) {
     rewriter->from += 2;
     return 1;
   }
-  if (letter == '\0' || letter == '\n') return 0;
+  if (letter == '\0') return 0;
   if (isAlphanumeric(letter) && !strchr("wdbBSfrtvae", letter)) return 0;
   copy(rewriter, 2);
   return 1;
@@ -104,6 +105,7 @@ static int rewrite(Rewriter* rewriter) {
           break;
         }
         if (rewriter->from[1] == '?' && rewriter->from[2] != ':') return 0;
+        if (rewriter->from[1] != '?') rewriter->hasCaptures = 1;
         copy(rewriter, rewriter->from[1] == '?' ? 3 : 1);
         ++rewriter->depth;
         break;
@@ -133,8 +135,6 @@ static int rewrite(Rewriter* rewriter) {
         copy(rewriter, (size_t)(end - rewriter->from));
         break;
       }
-      case '\n':
-        return 0;
       default:
         copy(rewriter, 1);
     }
@@ -144,21 +144,23 @@ static int rewrite(Rewriter* rewriter) {
 
 // The patterns as one for many lines, in memory with room for a frame; null when they allow none.
 static char* makePattern(const Options* options, Rewriter* rewriter) {
-  size_t size = sizeof "(?:).*";
+  size_t size = sizeof "(?:(?:)).*";
   // No byte becomes more than the eight of "(?=\r?$)".
-  for (size_t i = 0; i < options->numPatterns; ++i) size += 8 * strlen(options->patterns[i]) + 1;
+  for (size_t i = 0; i < options->patterns.count; ++i) size += 8 * strlen(options->patterns.items[i]) + 1;
   char* const pattern = reallocate(NULL, size, 1);
-  *rewriter = (Rewriter){.to = pattern, .crlf = options->crlf, .isOneOfMany = options->numPatterns > 1};
+  *rewriter = (Rewriter){.to = pattern, .crlf = options->crlf, .isOneOfMany = options->patterns.count > 1};
   rewriter->hasAlternatives = rewriter->isOneOfMany;
-  for (size_t i = 0; i < options->numPatterns; ++i) {
+  for (size_t i = 0; i < options->patterns.count; ++i) {
     if (i > 0) put(rewriter, "|");
-    rewriter->from = options->patterns[i];
+    rewriter->from = options->patterns.items[i];
     rewriter->start = rewriter->from;
     if (!rewrite(rewriter)) {
       free(pattern);
       return NULL;
     }
   }
+  // Else the last literal of one alternative may end the text for the others; expression.c tells more.
+  if (rewriter->hasAlternatives) put(rewriter, "(?:)");
   *rewriter->to = '\0';
   return pattern;
 }
@@ -170,8 +172,8 @@ static void compileExpressions(LineFilter* filter, const Options* options) {
   int32_t offset;
   ulksRegExpInitAlloc(pattern, options->ignoreCase ? "im" : "m", &filter->expression, &offset);
   filter->isExact = !rewriter.mayCross && !options->crlf && options->extent == EXTENT_ANY;
-  // With groups, g reports nothing but these.
-  if (filter->isExact && !strchr(pattern + (strncmp(pattern, "(?i)", 4) == 0 ? 4 : 0), '(')) {
+  // With groups that capture, g reports nothing but these.
+  if (filter->isExact && !rewriter.hasCaptures) {
     if (rewriter.hasAlternatives) {
       memmove(pattern + 3, pattern, strlen(pattern) + 1);
       for (int i = 0; i < 3; ++i) pattern[i] = "(?:"[i];
@@ -191,8 +193,9 @@ static int isWorthwhile(const uint8_t* string, int32_t length) {
 
 void compileFilter(LineFilter* filter, const Options* options) {
   *filter = (LineFilter){.expression = NULL};
-  if (options->numPatterns == 1 && !options->ignoreCase) {
-    const char* const pattern = options->patterns[0];
+  if (options->patterns.count == 0) return;
+  if (options->patterns.count == 1 && !options->ignoreCase) {
+    const char* const pattern = options->patterns.items[0];
     filter->string = reallocate(NULL, strlen(pattern) + 1, 1);
     int isWhole = 0;
     filter->stringLength = (int32_t)findRequired(pattern, (char*)filter->string, &isWhole);

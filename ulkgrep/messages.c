@@ -28,16 +28,12 @@ void complain(const char* format, ...) {
 
 static int isContinuation(char byte) { return ((unsigned char)byte & 0xC0) == 0x80; }
 
-// The line of the pattern that holds the offset, and a caret under it: one column for each character, tabs as
-// they are.
+// One column for each character, tabs as they are.
 void showCaret(const char* pattern, int32_t offset) {
   const char* at = pattern + offset;
   while (at > pattern && isContinuation(*at)) --at;
-  const char* start = at;
-  while (start > pattern && start[-1] != '\n') --start;
-
-  fprintf(stderr, "  %.*s\n  ", (int)strcspn(start, "\n"), start);
-  for (const char* p = start; p < at; ++p)
+  fprintf(stderr, "  %s\n  ", pattern);
+  for (const char* p = pattern; p < at; ++p)
     if (!isContinuation(*p)) fputc(*p == '\t' ? '\t' : ' ', stderr);
   fputs("^\n", stderr);
 }

@@ -10,7 +10,7 @@ const char* describe(ulkStatus status);
 // One line, as printf.
 void complain(const char* format, ...);
 
-// The line of the pattern that holds the offset, and a caret under it.
+// The pattern, and a caret under the offset.
 void showCaret(const char* pattern, int32_t offset);
 
 #endif

@@ -7,6 +7,7 @@
 #include <string.h>
 #include <unistd.h>
 
+#include "help.h"
 #include "memory.h"
 #include "messages.h"
 
@@ -14,61 +15,9 @@
 // long line before anything has gone wrong.
 enum { kDefaultLimit = 10000000 };
 
-static const char kUsage[] =
-    "usage: ulkgrep [OPTION]... PATTERN [FILE...]\n"
-    "       ulkgrep [OPTION]... -e PATTERN [-e PATTERN]... [FILE...]\n";
-
-static const char kHelp[] =
-    "Print the lines that match PATTERN. Without FILE, or where FILE is -, read standard input;\n"
-    "with -r and without FILE, search the current directory.\n"
-    "\n"
-    "What matches:\n"
-    "  -e, --regexp=PATTERN     look for PATTERN; may be given several times\n"
-    "  -F, --fixed-strings      PATTERN is a string and not an expression\n"
-    "  -i, --ignore-case        ignore the case of letters\n"
-    "  -w, --word-regexp        a match neither follows nor precedes a letter, digit or _\n"
-    "  -x, --line-regexp        a match is a whole line\n"
-    "  -v, --invert-match       take the lines that do not match\n"
-    "      --limit=N            steps that the search of one line may take (default 10000000)\n"
-    "\n"
-    "What is printed:\n"
-    "  -o, --only-matching      the matches only, each on a line of its own\n"
-    "      --replace=TEMPLATE   the line with the first match replaced; in TEMPLATE $& stands for\n"
-    "                           the match and $1 to $9 for its groups. Empty lines stay empty\n"
-    "  -g, --global             with --replace: replace every match\n"
-    "  -c, --count              the number of lines, for each file\n"
-    "  -l, --files-with-matches the names of files with such lines\n"
-    "  -L, --files-without-match the names of the other files\n"
-    "  -q, --quiet              nothing; end at the first line\n"
-    "  -m, --max-count=N        only the first N lines of each file\n"
-    "  -A, --after-context=N    N more lines behind each\n"
-    "  -B, --before-context=N   N more lines before each\n"
-    "  -C, --context=N          both\n"
-    "  -n, --line-number        line numbers\n"
-    "  -H, --with-filename      file names; so it is where there are several files, or -r\n"
-    "  -h, --no-filename        no file names\n"
-    "      --which              with several PATTERNs, the one that matches; of several that match,\n"
-    "                           the one whose match begins first\n"
-    "      --color=WHEN         mark matches: always, never, or auto (the default), on a terminal;\n"
-    "                           --color is always\n"
-    "\n"
-    "Files:\n"
-    "  -r, --recursive          search the files in directories, but follow no symbolic links\n"
-    "      --include=GLOB       with -r: only files with such names; * and ? stand for any text\n"
-    "                           and any byte; may be given several times\n"
-    "  -a, --text               print the lines of binary files (with a zero byte) too\n"
-    "      --crlf               a carriage return before a newline belongs to the line's end, as it\n"
-    "                           does on Windows without being told\n"
-    "  -U, --binary             on Windows: it belongs to the line\n"
-    "  -s, --no-messages        say nothing about files that cannot be read\n"
-    "      --help               print this help\n"
-    "  -V, --version            print the version\n"
-    "\n"
-    "The exit status is 0 when a line was taken, 1 when none was, 2 when there was trouble. A line on\n"
-    "which the steps ran out is reported as trouble: nobody knows whether it matches.\n";
-
 static int usageError(void) {
-  fprintf(stderr, "%sTry --help.\n", kUsage);
+  fputs(usageText, stderr);
+  fputs("Try --help.\n", stderr);
   return 0;
 }
 
@@ -95,9 +44,15 @@ static int parseColour(const char* when, int* colour) {
   return 1;
 }
 
-enum { LIMIT = 256, COLOUR, HELP, REPLACE, INCLUDE, WHICH, CRLF };
+enum { LIMIT = 256, COLOUR, HELP, REPLACE, INCLUDE, EXCLUDE, EXCLUDE_DIR, WHICH, CRLF, LINE_BUFFERED };
+
+// The colon in front asks for a colon in return where an argument is missing.
+static const char kShort[] = ":e:f:EPFiywxvogclLqm:A:B:C:nHhZrRaUsV";
 
 static const struct option kLong[] = {{"regexp", required_argument, NULL, 'e'},
+                                      {"file", required_argument, NULL, 'f'},
+                                      {"extended-regexp", no_argument, NULL, 'E'},
+                                      {"perl-regexp", no_argument, NULL, 'P'},
                                       {"fixed-strings", no_argument, NULL, 'F'},
                                       {"ignore-case", no_argument, NULL, 'i'},
                                       {"word-regexp", no_argument, NULL, 'w'},
@@ -123,7 +78,12 @@ static const struct option kLong[] = {{"regexp", required_argument, NULL, 'e'},
                                       {"color", optional_argument, NULL, COLOUR},
                                       {"colour", optional_argument, NULL, COLOUR},
                                       {"recursive", no_argument, NULL, 'r'},
+                                      {"dereference-recursive", no_argument, NULL, 'R'},
                                       {"include", required_argument, NULL, INCLUDE},
+                                      {"exclude", required_argument, NULL, EXCLUDE},
+                                      {"exclude-dir", required_argument, NULL, EXCLUDE_DIR},
+                                      {"null", no_argument, NULL, 'Z'},
+                                      {"line-buffered", no_argument, NULL, LINE_BUFFERED},
                                       {"text", no_argument, NULL, 'a'},
                                       {"crlf", no_argument, NULL, CRLF},
                                       {"binary", no_argument, NULL, 'U'},
@@ -131,6 +91,22 @@ static const struct option kLong[] = {{"regexp", required_argument, NULL, 'e'},
                                       {"help", no_argument, NULL, HELP},
                                       {"version", no_argument, NULL, 'V'},
                                       {0}};
+
+// getopt_long itself would say it differently on every system. `letter` is what it returned for the word; on
+// some a colon too where an argument is one too many.
+static int refuseOption(int letter, const char* word) {
+  const int isLong = strncmp(word, "--", 2) == 0;
+  if (letter == ':' && !isLong) {
+    complain("-%c needs an argument", optopt);
+  } else if (letter == ':' && !strchr(word, '=')) {
+    complain("%s needs an argument", word);
+  } else if (optopt > 0 && optopt < LIMIT && !strchr(kShort, optopt)) {
+    complain("-%c is no option", optopt);
+  } else {
+    complain("%s is no option, the beginning of several, or takes no argument", word);
+  }
+  return usageError();
+}
 
 static int parseCounts(Options* options, int letter, const char* text) {
   const char name[] = {'-', (char)letter, '\0'};
@@ -154,6 +130,7 @@ static int* switchOf(Options* options, int letter, int* value) {
     case 'F':
       return &options->fixedStrings;
     case 'i':
+    case 'y':
       return &options->ignoreCase;
     case 'v':
       return &options->invert;
@@ -172,6 +149,10 @@ static int* switchOf(Options* options, int letter, int* value) {
       return &options->patternNames;
     case 'r':
       return &options->recursive;
+    case 'Z':
+      return &options->nullNames;
+    case LINE_BUFFERED:
+      return &options->lineBuffered;
     case 'a':
       return &options->text;
     case CRLF:
@@ -186,9 +167,17 @@ static int* switchOf(Options* options, int letter, int* value) {
   }
 }
 
-static void printVersion(void) {
-  const ulkLibraryVersion* version = ulkchGetLibVersion();
-  printf("ulkgrep of ulkch %d.%d\n", (int)version->major, (int)version->minor);
+static void addGlob(Options* options, const char* pattern, GlobKind kind) {
+  options->globs = reallocate(options->globs, options->numGlobs + 1, sizeof *options->globs);
+  options->globs[options->numGlobs++] = (Glob){pattern, kind};
+}
+
+// What is reported of files: names prevail over counts, and nothing over both.
+static void setReport(Options* options, Report report) {
+  const int isName = report == REPORT_MATCHING_FILE || report == REPORT_OTHER_FILE;
+  if (options->report == REPORT_LINES || report == REPORT_NOTHING ||
+      (isName && options->report != REPORT_NOTHING))
+    options->report = report;
 }
 
 static int parseOption(Options* options, int letter, char* argument) {
@@ -200,10 +189,27 @@ static int parseOption(Options* options, int letter, char* argument) {
   }
   switch (letter) {
     case 'e':
-      options->patterns[options->numPatterns++] = argument;
+      addPatterns(&options->patterns, argument);
+      return 1;
+    case 'f':
+      return addPatternsOfFile(&options->patterns, argument, options->crlf);
+    case 'E':
+    case 'P':
       return 1;
     case INCLUDE:
-      options->includes[options->numIncludes++] = argument;
+      addGlob(options, argument, GLOB_INCLUDE);
+      return 1;
+    case EXCLUDE:
+      addGlob(options, argument, GLOB_EXCLUDE);
+      return 1;
+    case EXCLUDE_DIR:
+      addGlob(options, argument, GLOB_EXCLUDE_DIRECTORY);
+      return 1;
+    case 'R':
+      options->recursive = 1;
+#ifndef _WIN32
+      options->followLinks = 1;
+#endif
       return 1;
     case REPLACE:
       options->template = argument;
@@ -215,27 +221,25 @@ static int parseOption(Options* options, int letter, char* argument) {
       options->extent = EXTENT_LINE;
       return 1;
     case 'c':
-      options->report = REPORT_COUNT;
+      setReport(options, REPORT_COUNT);
       return 1;
     case 'l':
-      options->report = REPORT_MATCHING_FILE;
+      setReport(options, REPORT_MATCHING_FILE);
       return 1;
     case 'L':
-      options->report = REPORT_OTHER_FILE;
+      setReport(options, REPORT_OTHER_FILE);
       return 1;
     case 'q':
-      options->report = REPORT_NOTHING;
+      setReport(options, REPORT_NOTHING);
       return 1;
     case COLOUR:
       return parseColour(argument, &options->colour);
     case HELP:
-      printf("%s%s", kUsage, kHelp);
+      printHelp();
       exit(EXIT_FOUND);
     case 'V':
       printVersion();
       exit(EXIT_FOUND);
-    case '?':
-      return usageError();
     default:
       return parseCounts(options, letter, argument);
   }
@@ -247,8 +251,6 @@ static int fitTogether(const Options* options) {
   if (options->template && options->invert) fault = "-v and --replace do not go together";
   if (options->everyMatch && !options->template)
     fault = "-g replaces every match: it needs --replace=TEMPLATE";
-  if (options->numIncludes > 0 && !options->recursive)
-    fault = "--include chooses files of directories: it needs -r";
   if (fault) complain("%s", fault);
   return !fault;
 }
@@ -264,15 +266,17 @@ int parseOptions(int argc, char** argv, Options* options) {
                        .crlf = 1
 #endif
   };
-  options->patterns = reallocate(NULL, (size_t)argc, sizeof *options->patterns);
-  options->includes = reallocate(NULL, (size_t)argc, sizeof *options->includes);
-  int letter;
-  while ((letter = getopt_long(argc, argv, "e:FiwxvogclLqm:A:B:C:nHhraUsV", kLong, NULL)) != -1)
+  int letter, hasPatterns = 0;
+  opterr = 0;
+  while ((letter = getopt_long(argc, argv, kShort, kLong, NULL)) != -1) {
+    if (letter == '?' || letter == ':') return refuseOption(letter, argv[optind - 1]);
     if (!parseOption(options, letter, optarg)) return 0;
+    if (letter == 'e' || letter == 'f') hasPatterns = 1;
+  }
   if (!fitTogether(options)) return 0;
-  if (options->numPatterns == 0) {
-    if (optind == argc) return usageError();
-    options->patterns[options->numPatterns++] = argv[optind++];
+  if (!hasPatterns) {
+    if (optind >= argc) return usageError();
+    addPatterns(&options->patterns, argv[optind++]);
   }
   alone[0] = options->recursive ? here : standardInput;
   options->hasFiles = optind < argc;

@@ -5,6 +5,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include "pattern_list.h"
+
 enum { EXIT_FOUND = 0, EXIT_NONE = 1, EXIT_TROUBLE = 2 };
 
 // What is printed of a file in place of its lines.
@@ -18,6 +20,14 @@ typedef enum Report {
 
 // What of a line a match must be.
 typedef enum Extent { EXTENT_ANY, EXTENT_WORDS, EXTENT_LINE } Extent;
+
+// Which names of files, or of directories, are searched.
+typedef enum GlobKind { GLOB_INCLUDE, GLOB_EXCLUDE, GLOB_EXCLUDE_DIRECTORY } GlobKind;
+
+typedef struct Glob {
+  const char* pattern;
+  GlobKind kind;
+} Glob;
 
 typedef struct Options {
   int ignoreCase;
@@ -33,6 +43,9 @@ typedef struct Options {
   int crlf;       // a carriage return before the newline belongs to the line's end
   int silent;     // about files that cannot be read
   int recursive;
+  int followLinks;   // with recursive
+  int nullNames;     // a zero byte behind the names of files
+  int lineBuffered;  // each line goes out at once
   uint64_t maxCount;
   uint64_t linesBefore;
   uint64_t linesAfter;
@@ -40,10 +53,9 @@ typedef struct Options {
   int everyMatch;
   int colour;
   int32_t limit;
-  const char** patterns;  // to be freed, as the next
-  size_t numPatterns;
-  const char** includes;
-  size_t numIncludes;
+  PatternList patterns;
+  Glob* globs;  // to be freed
+  size_t numGlobs;
   char** files;  // "-" stands for standard input
   int numFiles;
   int hasFiles;  // they were named

@@ -11,7 +11,7 @@
 #endif
 
 static void printPrefix(const Options* options, const Line* line, const char* pattern, char separator) {
-  if (options->fileNames) printf("%s%c", line->file, separator);
+  if (options->fileNames) printf("%s%c", line->file, options->nullNames ? '\0' : separator);
   if (options->lineNumbers) printf("%" PRIu64 "%c", line->number, separator);
   if (options->patternNames && pattern) printf("%s%c", pattern, separator);
 }
@@ -40,13 +40,26 @@ static void printMatch(const Options* options, const ulkRegExpFind* match) {
   if (options->colour) fputs("\033[m", stdout);
 }
 
-void prepareOutput(void) {
+void prepareOutput(const Options* options) {
   static char buffer[1 << 16];
-  if (!isatty(STDOUT_FILENO)) setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
+#ifdef _WIN32
+  const int perLine = _IONBF;  // there is none by lines
+#else
+  const int perLine = _IOLBF;
+#endif
+  if (options->lineBuffered) {
+    setvbuf(stdout, buffer, perLine, sizeof buffer);
+  } else if (!isatty(STDOUT_FILENO)) {
+    setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
+  }
+}
+
+void printName(const Options* options, const char* file) {
+  printf("%s%c", file, options->nullNames ? '\0' : '\n');
 }
 
 void printCount(const Options* options, const char* file, uint64_t count) {
-  if (options->fileNames) printf("%s:", file);
+  if (options->fileNames) printf("%s%c", file, options->nullNames ? '\0' : ':');
   printf("%" PRIu64 "\n", count);
 }
 

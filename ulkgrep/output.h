@@ -9,18 +9,19 @@
 
 typedef struct Line {
   const char* file;
-  uint64_t number;
+  uint64_t number;  // where it is to be printed
   const uint8_t* bytes;
   int32_t length;
   int hasReturn;   // a carriage return behind it belongs to its end
   int hasNewline;  // behind that
 } Line;
 
+void printName(const Options* options, const char* file);
 void printCount(const Options* options, const char* file, uint64_t count);
 void printSeparator(void);
 
-// To be called first.
-void prepareOutput(void);
+// To be called before anything is printed.
+void prepareOutput(const Options* options);
 
 // A line around the chosen ones.
 void printContext(const Options* options, const Line* line);

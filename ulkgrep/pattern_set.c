@@ -10,42 +10,45 @@
 
 enum { kRecordsPerPattern = 1000 };  // the match and 999 groups
 
-// The library takes a backslash at the very end for a NUL byte; here it is a slip of the keyboard.
-static int endsInLoneBackslash(const char* pattern) {
+// The library takes the zero behind a backslash, or behind "\c", for the byte that is meant; here it is a
+// slip of the keyboard. Returns the place of that backslash, or null.
+static const char* loneBackslash(const char* pattern) {
+  const char* end = pattern + strlen(pattern);
+  if (end > pattern && end[-1] == 'c') --end;
   size_t backslashes = 0;
-  for (const char* at = pattern + strlen(pattern); at > pattern && at[-1] == '\\'; --at) ++backslashes;
-  return backslashes % 2 == 1;
+  for (const char* at = end; at > pattern && at[-1] == '\\'; --at) ++backslashes;
+  return backslashes % 2 == 1 ? end - 1 : NULL;
 }
 
 // Behind a backslash, a byte that is no letter or digit stands for itself.
-static char* escape(char* to, const char* from) {
-  for (; *from; ++from) {
-    const unsigned char byte = (unsigned char)*from;
+static char* escape(const char* string) {
+  char* const escaped = reallocate(NULL, 2 * strlen(string) + 1, 1);
+  char* to = escaped;
+  for (; *string; ++string) {
+    const unsigned char byte = (unsigned char)*string;
     const int isPlain = byte >= 0x80 || byte == '_' || (byte >= '0' && byte <= '9') ||
                         ((byte | 0x20) >= 'a' && (byte | 0x20) <= 'z');
     if (!isPlain) *to++ = '\\';
     *to++ = (char)byte;
   }
   *to = '\0';
-  return to + 1;
+  return escaped;
 }
 
-static void escapePatterns(PatternSet* set, Options* options) {
-  size_t size = 0;
-  for (size_t i = 0; i < options->numPatterns; ++i) size += 2 * strlen(options->patterns[i]) + 1;
-  char* to = set->escaped = reallocate(NULL, size, 1);
-  for (size_t i = 0; i < options->numPatterns; ++i) {
-    char* const escaped = to;
-    to = escape(to, options->patterns[i]);
-    options->patterns[i] = escaped;
+static void escapePatterns(PatternList* list) {
+  for (size_t i = 0; i < list->count; ++i) {
+    char* const escaped = escape(list->items[i]);
+    free(list->items[i]);
+    list->items[i] = escaped;
   }
 }
 
 static int compilePattern(Expression* expression, const char* pattern, const Options* options) {
   *expression = (Expression){.pattern = NULL};
-  if (endsInLoneBackslash(pattern)) {
-    complain("the pattern ends in a lone backslash");
-    showCaret(pattern, (int32_t)strlen(pattern) - 1);
+  const char* const backslash = loneBackslash(pattern);
+  if (backslash) {
+    complain("the pattern ends within an escape");
+    showCaret(pattern, (int32_t)(backslash - pattern));
     return 0;
   }
   int32_t offset = -1;
@@ -62,15 +65,16 @@ static int compilePattern(Expression* expression, const char* pattern, const Opt
 }
 
 int compilePatterns(PatternSet* set, Options* options) {
-  const size_t count = options->numPatterns;
-  if (options->fixedStrings) escapePatterns(set, options);
+  const size_t count = options->patterns.count;
+  if (options->fixedStrings) escapePatterns(&options->patterns);
+  if (count == 0) return 1;
   set->expressions = reallocate(NULL, count, sizeof *set->expressions);
   set->results = reallocate(NULL, count, sizeof *set->results);
   set->records = reallocate(NULL, count * kRecordsPerPattern, sizeof *set->records);
   ulkStatus status = ulksRegExpMultiInitAlloc(&set->state, (uint32_t)count);
   for (size_t i = 0; i < count; ++i) {
     Expression* const expression = &set->expressions[set->count++];
-    if (!compilePattern(expression, options->patterns[i], options)) return 0;
+    if (!compilePattern(expression, options->patterns.items[i], options)) return 0;
     if (status == ulkOk) status = ulksRegExpMultiAdd(expression->first, (uint32_t)i + 1, set->state);
     set->results[i].pFind = set->records + i * kRecordsPerPattern;
   }
@@ -84,7 +88,6 @@ void freePatterns(PatternSet* set) {
   free(set->expressions);
   free(set->results);
   free(set->records);
-  free(set->escaped);
 }
 
 void searchPatterns(PatternSet* set, const uint8_t* line, int32_t length) {

@@ -15,10 +15,10 @@ typedef struct PatternSet {
   ulkRegExpMultiState* state;
   ulkRegExpMultiFind* results;  // of the last search, for each expression
   ulkRegExpFind* records;
-  char* escaped;  // the strings of -F as patterns, one behind the other
 } PatternSet;
 
-// Returns 0, after a message, when a pattern is wrong. With -F the options' patterns become expressions.
+// Returns 0, after a message, when a pattern is wrong. No pattern at all matches nothing. With -F the
+// options' patterns become expressions.
 int compilePatterns(PatternSet* set, Options* options);
 void freePatterns(PatternSet* set);
 

@@ -60,6 +60,12 @@ FileKind kindOf(const char* name, int follow) {
   return attributes & FILE_ATTRIBUTE_DIRECTORY ? KIND_DIRECTORY : KIND_FILE;
 }
 
+int isSameFile(const char* name, const char* other) {
+  (void)name;
+  (void)other;
+  return 0;
+}
+
 void prepareStreams(void) {
   _setmode(STDIN_FILENO, O_BINARY);
   _setmode(STDOUT_FILENO, O_BINARY);
@@ -96,6 +102,12 @@ FileKind kindOf(const char* name, int follow) {
          : S_ISLNK(status.st_mode) ? KIND_LINK
          : S_ISREG(status.st_mode) ? KIND_FILE
                                    : KIND_OTHER;
+}
+
+int isSameFile(const char* name, const char* other) {
+  struct stat one, two;
+  return stat(name, &one) == 0 && stat(other, &two) == 0 && one.st_dev == two.st_dev &&
+         one.st_ino == two.st_ino;
 }
 
 void prepareStreams(void) {}

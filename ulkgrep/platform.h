@@ -12,6 +12,9 @@ int openFile(const char* name);
 // With `follow`, what a symbolic link leads to counts. KIND_OTHER when the name leads nowhere.
 FileKind kindOf(const char* name, int follow);
 
+// Whether two names lead to the same file; on Windows, where no links are followed, always 0.
+int isSameFile(const char* name, const char* other);
+
 // The names in the directory of this name, but "." and "..", sorted; with NULL behind them, and to be freed,
 // as their array. NULL, with errno, when the directory cannot be read.
 char** namesIn(const char* name);

@@ -13,10 +13,35 @@
 #include "output.h"
 #include "text_buffer.h"
 
+// --- where we are
+
+struct FileSearch {
+  Grep* grep;
+  const char* file;
+  TextBuffer buffer;
+  uint64_t taken;      // lines
+  size_t counted;      // up to here, in the buffer, lines have been counted; the rest when it matters
+  uint64_t number;     // of the line at `counted`
+  uint64_t printed;    // behind the last line printed, in the file
+  uint64_t linesLeft;  // of the context behind the last line taken
+  int isBinary;
+  int isEnough;    // what the filter finds: nothing else is to be known about a match
+  int unfiltered;  // the filter took too long in the lines at hand
+};
+
+static uint64_t numberAt(FileSearch* search, size_t start) {
+  if (start >= search->counted) {
+    search->number += countNewlines(search->buffer.bytes + search->counted, search->buffer.bytes + start);
+    search->counted = start;
+  }
+  return search->number;
+}
+
 // --- one line
 
 static void reportLine(Grep* grep, const Line* line, const char* what, const char* why) {
-  complain("%s:%" PRIu64 ": %s: %s", line->file, line->number, what, why);
+  const uint64_t number = numberAt(grep->file, (size_t)(line->bytes - grep->file->buffer.bytes));
+  complain("%s:%" PRIu64 ": %s: %s", line->file, number, what, why);
   grep->trouble = 1;
 }
 
@@ -57,18 +82,18 @@ static void showMatches(Grep* grep, const Line* line, int32_t pattern) {
   Expression* expression = &grep->patterns.expressions[pattern];
   ulkRegExpFind* records = first->pFind;
   int32_t numRecords = first->numFind;
-  if (line->length > 0 && (grep->options.colour || grep->options.onlyMatches)) {
-    const ulkStatus status =
-        replaceEvery(expression, &grep->replacement, first->numFind, line->bytes, line->length);
+  const int hasOthers = line->length > 0 && !expression->isAtStart;
+  if (hasOthers && (grep->options.colour || grep->options.onlyMatches)) {
+    const ulkStatus status = findEvery(expression, first->numFind, line->bytes, line->length);
     if (status == ulkOk) {
-      records = grep->replacement.records;
-      numRecords = grep->replacement.numRecords;
+      records = expression->found.records;
+      numRecords = expression->found.numRecords;
     } else {
       reportLine(grep, line, "only the first match is shown", describe(status));
     }
   }
   (grep->options.onlyMatches ? printMatches : printLine)(
-      &grep->options, line, grep->options.patterns[pattern], records,
+      &grep->options, line, grep->options.patterns.items[pattern], records,
       keepVisible(line, records, numRecords, first->numFind));
 }
 
@@ -95,7 +120,7 @@ static void showReplaced(Grep* grep, const Line* line, int32_t pattern) {
                  isUnset ? "the template names a group that took no part in a match" : describe(status));
     }
   }
-  printLine(&grep->options, &shown, grep->options.patterns[pattern], NULL, 0);
+  printLine(&grep->options, &shown, grep->options.patterns.items[pattern], NULL, 0);
 }
 
 static void showLine(Grep* grep, const Line* line, int32_t leftmost) {
@@ -111,27 +136,10 @@ static void showLine(Grep* grep, const Line* line, int32_t leftmost) {
 
 // --- the lines of a file
 
-typedef struct FileSearch {
-  Grep* grep;
-  const char* file;
-  TextBuffer buffer;
-  uint64_t taken;      // lines
-  size_t counted;      // up to here, in the buffer, lines have been counted
-  uint64_t number;     // of the line at `counted`
-  uint64_t printed;    // behind the last line printed, in the file
-  uint64_t linesLeft;  // of the context behind the last line taken
-  int isBinary;
-  int isEnough;    // what the filter finds: nothing else is to be known about a match
-  int unfiltered;  // the filter took too long in the lines at hand
-} FileSearch;
-
 static Line lineAt(FileSearch* search, size_t start, size_t end) {
   TextBuffer* buffer = &search->buffer;
-  if (start >= search->counted) {
-    search->number += countNewlines(buffer->bytes + search->counted, buffer->bytes + start);
-    search->counted = start;
-  }
-  Line line = {.file = search->file, .number = search->number, .bytes = buffer->bytes + start};
+  Line line = {.file = search->file, .bytes = buffer->bytes + start};
+  if (search->grep->options.lineNumbers) line.number = numberAt(search, start);
   line.hasReturn = search->grep->options.crlf && end > start && buffer->bytes[end - 1] == '\r';
   line.length = (int32_t)(end - start) - line.hasReturn;
   line.hasNewline = end < buffer->linesEnd;
@@ -199,7 +207,7 @@ static int takeLine(FileSearch* search, size_t start, const Line* line, int32_t 
   ++search->taken;
   if (options->report == REPORT_LINES) {
     if (search->isBinary) {
-      printf("%s: binary file matches\n", search->file);
+      printf("ulkgrep: %s: binary file matches\n", search->file);
       return 0;
     }
     printLinesBefore(search, start);
@@ -268,10 +276,7 @@ static int searchLines(FileSearch* search, size_t start) {
 static ReadResult readOn(FileSearch* search, size_t* start) {
   TextBuffer* buffer = &search->buffer;
   const size_t next = buffer->linesEnd;
-  if (next > search->counted) {
-    search->number += countNewlines(buffer->bytes + search->counted, buffer->bytes + next);
-    search->counted = next;
-  }
+  numberAt(search, next);
   const size_t keep = contextStart(search, next);
   forgetFound(&search->grep->filter);
   const ReadResult result = readLines(buffer, keep);
@@ -283,6 +288,7 @@ static ReadResult readOn(FileSearch* search, size_t* start) {
 
 uint64_t searchFile(Grep* grep, const char* file, int descriptor) {
   FileSearch search = {.grep = grep, .file = file, .buffer = {.file = descriptor}, .number = 1};
+  grep->file = &search;
   const Options* options = &grep->options;
   const int isPlain =
       !options->colour && !options->onlyMatches && !options->template && !options->patternNames;
@@ -307,5 +313,6 @@ uint64_t searchFile(Grep* grep, const char* file, int descriptor) {
     grep->trouble = 1;
   }
   freeBuffer(&search.buffer);
+  grep->file = NULL;
   return search.taken;
 }

@@ -9,11 +9,14 @@
 #include "pattern_set.h"
 #include "replacement.h"
 
+typedef struct FileSearch FileSearch;
+
 typedef struct Grep {
   Options options;
   PatternSet patterns;
   LineFilter filter;
   Replacement replacement;  // with the template of --replace, or an empty one
+  FileSearch* file;         // that is searched
   int trouble;
   int hasPrinted;  // lines, between which separators stand
 } Grep;

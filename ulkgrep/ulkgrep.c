@@ -24,9 +24,8 @@ static int searchOpened(Grep* grep, const char* name, int descriptor) {
   const Options* options = &grep->options;
   const uint64_t lines = searchFile(grep, name, descriptor);
   if (options->report == REPORT_COUNT) printCount(options, name, lines);
-  if (options->report == REPORT_MATCHING_FILE && lines > 0) puts(name);
-  if (options->report == REPORT_OTHER_FILE && lines == 0) puts(name);
-  return options->report == REPORT_OTHER_FILE ? lines == 0 : lines > 0;
+  if (options->report == (lines > 0 ? REPORT_MATCHING_FILE : REPORT_OTHER_FILE)) printName(options, name);
+  return lines > 0;
 }
 
 static int searchNamed(Grep* grep, const char* name) {
@@ -53,16 +52,46 @@ static int isLike(const char* name, const char* glob) {
   return *name == '\0';
 }
 
+// Whether files of this name are searched: the last glob that fits counts.
 static int isIncluded(const Options* options, const char* name) {
-  for (size_t i = 0; i < options->numIncludes; ++i)
-    if (isLike(name, options->includes[i])) return 1;
-  return options->numIncludes == 0;
+  int isFirst = 1, included = 1;
+  for (const Glob* glob = options->globs; glob < options->globs + options->numGlobs; ++glob) {
+    if (glob->kind == GLOB_EXCLUDE_DIRECTORY) continue;
+    const int includes = glob->kind == GLOB_INCLUDE;
+    if (isFirst) included = !includes;
+    isFirst = 0;
+    if (isLike(name, glob->pattern)) included = includes;
+  }
+  return included;
+}
+
+static int isExcludedDirectory(const Options* options, const char* name) {
+  for (const Glob* glob = options->globs; glob < options->globs + options->numGlobs; ++glob)
+    if (glob->kind == GLOB_EXCLUDE_DIRECTORY && isLike(name, glob->pattern)) return 1;
+  return 0;
 }
 
 static int isDone(const Grep* grep, int found) { return found && grep->options.report == REPORT_NOTHING; }
 
+// A directory that is being searched, and the one that it was found in.
+typedef struct Directory {
+  const char* path;
+  const struct Directory* parent;
+} Directory;
+
+static int isSearchedAlready(const Directory* directory) {
+  for (const Directory* at = directory->parent; at; at = at->parent)
+    if (isSameFile(at->path, directory->path)) return 1;
+  return 0;
+}
+
 // Without a directory's name only what a command line without files means: the current directory.
-static int searchDirectory(Grep* grep, const char* directory, int isNamed) {
+static int searchDirectory(Grep* grep, const char* directory, const Directory* parent, int isNamed) {
+  const Directory here = {directory, parent};
+  if (grep->options.followLinks && isSearchedAlready(&here)) {
+    reportFile(grep, directory, "leads back to a directory that holds it");
+    return 0;
+  }
   char** const names = namesIn(directory);
   if (!names) {
     reportFile(grep, directory, strerror(errno));
@@ -74,9 +103,9 @@ static int searchDirectory(Grep* grep, const char* directory, int isNamed) {
     const char* const slash = length > 0 && directory[length - 1] == '/' ? "" : "/";
     char* path = reallocate(NULL, length + strlen(*name) + 2, 1);
     sprintf(path, "%s%s%s", isNamed ? directory : "", isNamed ? slash : "", *name);
-    const FileKind kind = isDone(grep, found) ? KIND_OTHER : kindOf(path, 0);
+    const FileKind kind = isDone(grep, found) ? KIND_OTHER : kindOf(path, grep->options.followLinks);
     if (kind == KIND_DIRECTORY) {
-      found |= searchDirectory(grep, path, 1);
+      if (!isExcludedDirectory(&grep->options, *name)) found |= searchDirectory(grep, path, &here, 1);
     } else if (kind == KIND_FILE && isIncluded(&grep->options, *name)) {
       found |= searchNamed(grep, path);
     }
@@ -89,8 +118,11 @@ static int searchDirectory(Grep* grep, const char* directory, int isNamed) {
 
 static int searchOperand(Grep* grep, const char* name, int isNamed) {
   if (strcmp(name, "-") == 0) return searchOpened(grep, "(standard input)", STDIN_FILENO);
-  if (kindOf(name, 1) != KIND_DIRECTORY) return searchNamed(grep, name);
-  if (grep->options.recursive) return searchDirectory(grep, name, isNamed);
+  if (kindOf(name, 1) != KIND_DIRECTORY) {
+    const char* const slash = strrchr(name, '/');
+    return isIncluded(&grep->options, slash ? slash + 1 : name) && searchNamed(grep, name);
+  }
+  if (grep->options.recursive) return searchDirectory(grep, name, NULL, isNamed);
   reportFile(grep, name, "is a directory; -r searches the files in it");
   return 0;
 }
@@ -109,6 +141,7 @@ static int run(Grep* grep, int argc, char** argv) {
   if (!parseOptions(argc, argv, options) || !prepareTemplate(grep) ||
       !compilePatterns(&grep->patterns, options))
     return EXIT_TROUBLE;
+  prepareOutput(options);
   compileFilter(&grep->filter, options);
   int found = 0;
   for (int i = 0; i < options->numFiles && !isDone(grep, found); ++i)
@@ -125,13 +158,12 @@ static void freeGrep(Grep* grep) {
   freePatterns(&grep->patterns);
   freeFilter(&grep->filter);
   freeReplacement(&grep->replacement);
-  free(grep->options.patterns);
-  free(grep->options.includes);
+  freePatternList(&grep->options.patterns);
+  free(grep->options.globs);
 }
 
 int runProgram(int argc, char** argv) {
   prepareStreams();
-  prepareOutput();
   Grep grep = {0};
   const int status = run(&grep, argc, argv);
   freeGrep(&grep);

@@ -278,13 +278,37 @@ inline bool ends_in_escape(std::string_view pattern) noexcept {
   return is_escaped(pattern, pattern.size());
 }
 
+// Whether a last literal of the pattern may end the text for anything but itself: for another alternative or
+// a lookahead. Says so more often than is true.
+inline bool sees_last_literal(std::string_view pattern) noexcept {
+  return pattern.find('|') != std::string_view::npos || pattern.find("(?=") != std::string_view::npos ||
+         pattern.find("(?!") != std::string_view::npos;
+}
+
+// Whether options change on the way. The library leaves them changed for its next attempt; but not in a
+// group.
+inline bool changes_options(std::string_view pattern) noexcept {
+  for (std::size_t at = pattern.find("(?", 1); at < pattern.size(); at = pattern.find("(?", at + 2)) {
+    const char letter = at + 2 < pattern.size() ? pattern[at + 2] : '\0';
+    if (letter != '\0' && std::strchr("imsx-", letter)) return true;
+  }
+  return false;
+}
+
+// Whether an expression may see where the text ends. Says so more often than is true.
+inline bool sees_end(std::string_view pattern) noexcept {
+  for (const char* sight : {"$", "\\z", "\\Z", "(?=", "(?!"})
+    if (pattern.find(sight) != std::string_view::npos) return true;
+  return false;
+}
+
 // What of the text around it an expression may see: nothing, one byte before it and all that follows, or
 // more.
 enum class sight : std::uint8_t { own, near, wide };
 
 // Often says more than is true, as it does not read classes and quotes. Options for a part count as wide, as
-// they may last; so do alternatives beside what sees the end of the text, which a last literal moves; and a
-// "." in front, with which a match begins at the start of a line.
+// they may last; so do alternatives beside what sees the byte before, as exclude_more() puts something in
+// front; and a "." in front, with which a match begins at the start of a line.
 inline sight sight_of(std::string_view pattern) noexcept {
   if (pattern.substr(0, 1) == "." || pattern.substr(0, 4) == "(?:.") return sight::wide;
   bool near = false;
@@ -325,8 +349,16 @@ class regexp {
 #endif
 
   /// Compiles a pattern: 40 KiB and 20 bytes for each of its bytes.
-  /// @param pattern  without zero bytes, and not ending in the middle of an escape (a lone "\" or "\c"):
-  ///                 #ulkErrRegExpSyntax
+  ///
+  /// In the functions of ulkch.h a literal at the end of a pattern ends the text behind its last occurrence,
+  /// for lookahead and other alternatives too: there `^(?!.*admin).*user` matches in "user admin", and
+  /// `warning|colou?r` finds nothing in "a warning". Here it does not: such patterns are compiled with an
+  /// empty group behind them, which changes nothing else. It may cost speed, as texts without the literal are
+  /// not passed over. There, too, options that change within a pattern, as in `a(?i)b`, stay changed when the
+  /// next place is tried; here such patterns are compiled in a group, and they do not.
+  /// @param pattern  without zero bytes, and not ending in the middle of an escape, in a lone backslash or
+  /// one with a
+  ///                 "c" behind it: #ulkErrRegExpSyntax
   /// @param options  letters of `simx`. `g` is refused, as the function called tells whether all matches are
   ///                 meant: #ulkErrRegExpOptions
   /// @return the expression, or the status and where in the pattern the error was noticed
@@ -380,13 +412,13 @@ class regexp {
   /// - All others are compiled again, with an alternative that matches at the end of the text: getting there
   ///   tells. Those are expressions with lookbehind, a conditional, options for a part or the option `x`,
   ///   with `|` beside an anchor, `\b` or a lookahead, with a "." at their start, and those that have matched
-  ///   the empty string. They act as in a group then: a last literal does not end the text, options are not
-  ///   carried from one attempt to the next, matches of a leading ".*" may begin within a line. This may be
-  ///   many times slower.
+  ///   the empty string. Matches of a leading ".*" may begin within a line then. This may be many times
+  ///   slower.
   ///
   /// As in Perl, an empty match may follow a match at its end. In UTF-8 none is reported before a byte that
   /// continues a character. Behind an empty match, one that is not empty is found at the same place only if
-  /// it fits into one byte.
+  /// it fits into one byte; and not at all for a pattern with `$`, `\z`, `\Z` or lookahead, as the library
+  /// would take the end of that byte for the end of the text.
   ///
   /// @return the matches, and whether they are all. Of those that are compiled again, an expression with 999
   ///         groups or so many levels is refused with #ulkErrRegExpGroup; one with N groups, N above 8, and
@@ -412,16 +444,20 @@ class regexp {
 
   /// A text with the first match replaced; where there is none, a copy.
   [[nodiscard]] result<std::string> replace_first(const text& in, const replacement& by) {
-    const search_result found = search(in);
-    if (found.status() != ulkOk) return failure{found.status()};
-    const auto append = [&](const match& of, std::string& to) { by.expand(of, to); };
-    if (!found) return std::string(in.view());
-    return replaced(in, std::initializer_list<match>{found}, append);
+    return replace_first(in, [&](const match& found, std::string& to) { by.expand(found, to); });
   }
   [[nodiscard]] result<std::string> replace_first(const text& in, std::string_view by) {
     const result<replacement> prepared = replacement::compile(by);
     if (!prepared) return failure{prepared.status()};
     return replace_first(in, *prepared);
+  }
+  /// The same by a function, as for replace_all().
+  template <class Append, class = std::enable_if_t<std::is_invocable_v<Append&, const match&, std::string&>>>
+  [[nodiscard]] result<std::string> replace_first(const text& in, Append&& append) {
+    const search_result found = search(in);
+    if (found.status() != ulkOk) return failure{found.status()};
+    if (!found) return std::string(in.view());
+    return replaced(in, std::initializer_list<match>{found}, append);
   }
 
   // Matches in a string that ends with the expression would be left without their text.
@@ -450,6 +486,23 @@ class regexp {
                        std::int32_t* count) noexcept {
     set_limit(first_.get(), in.length());
     return ulksRegExpFind_8u(in.data() + from, in.length() - from, first_.get(), records, count);
+  }
+
+  // Keeps a last literal from ending the text, and options from lasting. Sets pattern_ to what is searched
+  // for.
+  ulkStatus shield(std::string_view pattern) {
+    pattern_ = pattern;
+    const bool in_group = detail::changes_options(pattern);
+    if (!in_group && !detail::sees_last_literal(pattern)) return ulkOk;
+    // A pattern may end inside \Q or a comment; either would swallow what comes behind it, also a parenthesis
+    // that closes nothing.
+    std::int32_t offset = 0;
+    for (const char* closer : {"", "\\E", "\n"}) {
+      pattern_ = std::string(pattern) + closer;
+      if (compile_state(pattern_ + ')', options_, first_, offset) != ulkOk) break;
+    }
+    pattern_ = in_group ? "(?:" + pattern_ + ')' : pattern_ + "(?:)";
+    return compile_state(pattern_, options_, first_, offset);
   }
 
   static ulkStatus compile_state(const std::string& pattern, const std::string& options, owned_state& into,
@@ -503,7 +556,7 @@ class regexp {
     return whole;
   }
 
-  std::string pattern_;
+  std::string pattern_;  // as it is searched for
   std::string options_;
   owned_state first_;
   owned_state every_;                          // made by the first find_all()
@@ -534,12 +587,12 @@ inline regexp::compiled regexp::compile(std::string_view pattern, std::string_vi
     return refused(ulkErrRegExpSyntax, zero);
 
   regexp made;
-  made.pattern_ = pattern;
   made.options_ = options;
   std::int32_t offset = 0;
-  const ulkStatus status = compile_state(made.pattern_, made.options_, made.first_, offset);
+  ulkStatus status = compile_state(std::string(pattern), made.options_, made.first_, offset);
   if (status != ulkOk) return refused(status, static_cast<std::size_t>(offset));
   if (detail::ends_in_escape(pattern)) return refused(ulkErrRegExpSyntax, pattern.size());
+  if (status = made.shield(pattern); status != ulkOk) return refused(status, pattern.size());
   made.count_groups();
   made.sight_ = options.find('x') == std::string_view::npos ? detail::sight_of(pattern) : detail::sight::wide;
   return made;
@@ -547,7 +600,11 @@ inline regexp::compiled regexp::compile(std::string_view pattern, std::string_vi
 
 #if ULKCH_HAS_EXCEPTIONS
 inline regexp::regexp(std::string_view pattern, std::string_view options)
-    : regexp(compile(pattern, options).value()) {}
+    : regexp([&] {
+        compiled made = compile(pattern, options);
+        if (!made) throw error(made.status(), made.error_offset, pattern);
+        return std::move(*made);
+      }()) {}
 #endif
 
 // Compiles what find_all() searches for.
@@ -621,17 +678,21 @@ inline regexp::all_records regexp::collect(const detail::readable& in, std::size
   return found;
 }
 
-// Takes over what was found: without the matches of the frame, and without those inside a character, which
-// the library finds where it goes on behind an empty match by one byte.
+// Takes over what was found, without the matches of the frame. Behind an empty match the library looks at one
+// byte as if the text ended there, and goes on behind it: what owes itself to that is left out too, matches
+// at such an end and matches inside a character.
 inline void regexp::keep(const detail::readable& in, const all_records& found, matches& into) const {
   const std::uint8_t* last_end = in.data();
+  const std::uint8_t* empty = nullptr;  // where an empty match stands
+  const bool sees_end = detail::sees_end(pattern_);
   into.records_.reserve(found.records.size());
   for (std::size_t i = 0; i < found.records.size(); i += found.per_match) {
     const ulkRegExpFind& whole = found.records[i];
     const bool is_frame = is_framed() && found.records[i + groups_ + 1].pFound;
     const bool inside =
         whole.lenFound == 0 && encoding_ == encoding::utf8 && detail::continues(*whole.pFound);
-    if (is_frame || inside || whole.pFound < last_end) continue;
+    if (is_frame || inside || whole.pFound < last_end || (whole.pFound == empty && sees_end)) continue;
+    if (whole.lenFound == 0) empty = whole.pFound;
     for (std::size_t group = 0; group <= groups_; ++group)
       into.records_.push_back(in.in_original(found.records[i + group]));
     last_end = whole.pFound + into.records_[into.records_.size() - groups_ - 1].lenFound;

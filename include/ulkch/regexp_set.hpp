@@ -78,9 +78,8 @@ class [[nodiscard]] set_result {
 class regexp_set {
  public:
   /// Adds an expression, whose match limit and encoding stay its own.
-  /// @return #ulkErrBadId if the name is taken, #ulkErrInvalidState if the expression holds none; then the
-  /// set
-  ///         is as it was
+  /// @return #ulkErrBadId if the name is taken, #ulkErrInvalidState if the expression holds none; the set is
+  ///         as it was then
   [[nodiscard]] ulkStatus add(std::string name, regexp expression) {
     if (find(name) != members_.end()) return ulkErrBadId;
     if (!expression.is_compiled()) return ulkErrInvalidState;

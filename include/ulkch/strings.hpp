@@ -28,8 +28,12 @@ namespace ulkch {
 /// @name Statuses and results
 /// @{
 
-/// What a status means, in words; "unknown status" for a number that is none.
+/// What a status means, in words; "unknown status" for a number that is none. Two statuses have words of
+/// their own here, as they come from other causes than in ulkch.h: regexp::find_all() and regexp_set::add()
+/// give them.
 [[nodiscard]] constexpr std::string_view status_text(ulkStatus status) noexcept {
+  if (status == ulkWrnSlotsExhausted) return "there are more matches than were asked for";
+  if (status == ulkErrBadId) return "the set has a member of this name already";
 #define ULKCH_TEXT(name, value, meaning) \
   case name:                             \
     return meaning;
@@ -42,11 +46,22 @@ namespace ulkch {
 /// What result::value() and the constructor of regexp throw.
 class error : public std::runtime_error {
  public:
+  static constexpr std::size_t npos = std::string_view::npos;
+
   explicit error(ulkStatus status) : std::runtime_error(std::string(status_text(status))), status_(status) {}
+  /// For a pattern that was refused: what() tells the place and the pattern as well.
+  error(ulkStatus status, std::size_t offset, std::string_view pattern)
+      : std::runtime_error(std::string(status_text(status)) + ", at byte " + std::to_string(offset) +
+                           " of \"" + std::string(pattern) + '"'),
+        status_(status),
+        offset_(offset) {}
   [[nodiscard]] ulkStatus status() const noexcept { return status_; }
+  /// Where in the pattern the error was noticed, in bytes from its start; npos for what is about no pattern.
+  [[nodiscard]] std::size_t offset() const noexcept { return offset_; }
 
  private:
   ulkStatus status_;
+  std::size_t offset_ = npos;
 };
 #endif
 
@@ -71,13 +86,27 @@ class [[nodiscard]] result {
   [[nodiscard]] const T* operator->() const noexcept { return &value_; }
 #if ULKCH_HAS_EXCEPTIONS
   /// The value; throws an error where there is none.
+  [[nodiscard]] T& value() & {
+    check();
+    return value_;
+  }
+  [[nodiscard]] const T& value() const& {
+    check();
+    return value_;
+  }
   [[nodiscard]] T value() && {
-    if (status_ != ulkOk) throw error(status_);
+    check();
     return std::move(value_);
   }
 #endif
 
  private:
+#if ULKCH_HAS_EXCEPTIONS
+  void check() const {
+    if (status_ != ulkOk) throw error(status_);
+  }
+#endif
+
   ulkStatus status_ = ulkOk;
   T value_{};
 };
@@ -121,7 +150,9 @@ constexpr std::size_t kMaxLength = std::numeric_limits<std::int32_t>::max();
 }  // namespace detail
 
 /// A view of units: what every function here takes. Made of a standard string or view of Char, of a
-/// zero-terminated string, or of any array or container of units of this width, such as std::span.
+/// zero-terminated string, or of any array or container of units of this width, such as std::span. Of an
+/// array the last unit does not count if it is a zero: so u8"abc" has three. Where a zero is meant, give a
+/// pointer and a size.
 template <class Unit, class Char>
 class basic_units {
  public:
@@ -137,6 +168,11 @@ class basic_units {
                                                       !std::is_convertible_v<const Container&, view_type>>>
   basic_units(const Container& units) noexcept
       : view_(reinterpret_cast<const Char*>(std::data(units)), std::size(units)) {}
+  template <class Element, std::size_t size,
+            class = std::enable_if_t<detail::holds_units<Element[size], sizeof(Unit)>::value &&
+                                     !std::is_convertible_v<const Element*, view_type>>>
+  basic_units(const Element (&array)[size]) noexcept
+      : view_(reinterpret_cast<const Char*>(array), size - (array[size - 1] == Element{} ? 1 : 0)) {}
 
   [[nodiscard]] constexpr view_type view() const noexcept { return view_; }
   [[nodiscard]] constexpr std::size_t size() const noexcept { return view_.size(); }

@@ -12,7 +12,7 @@ FOLDERS = ("cmake", "examples", "include", "src", "ulkcore", "ulkgrep", "docs")
 
 class Ulkch(ConanFile):
     name = "ulkch"
-    description = "String-processing primitives and regular expressions for 32-bit x86"
+    description = "String-processing primitives and regular expressions for x86"
     license = "MIT"
     package_type = "library"
     settings = "os", "compiler", "build_type", "arch"
@@ -40,7 +40,7 @@ class Ulkch(ConanFile):
 
     def generate(self):
         toolchain = CMakeToolchain(self)
-        for option in ("ULKCH_BUILD_TESTS", "ULKCH_BUILD_EXAMPLES", "ULKCH_WARNINGS_AS_ERRORS"):
+        for option in ("ULKCH_BUILD_EXAMPLES", "ULKCH_WARNINGS_AS_ERRORS"):
             toolchain.cache_variables[option] = False
         toolchain.cache_variables["ULKCH_OPENMP"] = bool(self.options.openmp)
         toolchain.generate()
@@ -53,7 +53,10 @@ class Ulkch(ConanFile):
     def package(self):
         CMake(self).install()
         # The build makes both libraries; linkers would take the shared one.
-        rm(self, "*.a" if self.options.shared else "*.so*", os.path.join(self.package_folder, "lib"))
+        static = ("lib/libulkch.a", "lib/libulkcore.a")
+        shared = ("lib/libulkch.so*", "lib/libulkch.dll.a", "lib/ulkch.lib", "bin/*.dll")
+        for name in static if self.options.shared else shared:
+            rm(self, os.path.basename(name), os.path.join(self.package_folder, os.path.dirname(name)))
         copy(self, "LICENSE", self.source_folder, os.path.join(self.package_folder, "licenses"))
 
     def package_info(self):

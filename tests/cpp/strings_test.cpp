@@ -54,9 +54,14 @@ TEST(CppStrings, TakesArraysAndContainersOfUnits) {
   EXPECT_EQ(*ulkch::find(bytes, 'b'), 2u);
   EXPECT_EQ(*ulkch::find(std::vector<std::byte>{std::byte{'a'}, std::byte{'b'}}, "b"), 1u);
   EXPECT_EQ(*ulkch::find(std::vector<uint16_t>{'a', 'b'}, u"b"), 1u);
+  const uint8_t literal[] = "abc";  // with a zero, which is none of its units
+  const uint16_t wide[] = {'b', 'c', 0};
+  EXPECT_EQ(*ulkch::find(literal, "c"), 2u);
+  EXPECT_EQ(*ulkch::find("abc", literal), 0u);
+  EXPECT_EQ(*ulkch::find(u"abc", wide), 1u);
 #if __cplusplus >= 202002L
   EXPECT_EQ(*ulkch::find(std::span(bytes).subspan(1), "b"), 1u);
-  EXPECT_EQ(*ulkch::find(u8"ab", "b"), 1u);
+  EXPECT_EQ(*ulkch::find(u8"abc", u8"bc"), 1u);
 #endif
 }
 
@@ -180,6 +185,9 @@ TEST(CppStrings, TellsStatuses) {
   EXPECT_EQ(ulkch::status_text(ulkErrMatchLimit), "the match limit ran out during the search");
   EXPECT_EQ(ulkch::status_text(1), "unknown status");
   EXPECT_EQ(ulkch::result<int>(7).value(), 7);
+  ulkch::result<int> number(7);
+  number.value() = 8;
+  EXPECT_EQ(std::as_const(number).value(), 8);
   EXPECT_THROW(static_cast<void>(ulkch::result<int>(ulkch::failure{ulkErrSize}).value()), ulkch::error);
 }
 

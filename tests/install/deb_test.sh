@@ -1,10 +1,11 @@
 #!/bin/sh
-# deb_test.sh DIRECTORY READELF: the Debian packages there are for the architecture of their files, may stand beside those
+# deb_test.sh DIRECTORY READELF PYTHON: the Debian packages there are for the architecture of their files, may stand beside those
 # for another one, name the shared library to others, and depend on the packages of all libraries that their files need,
-# in versions with the symbols which they use. Lintian, where there is one, finds no error.
+# in versions with the symbols which they use. The links of their documents lead somewhere. Lintian, where there is one, finds no error.
 set -eu
 export LC_ALL=C
-packages=$1 readelf=$2
+packages=$1 readelf=$2 python=$3
+links=$(cd "$(dirname "$0")/../docs" && pwd)/links.py
 directory=$(mktemp -d)
 trap 'rm -rf "$directory"' EXIT
 failures=0
@@ -64,6 +65,8 @@ libulkch6 same ${wanted#, }
 libulkch-dev same libulkch6 (= 6.1-1)
 ulkgrep foreign libulkch6 (>= 6.1)$wanted
 END
+
+"$python" -B "$links" "$directory/libulkch-dev/usr/share/doc/libulkch-dev" || failures=$((failures + 1))
 
 if command -v lintian >/dev/null; then
   lintian --allow-root --fail-on error "$packages"/*.deb || failures=$((failures + 1))

@@ -115,7 +115,7 @@ void Comparison::leaveNote(Earlier earlier) {
   if (earlier != Earlier::kNothing) note.work = kMuch;
   if (earlier == Earlier::kInVainWithoutPair && (note.frame = ulk::Candidates::make(*state())) > 0) {
     note.use = ulk::PrefilterUse::kOff;
-    ulk::Candidates::in(*state(), note.frame)->dropPair();
+    ulk::Candidates::in(*state(), note.frame)->takeSlowerWay();
   }
 }
 

@@ -89,7 +89,7 @@ input='\n\na'
 row 0 '1:\n2:\n' -n '^$'
 input='a\0b\nc\0\0d\n'
 row 0 'a\0b\n' -a 'a.b$'
-row 0 '(standard input): binary file matches\n' 'a.b$'
+row 0 'ulkgrep: (standard input): binary file matches\n' 'a.b$'
 row 0 '1\n' -c 'a.b$'
 input='-v\n'
 row 0 '-v\n' -e -v
@@ -99,6 +99,19 @@ row 0 '2\n' --invert-match --count tw
 row 1 '' -v .
 row 0 'one\n' -m 1 o
 row 0 '' -q three
+# A pattern's last literal ends no line for its other alternatives, nor for lookahead.
+input='a warning\nfix colour\nof them\n'
+row 0 'a warning\nfix colour\n' 'warning|colou?r'
+row 0 'warning\ncolour\n' -o 'warning|colou?r'
+row 0 'a <warning>\nfix <colour>\n' --replace '<$&>' -g 'warning|colou?r'
+row 0 'of them\n' -v 'warning|colou?r'
+row 0 'a warning\n' 'warning|x*y'
+row 0 'a warning\n' -e 'warning|x*y' -e zz
+row 0 'a warning\n' -w 'warning|x*y'
+row 0 'a warning\nof them\n' '(?x)warn|th+em|x+y #'
+row 0 'a warning\n' 'warn|\Qx*\Ey+z'
+row 1 '' '^(?!.*the).*of'
+row 0 'of them\n' 'IX|(?i)THEM'  # nor do options last
 input='word\nwords\na word_ word\n\nwo.rd\n'
 row 0 'word\na word_ word\n' -w word
 row 0 'word\n' -x 'wor.|wo'
@@ -125,6 +138,9 @@ input='foofoo foo\n'
 row 0 'foo\nfoo\n' -o '\bfoo'
 row 0 'foo\nfoo\n' -o '\b(foo)'
 row 0 'foo\n' -o '^(f)oo'
+row 0 'foofoo\nfoo\n' -o '^foofoo|foo'
+row 0 'foofoo foo\n' -ox 'foo|.*'
+row 0 'foo\nfoo\nfoo\n' -o '^*foo'
 input='abbab\n'
 row 0 'b\nb\n' -o '(?<=a)b'
 row 0 'b\nb\n' -o '(?<=a)(b)'
@@ -156,6 +172,25 @@ seq 1 300 >few
 seq 1 100 >expected
 run $(seq 1 100 | sed 's/.*/-e ^&$/') few
 [ "$status" = 0 ] && cmp -s out expected || fail 'a hundred patterns'
+
+# The lines of a pattern are patterns, whether they come from the command line or from a file.
+input='foo\nbar\n\nfoobar\n'
+row 0 'foo\nbar\n' -x "$(printf 'bar\nfoo')"
+row 0 'foo\nbar\nfoobar\n' -F "$(printf 'r\nfoo')"
+row 0 'foo\nbar\nbar\nfoo\n' -oP "$(printf 'bar\nfoo')"
+row 0 '4\n' -cE "$(printf 'r\n\nx')"
+printf '^f\nr$' >patterns
+row 0 '^f:foo\nr$:bar\n^f:foobar\n' --which -f patterns
+printf 'q\n' >patterns
+row 0 'bar\n' -xy -f patterns -e BAR
+printf 'q\r\n' >patterns
+row 1 '' --crlf --file=patterns
+: >patterns
+row 1 '0\n' -cf patterns
+row 0 '4\n' -vcf patterns
+printf 'a\0b\n' >patterns
+error 2 '' 'ulkgrep: patterns: *zero byte' -f patterns
+error 2 '' 'ulkgrep: absent: *' -f absent
 
 # --- replacement
 input='abcbd\nx\n'
@@ -211,7 +246,17 @@ row 0 '1\n0\n' -hc one first second
 row 0 'first:one\n' -H one first
 row 0 'first\n' -l one first second
 row 0 'second\n' -L one first second
-row 1 '' -L t first second
+row 0 '' -L t first second
+row 1 'first\nsecond\n' -L x first second
+row 0 'first\n' -lc one first second
+row 0 'second\n' -L -c one first second
+row 0 '' -qlc one first second
+row 0 'first\0second\0' -lZ t first second
+row 0 'first\00001\nsecond\00000\n' --null -c one first second
+row 0 'first\00002:two\n' -nHZ w first
+row 0 'one\n' -h --exclude='s*' . first second -m1
+row 0 'second:two\n' --exclude='*' --include='s*' . ./first second
+row 1 '' --include=x . first
 error 0 '' '*absent*' -q one absent first second
 error 2 '' '' -s one absent
 mkdir -p tree/sub
@@ -221,6 +266,13 @@ printf 'three\n' >tree/sub/z.txt
 row 0 'tree/b.txt:a two\ntree/sub/a.c:two\n' -r two tree
 row 0 'tree/sub/a.c:two\n' -r --include='*.c' --include='?.h' two tree
 row 0 'tree/sub/a.c\n' -rl '^two' tree
+row 0 'tree/b.txt\n' -rl --exclude-dir='s?b' two tree
+row 0 'tree/b.txt\n' -rl --exclude='*.c' two tree
+if ln -s .. tree/sub/up && ln -s b.txt tree/link && [ $emulated = 0 ]; then
+  row 0 'tree/b.txt\ntree/sub/a.c\n' -rl two tree
+  error 2 'tree/b.txt\ntree/link\ntree/sub/a.c\n' 'ulkgrep: tree/sub/up: leads back *' -Rl two tree
+fi
+rm -f tree/sub/up tree/link
 mkdir "$(printf 'tr\303\251e')"
 printf 'deux\n' >"$(printf 'tr\303\251e/\303\251')"
 row 0 'tr\0303\0251e/\0303\0251:deux\n' -r '^' "$(printf 'tr\303\251e')"
@@ -272,6 +324,8 @@ a{2,3}|=
 ^key.*\bx
 ^*x
 -+?-
+text|x?7
+(?:a|e|x){2}|90+y
 END
 
 # --- the match limit
@@ -286,10 +340,13 @@ row 0 'a\n' --limit 2147483647 -o '(a)'
 # --- the command line and the pattern
 input='a\n'
 error 2 '' 'usage: ulkgrep *'
-error 2 '' '*usage: ulkgrep *' -k a
+error 2 '' 'ulkgrep: -k is no option*usage: ulkgrep *' -nk a
+error 2 '' 'ulkgrep: --in is no option, *' --in a
+error 2 '' 'ulkgrep: --count=1 is no option, *' --count=1 a
+error 2 '' 'ulkgrep: -A needs an argument*' -nA
+error 2 '' 'ulkgrep: --regexp needs an argument*' --regexp
 error 2 '' '*-g *needs --replace*' -g a
 error 2 '' '*-v and --replace *' -v --replace b a
-error 2 '' '*--include *needs -r*' --include=x a
 error 2 '' '*-A takes *' -A x a
 error 2 '' '*-o and --replace *' -o --replace a a
 error 2 '' '*--limit takes *' --limit 2147483648 a
@@ -308,8 +365,9 @@ caret 'ab**' ulkErrRegExpQuantifier 3 '     ^'
 caret '(a)\2' ulkErrRegExpBackRef 4 '      ^'
 caret "$(printf 'e\303\251\303\251[b-a]')" ulkErrRegExpClass 8 '        ^'
 caret "$(printf '\ta**')" ulkErrRegExpQuantifier 3 '  \t  ^'
-caret "$(printf '(?x)a # b\nc+*')" ulkErrRegExpQuantifier 12 '    ^'
-error 2 '' '*lone backslash*' 'a\'
-row 0 'a\n' -e 'a|\\'
+caret "$(printf 'ab\nc+*')" ulkErrRegExpQuantifier 2 '    ^'
+error 2 '' '*within an escape*' 'a\'
+error 2 '' '*within an escape*' 'a\c'
+row 0 'a\n' -e 'a|\\c|\\'
 
 [ "$failures" = 0 ] && echo "$rows rows passed"

@@ -10,7 +10,8 @@ import re
 import sys
 from pathlib import Path
 
-PAGES = {"guide.md": "guide", "syntax.md": "syntax", "performance.md": "performance", "SECURITY.md": "security"}
+FILES = ("guide.md", "syntax.md", "performance.md", "SECURITY.md", "README.md", "internals.md", "CHANGELOG.md")
+PAGES = {name: name[:-3].lower() for name in FILES}
 HEADERS = {"ulkch.h": "ulkch.h", "ulkcore.h": "ulkcore.h"}
 
 
@@ -27,6 +28,8 @@ def linked(page, match):
     to = PAGES.get(name) if path else page
     if to:
         return f"@ref {anchor(to, heading) if heading else to} \"{words.replace('`', '')}\""
+    if name == "ulkch.hpp":
+        return f"[{words}](cpp/index.html)"
     return f'@ref {HEADERS[name]} "{HEADERS[name]}"' if name in HEADERS else words
 
 

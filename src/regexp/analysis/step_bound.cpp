@@ -11,6 +11,7 @@ namespace ulk {
 namespace {
 
 constexpr int32_t kMaxNesting = 32;
+constexpr int32_t kFew = 32;  // up to so many repetitions, runs are not worth measuring
 
 // What a part of the program costs that is entered once: its own steps, and how often the rest of the program
 // is entered behind it. All of it saturates.
@@ -91,7 +92,8 @@ Cost Walk::repeat(const RxNode& item, const RxNode& quantifier, uint32_t options
   if (quantifier.code == RX_REPEAT_LAZY && codeOf(item) >= RX_CODEPOINT) return unbounded();
   ByteSet256 set{};
   addFirstBytes(item, options, set);
-  const int64_t most = std::min<int64_t>(longestRun(set), maxOf(quantifier));
+  int64_t most = maxOf(quantifier);
+  if (most > kFew) most = std::min(most, longestRun(set));
   const FollowNote note(followNote(quantifier));
   if (followSet(quantifier) && note.disjoint() && note.options() == (options & kMatcherOptions))
     return {saturated(1 + (most + 1) * note.steps()), 1};
@@ -160,7 +162,7 @@ Cost Walk::group(int32_t open, const RxNode* quantifier, uint32_t options) {
   if (!quantifier) return then({1, 1}, once);
   int64_t most = maxOf(*quantifier);
   ByteSet256 bytes{};
-  if (most > kMaxNesting) {
+  if (most > kFew) {
     if (!bytesOfBody(open, options, bytes)) return unbounded();
     most = std::min(most, longestRun(bytes) + 1);
   }

@@ -122,13 +122,17 @@ __attribute__((noinline)) Outcome goOnIn(MatchContext& m) {
   return run(fail(m), m);
 }
 
+// Goes on where there is room for more choices.
+__attribute__((noinline)) Outcome goOnWithMoreRoom(MatchContext& m) {
+  const Choices before = m.choices;
+  const Outcome outcome = m.budget.left() <= kDefaultMatchLimit ? goOnIn<kDefault>(m) : goOnIn<kDeep>(m);
+  m.choices = before;
+  return outcome;
+}
+
 // What is left to do when an attempt has not simply failed.
-__attribute__((noinline)) bool finish(MatchContext& m, Outcome outcome) {
-  if (outcome == Outcome::kOutOfChoices) {
-    const Choices before = m.choices;
-    outcome = m.budget.left() <= kDefaultMatchLimit ? goOnIn<kDefault>(m) : goOnIn<kDeep>(m);
-    m.choices = before;
-  }
+ULK_INLINE bool finish(MatchContext& m, Outcome outcome) {
+  if (outcome == Outcome::kOutOfChoices) outcome = goOnWithMoreRoom(m);
   m.choices.clear();
   m.runEnd = m.programEnd;
   m.run = kNoRun;

@@ -2,23 +2,27 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 #include <new>
 
 #include "kernels/byte_sets.h"
+#include "kernels/find_unit.h"
 #include "regexp/analysis/follow_sets.h"
 
 namespace ulk {
 
 namespace {
 
-constexpr PositionSet kAllPositions = ~PositionSet{0};
 constexpr int32_t kUsualRun = 32;
 
-ULK_INLINE uint16_t loadEntry(const uint8_t* place) {
-  uint16_t entry;
-  std::memcpy(&entry, place, sizeof entry);
-  return entry;
+// The only byte that is not in the set, -1 if there are others.
+int32_t onlyOutside(const ByteSet256& set) {
+  int32_t only = -1;
+  for (int32_t i = 0; i < 8; ++i) {
+    if (~set.words[i] == 0) continue;
+    if (only >= 0 || !std::has_single_bit(~set.words[i])) return -1;
+    only = 32 * i + std::countr_zero(~set.words[i]);
+  }
+  return only;
 }
 
 // Looks whether a run of the set is longer than `longest` in a text, and makes `longest` larger until none
@@ -26,10 +30,15 @@ ULK_INLINE uint16_t loadEntry(const uint8_t* place) {
 // there is one before the last such place, no longer run lies between.
 bool measureRun(const ByteSet256& set, const uint8_t* text, const uint8_t* end, int32_t& longest) {
   constexpr int32_t kLongest = 1 << 20;
+  const int32_t only = onlyOutside(set);
   const uint8_t* outside = text - 1;
   while (end - outside > longest + 1) {
     const uint8_t* at = outside + longest + 1;
-    while (at > outside && set.contains(*at)) --at;
+    if (only >= 0) {
+      at = outside + 1 + findUnitRev(outside + 1, longest + 1, static_cast<uint8_t>(only));
+    } else {
+      while (at > outside && set.contains(*at)) --at;
+    }
     if (at > outside) {
       outside = at;
     } else if ((longest *= 2) > kLongest) {
@@ -39,133 +48,34 @@ bool measureRun(const ByteSet256& set, const uint8_t* text, const uint8_t* end, 
   return true;
 }
 
-void storeEntry(uint8_t* place, uint16_t entry) { std::memcpy(place, &entry, sizeof entry); }
+// Calls `run` with the set in the form for vectors.
+template <class Run>
+ULK_INLINE auto withSet(const SmallSet& set, Run run) {
+  if (set.form == SmallSetForm::kRanges) return run(TwoRanges(set.bytes));
+  const bool isOne = std::count(set.bytes, set.bytes + 4, set.bytes[0]) == 4;
+  return isOne ? run(OneByte(set.bytes)) : run(FourBytes(set.bytes));
+}
 
 }  // namespace
-
-// ---- The automaton
-
-// Bytes that are in the same positions' sets share a column.
-bool Candidates::makeColumns() {
-  numColumns_ = 0;
-  for (int32_t byte = 0; byte < 256; ++byte) {
-    PositionSet taken = 0;
-    for (int32_t p = 0; p < automaton_.count; ++p)
-      taken |= PositionSet{automaton_.bytes[p].contains(static_cast<uint8_t>(byte))} << p;
-    int32_t column = 0;
-    while (column < numColumns_ && columns_[column] != taken) ++column;
-    if (column == kMaxColumns) return false;
-    if (column == numColumns_) columns_[numColumns_++] = taken;
-    columnOf_[byte] = static_cast<uint8_t>(2 * column);
-  }
-  return true;
-}
 
 int32_t Candidates::make(ulkRegExpState& state) {
   const FrameRange room = unusedFrames(state);
   if (sizeof(Candidates) > static_cast<size_t>(room.count) * sizeof(WorkFrame)) return 0;
   Candidates& made = *new (&state.frames[room.first]) Candidates;
-  if (!findRuns(state, made.runs_) || !makeAutomaton(state, made.automaton_) || !made.makeColumns()) return 0;
+  if (!findRuns(state, made.runs_) || !made.automaton_.make(state)) return 0;
   std::fill_n(made.runs_.longest, Runs::kMax, kUsualRun);
   made.attemptBound_ = stepBound(state, made.runs_);
-  made.usesPair_ = findRarePair(made.automaton_, made.pair_);
-  made.flush();
+  made.choose(findRarePair(made.automaton_.positions(), made.pair_) ? Way::kPair : Way::kRequiredByte);
   return room.first;
 }
 
-// Row 0 is the one that unknown entries lead to, and leads to itself.
-void Candidates::flush() {
-  numStates_ = 0;
-  tableEnd_ = 2 * (numColumns_ + 1);
-  std::memset(table_, 0, static_cast<size_t>(tableEnd_));
-  std::memset(slots_, 0, sizeof slots_);
-}
-
-uint16_t Candidates::rowOf(PositionSet alive) {
-  const auto hash = static_cast<uint32_t>((alive * 0x9E3779B97F4A7C15u) >> 55);
-  int32_t slot = static_cast<int32_t>(hash);
-  for (; slots_[slot]; slot = (slot + 1) % static_cast<int32_t>(sizeof slots_))
-    if (states_[slots_[slot]] == alive) return rows_[slots_[slot]];
-  return addRow(alive, slot);
-}
-
-uint16_t Candidates::addRow(PositionSet alive, int32_t slot) {
-  const int32_t size = 2 * (numColumns_ + 1);
-  if (numStates_ == kMaxStates || tableEnd_ + size + 1 > kTableBytes) {
-    ++numFlushes_;
-    flush();
-    return rowOf(alive);
-  }
-  const int32_t state = ++numStates_;
-  slots_[slot] = static_cast<uint8_t>(state);
-  states_[state] = alive;
-  const bool isCandidate = alive & automaton_.first;
-  const int32_t begin = tableEnd_ + (isCandidate != (tableEnd_ % 2 != 0) ? 1 : 0);
-  std::memset(table_ + begin, 0, static_cast<size_t>(size));
-  storeEntry(table_ + begin, static_cast<uint16_t>(state));
-  tableEnd_ = begin + size;
-  return rows_[state] = static_cast<uint16_t>(begin + 2);
-}
-
-// The positions alive at a byte of the column that stands before a place with those alive.
-PositionSet Candidates::before(PositionSet alive, int32_t column) const {
-  PositionSet found = columns_[column] & automaton_.accepting;
-  for (PositionSet left = columns_[column] & ~found; left; left &= left - 1) {
-    const int32_t p = std::countr_zero(left);
-    if (automaton_.follow[p] & alive) found |= PositionSet{1} << p;
-  }
-  return found;
-}
-
-uint16_t Candidates::entry(uint16_t row, uint8_t byte) {
-  uint8_t* const place = table_ + row + columnOf_[byte];
-  if (const uint16_t known = loadEntry(place)) return known;
-  const int32_t flushes = numFlushes_;
-  const uint16_t next = rowOf(before(states_[loadEntry(table_ + row - 2)], columnOf_[byte] / 2));
-  if (flushes == numFlushes_) storeEntry(place, next);
-  return next;
-}
-
-// ---- The text
-
-// Reads the bytes of a chunk from the last to the first: a bit for each that is a candidate. `row` is that
-// behind the chunk, then that of its first byte.
-ULK_INLINE uint32_t Candidates::readChunk(const uint8_t* chunk, int32_t length, uint16_t& row) {
-  if (length < kChunk) return readNewChunk(chunk, length, row);
-  uint32_t bits = 0;
-  uint32_t place = row;
-  for (int32_t i = kChunk - 1; i >= 0; --i) {
-    place = loadEntry(table_ + place + columnOf_[chunk[i]]);
-    bits = bits << 1 | (place & 1);
-  }
-  if (place == 0) return readNewChunk(chunk, length, row);
-  row = static_cast<uint16_t>(place);
-  return bits;
-}
-
-// The same where states may be missing.
-__attribute__((noinline)) uint32_t Candidates::readNewChunk(const uint8_t* chunk, int32_t length,
-                                                            uint16_t& row) {
-  uint32_t bits = 0;
-  for (int32_t i = length - 1; i >= 0; --i) {
-    row = entry(row, chunk[i]);
-    bits = bits << 1 | (row & 1);
-  }
-  return bits;
-}
-
-void Candidates::readBlock(const uint8_t* begin) {
-  blockBegin_ = begin;
-  blockEnd_ = begin + std::min<ptrdiff_t>(kBlock, textEnd_ - begin);
-  const bool reachesEnd = textEnd_ - blockEnd_ <= kAhead;
-  const uint8_t* const readEnd = reachesEnd ? textEnd_ : blockEnd_ + kAhead;
-  uint16_t row = rowOf(reachesEnd ? automaton_.atEnd : kAllPositions);
-  auto chunk = static_cast<int32_t>(readEnd - begin - 1) / kChunk;
-  for (; chunk >= 0; --chunk) {
-    const uint8_t* const at = begin + chunk * kChunk;
-    const uint32_t bits = readChunk(at, static_cast<int32_t>(std::min<ptrdiff_t>(kChunk, readEnd - at)), row);
-    if (at < blockEnd_) bits_[chunk] = bits;
-  }
+// The way, or the next one that there is.
+void Candidates::choose(Way way) {
+  if (way == Way::kRequiredByte && !findRequiredByte(automaton_.positions(), requiredByte_))
+    way = Way::kBlocks;
+  way_ = way;
+  automaton_.restart(way == Way::kBlocks);
+  blockBegin_ = blockEnd_ = nullptr;
 }
 
 // The runs of earlier texts are taken to be those of this one as long as that is enough.
@@ -184,7 +94,7 @@ bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const u
                        int32_t steps) {
   textEnd_ = textEnd;
   blockBegin_ = blockEnd_ = nullptr;
-  numFlushes_ = 0;
+  automaton_.begin();
   const int64_t most = steps / (2 * (int64_t{textEnd - text} + 1));  // behind an empty match there is another
   if (attemptBound_ <= most && boundAttempts(state, text, textEnd) && attemptBound_ <= most) return true;
   std::fill_n(runs_.longest, Runs::kMax, kUsualRun);
@@ -192,36 +102,71 @@ bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const u
   return false;
 }
 
-const uint8_t* Candidates::nextInBlocks(const uint8_t* at) {
+const uint8_t* Candidates::next(const uint8_t* at) {
+  if (way_ == Way::kPair) return nextPair(at);
   while (at < textEnd_ && !givesUp()) {
-    if (at < blockBegin_ || at >= blockEnd_) readBlock(at);
-    auto place = static_cast<uint32_t>(at - blockBegin_);
-    const auto numBits = static_cast<uint32_t>(blockEnd_ - blockBegin_);
-    uint32_t bits = bits_[place / kChunk] >> place % kChunk << place % kChunk;
-    for (place -= place % kChunk; !bits && place + kChunk < numBits;) {
-      place += kChunk;
-      bits = bits_[place / kChunk];
-    }
-    if (bits && place + static_cast<uint32_t>(std::countr_zero(bits)) < numBits)
-      return blockBegin_ + place + std::countr_zero(bits);
+    if (at >= blockEnd_ && !(way_ == Way::kRequiredByte ? readToRequired(at) : readBlock(at)))
+      return textEnd_;
+    const uint8_t* const found = nextInBlock(std::max(at, blockBegin_));
+    if (found < blockEnd_) return found;
     at = blockEnd_;
   }
   return at;
 }
 
-// ---- The pair
+// ---- Blocks. The bits of the last byte of a block are the last of all.
 
-namespace {
-
-// Calls `run` with the set in the form for vectors.
-template <class Run>
-ULK_INLINE auto withSet(const SmallSet& set, Run run) {
-  if (set.form == SmallSetForm::kRanges) return run(TwoRanges(set.bytes));
-  const bool isOne = std::count(set.bytes, set.bytes + 4, set.bytes[0]) == 4;
-  return isOne ? run(OneByte(set.bytes)) : run(FourBytes(set.bytes));
+// The first candidate from `at` on in the block, its end if there is none.
+const uint8_t* Candidates::nextInBlock(const uint8_t* at) const {
+  auto place = static_cast<uint32_t>(kBlock - (blockEnd_ - at));
+  uint32_t bits = bits_[place / kChunk] >> place % kChunk << place % kChunk;
+  place -= place % kChunk;
+  while (bits == 0) {
+    if ((place += kChunk) >= kBlock) return blockEnd_;
+    bits = bits_[place / kChunk];
+  }
+  return blockEnd_ - (kBlock - static_cast<int32_t>(place)) + std::countr_zero(bits);
 }
 
-}  // namespace
+// Reads [begin, blockEnd_) backwards, which is no longer than a block, and no further than to where nothing
+// is alive any more, if matches are to reach the end. The block then begins there.
+void Candidates::readBack(const uint8_t* begin, uint16_t row) {
+  int32_t chunk = kBlock / kChunk;
+  for (blockBegin_ = blockEnd_; blockBegin_ > begin;) {
+    const auto length = static_cast<int32_t>(std::min<ptrdiff_t>(kChunk, blockBegin_ - begin));
+    blockBegin_ -= length;
+    bits_[--chunk] = automaton_.read(blockBegin_, length, row) << (kChunk - length);
+    if (way_ == Way::kRequiredByte && automaton_.isDead(row)) break;
+  }
+}
+
+// The next block, after what is a little ahead of it.
+bool Candidates::readBlock(const uint8_t* begin) {
+  blockEnd_ = textEnd_ - begin > kBlock ? begin + kBlock : textEnd_;
+  const bool seesEnd = textEnd_ - blockEnd_ <= kAhead;
+  uint16_t row = seesEnd ? automaton_.rowAtEnd() : automaton_.rowOfAll();
+  for (const uint8_t* at = seesEnd ? textEnd_ : blockEnd_ + kAhead; at > blockEnd_;) {
+    const auto length = static_cast<int32_t>(std::min<ptrdiff_t>(kChunk, at - blockEnd_));
+    automaton_.read(at -= length, length, row);
+  }
+  readBack(begin, row);
+  return true;
+}
+
+// ---- The required byte. A match that begins before the next place of it, or there, has that place in it.
+
+bool Candidates::readToRequired(const uint8_t* begin) {
+  const int32_t found = findUnit(begin, static_cast<int32_t>(textEnd_ - begin), requiredByte_);
+  if (found < 0) return false;
+  blockEnd_ = begin + found + 1;
+  const uint8_t* const least = found < kBlock ? begin : blockEnd_ - kBlock;
+  readBack(least, automaton_.rowOfAll());
+  if (blockBegin_ > least || least == begin) return true;
+  choose(Way::kBlocks);
+  return readBlock(begin);
+}
+
+// ---- The pair
 
 const uint8_t* Candidates::nextPair(const uint8_t* at) const {
   const ptrdiff_t places = textEnd_ - at - std::max(pair_.firstAt, pair_.secondAt);

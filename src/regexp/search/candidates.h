@@ -1,17 +1,13 @@
-// Where in a text a match may begin: at a rare pair of bytes (rare_pair.h), or by an automaton that reads the
-// text backwards.
-//
-// The automaton's states are sets of positions (position_automaton.h): those from which the bytes up to the
-// end of what was read can be the beginning of a match, or all of one. They are made when a text leads to
-// them first. A text is read in blocks, each from a little behind its end, where any position may be alive.
-// What comes out is a bit for each byte.
+// Where in a text a match may begin: at a rare pair of bytes (rare_bytes.h), or where the backward automaton
+// tells, which reads the text up to the next place of a rare byte that every match has, or in blocks, from a
+// little behind the end of each.
 #pragma once
 
 #include <cstdint>
 
-#include "regexp/analysis/position_automaton.h"
-#include "regexp/analysis/rare_pair.h"
+#include "regexp/analysis/rare_bytes.h"
 #include "regexp/analysis/step_bound.h"
+#include "regexp/search/backward_automaton.h"
 
 namespace ulk {
 
@@ -29,54 +25,33 @@ class Candidates {
   // For the text from a place on. False if attempts at all places might take more steps than that.
   bool begin(const ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd, int32_t steps);
 
-  bool usesPair() const { return usesPair_; }
-  // The pair is not rare in the texts that are searched.
-  void dropPair() { usesPair_ = false; }
+  // Looking for candidates takes much less time than where all of the text is read in blocks.
+  bool isQuick() const { return way_ != Way::kBlocks; }
+  // The text has too many candidates of a quick way. It is left for a slower one that tells more.
+  void takeSlowerWay() { choose(way_ == Way::kPair ? Way::kRequiredByte : Way::kBlocks); }
 
-  // The first candidate from `at` on, the text's end if there is none. All of [at, ...) are candidates while
-  // the automaton has too many states.
-  const uint8_t* next(const uint8_t* at) { return usesPair_ ? nextPair(at) : nextInBlocks(at); }
-
-  bool givesUp() const { return numFlushes_ > kMaxFlushes; }
+  // The first candidate from `at` on, the text's end if there is none.
+  const uint8_t* next(const uint8_t* at);
+  // Candidates tell nothing any more: the automaton has too many states.
+  bool givesUp() const { return automaton_.hasTooManyStates(); }
 
  private:
-  static constexpr int32_t kMaxColumns = 64;
-  static constexpr int32_t kMaxStates = 255;
-  static constexpr int32_t kTableBytes = 16384;
-  static constexpr int32_t kChunk = 32;
+  enum class Way : uint8_t { kPair, kRequiredByte, kBlocks };
+  static constexpr int32_t kChunk = BackwardAutomaton::kChunk;
   static constexpr int32_t kAhead = 256;
-  static constexpr int32_t kMaxFlushes = 4;
 
-  bool makeColumns();
+  void choose(Way way);
   bool boundAttempts(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end);
-  void flush();
-  uint16_t rowOf(PositionSet alive);
-  uint16_t addRow(PositionSet alive, int32_t slot);
-  uint16_t entry(uint16_t row, uint8_t byte);
-  PositionSet before(PositionSet alive, int32_t column) const;
-  uint32_t readChunk(const uint8_t* chunk, int32_t length, uint16_t& row);
-  uint32_t readNewChunk(const uint8_t* chunk, int32_t length, uint16_t& row);
-  void readBlock(const uint8_t* begin);
-  const uint8_t* nextInBlocks(const uint8_t* at);
   const uint8_t* nextPair(const uint8_t* at) const;
+  const uint8_t* nextInBlock(const uint8_t* at) const;
+  void readBack(const uint8_t* begin, uint16_t row);
+  bool readBlock(const uint8_t* begin);
+  bool readToRequired(const uint8_t* begin);
 
-  bool usesPair_;
+  Way way_;
+  uint8_t requiredByte_;
   RarePair pair_;
-
-  PositionAutomaton automaton_;
-  int32_t numColumns_;
-  PositionSet columns_[kMaxColumns];  // the positions that take the bytes of a column
-  uint8_t columnOf_[256];             // twice its number
-
-  // A row for each state: the number of the state, then two bytes for each column: the place of the row that
-  // the state before has, 0 while that is not known. Rows of states with candidates lie at odd places.
-  int32_t numStates_;
-  int32_t tableEnd_;
-  int32_t numFlushes_;
-  PositionSet states_[kMaxStates + 1];
-  uint16_t rows_[kMaxStates + 1];
-  uint8_t slots_[2 * (kMaxStates + 1)];  // numbers of states by their hash
-  uint8_t table_[kTableBytes];
+  BackwardAutomaton automaton_;
 
   Runs runs_;             // none in the text is longer,
   int64_t attemptBound_;  // so that no attempt takes more steps

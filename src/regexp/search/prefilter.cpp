@@ -10,11 +10,11 @@ namespace ulk {
 namespace {
 
 constexpr int32_t kNever = INT32_MAX;
-constexpr int32_t kLeastWork = 512;        // that says anything, and outweighs the making of an automaton
-constexpr int32_t kBytesPerWork = 5;       // that the automaton reads in the time of an attempt in vain,
-constexpr int32_t kPairBytesPerWork = 32;  // in which a pair is looked for,
-constexpr int32_t kBytesMeasured = 256;    // and whose runs are measured then
-constexpr int32_t kManyBytes = 1 << 17;    // after which texts may have become others
+constexpr int32_t kLeastWork = 512;         // that says anything, and outweighs the making of an automaton
+constexpr int32_t kBytesPerWork = 5;        // that the automaton reads in the time of an attempt in vain,
+constexpr int32_t kQuickBytesPerWork = 32;  // in which a quicker way finds candidates,
+constexpr int32_t kBytesMeasured = 256;     // and whose runs are measured then
+constexpr int32_t kManyBytes = 1 << 17;     // after which texts may have become others
 
 }  // namespace
 
@@ -54,8 +54,8 @@ void Prefilter::end(const uint8_t* at) {
 bool Prefilter::takesLess(const uint8_t* at) const {
   const PrefilterNote& note = state_.frames[kPrefilterFrame].prefilter;
   const int64_t work = int64_t{note.work} + work_;
-  const bool hasPair = note.frame > 0 && Candidates::in(state_, note.frame)->usesPair();
-  if (hasPair && !isOn_) return work * kPairBytesPerWork >= note.bytes + (at - since_);
+  const bool isQuick = note.frame > 0 && Candidates::in(state_, note.frame)->isQuick();
+  if (isQuick && !isOn_) return work * kQuickBytesPerWork >= note.bytes + (at - since_);
   return work * kBytesPerWork >= note.bytes + bytesInBlocks(at);
 }
 
@@ -67,8 +67,8 @@ bool Prefilter::decide(const uint8_t* at) {
   if (work < kLeastWork) return isOn_;
   if (note().use == PrefilterUse::kUndecided) make();
   if (!takesLess(at)) return isOn_;
-  if (isOn_ && candidates_->usesPair()) {
-    candidates_->dropPair();
+  if (isOn_ && candidates_->isQuick()) {
+    candidates_->takeSlowerWay();
     turnOff(PrefilterUse::kOff);
   } else if (isOn_) {
     turnOff(PrefilterUse::kUseless);

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "kernels/find_substring.h"
+#include "kernels/find_unit.h"
 #include "regexp/search/attempt.h"
 #include "regexp/search/caseless_search.h"
 #include "regexp/search/starts.h"
@@ -20,9 +22,9 @@ int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, i
   if (static_cast<uint32_t>(literalOptions(literal)) & RX_OPT_CASELESS) {
     index = findRevCaseless(text, length, bytes, literalLength);
   } else if (isByte) {
-    ulksFindRevC_8u(text, length, byte, &index);
-  } else {
-    ulksFindRev_8u(text, length, bytes, literalLength, &index);
+    index = findUnitRev(text, length, byte);
+  } else if (literalLength <= length) {
+    index = findSubstringRev(text, length, bytes, literalLength);
   }
   return index < 0 ? 0 : index + literalLength;
 }

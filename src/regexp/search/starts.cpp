@@ -31,22 +31,16 @@ auto withSet(const SmallSet& set, Run run) {
 
 }  // namespace
 
-Starts::Starts(MatchContext& m, ulkRegExpState& state)
-    : m_(m),
-      state_(state),
-      filter_(startFilterOf(state)),
-      set_(state.frames[kStartSetFrame].bytes),
-      pair_(state.frames[kStartPairFrame].pair),
-      prefilter_(m, state) {}
-
 // How far to look before paying, lest a small budget reads a long text. A search for a string has to set up
 // and to look beyond the stride as well, so a long one takes longer strides.
 ptrdiff_t Starts::stride() const {
   constexpr ptrdiff_t kLeast = 4096;
+  if (m_.textEnd - m_.textStart <= kLeast) return kLeast;
   if (!m_.budget.paysExactly())
-    return std::max<ptrdiff_t>(kLeast, m_.budget.left() / std::max(filter_.steps, 1));
-  const bool isString = filter_.kind == StartKind::kString || filter_.kind == StartKind::kCaselessString;
-  return isString ? std::max<ptrdiff_t>(kLeast, 4 * ptrdiff_t{stringLength(m_.nodes[filter_.item])}) : kLeast;
+    return std::max<ptrdiff_t>(kLeast, m_.budget.left() / std::max(filter().steps, 1));
+  const bool isString = filter().kind == StartKind::kString || filter().kind == StartKind::kCaselessString;
+  return isString ? std::max<ptrdiff_t>(kLeast, 4 * ptrdiff_t{stringLength(m_.nodes[filter().item])})
+                  : kLeast;
 }
 
 const uint8_t* Starts::characterAfter(const uint8_t* at) const {
@@ -76,15 +70,15 @@ int32_t Starts::passCharacters(const uint8_t*& at, const uint8_t* end) {
 const uint8_t* Starts::payForAll(const uint8_t* at, const uint8_t* end) {
   int64_t starts = end - at;
   if (state_.format != kFormatUtf8) {
-    pay(starts * filter_.steps);
+    pay(starts * filter().steps);
     return end;
   }
-  if (filter_.ascii && !m_.budget.paysExactly()) {
-    m_.budget.payBound(starts * filter_.steps);
+  if (filter().ascii && !m_.budget.paysExactly()) {
+    m_.budget.payBound(starts * filter().steps);
     return end < m_.textEnd && *end < 0x80 ? end : characterFrom(end, at);
   }
   starts = passCharacters(at, end);
-  pay(starts * filter_.steps);
+  pay(starts * filter().steps);
   return at;
 }
 
@@ -92,22 +86,22 @@ const uint8_t* Starts::payForAll(const uint8_t* at, const uint8_t* end) {
 // them.
 int32_t Starts::find(const uint8_t* at, int32_t length) const {
   int32_t found = -1;
-  switch (filter_.kind) {
+  switch (filter().kind) {
     case StartKind::kByte:
-      found = findUnit(at, length, filter_.small.bytes[0]);
+      found = findUnit(at, length, filter().small.bytes[0]);
       break;
     case StartKind::kSmallSet:
-      found = withSet(filter_.small, [=](auto set) {
+      found = withSet(filter().small, [=](auto set) {
         SetProbe<decltype(set)> probe{at, set};
         return scan<Forward>(at, static_cast<size_t>(length), probe);
       });
       break;
     case StartKind::kString:
     case StartKind::kCaselessString: {
-      const RxNode& literal = m_.nodes[filter_.item];
+      const RxNode& literal = m_.nodes[filter().item];
       const auto reach = static_cast<int32_t>(
           std::min<int64_t>(int64_t{length} + stringLength(literal) - 1, m_.textEnd - at));
-      found = filter_.kind == StartKind::kString
+      found = filter().kind == StartKind::kString
                   ? findSubstring(at, reach, stringOf(literal), stringLength(literal))
                   : findCaseless(at, reach, stringOf(literal), stringLength(literal));
       break;
@@ -128,17 +122,17 @@ int32_t Starts::find(const uint8_t* at, int32_t length) const {
 // for those before it.
 const uint8_t* Starts::passOutsideSet(const uint8_t* at, const uint8_t* end) {
   int32_t starts = 0;
-  for (; at < end && !set_.contains(*at); ++starts) at = *at < 0x80 ? at + 1 : characterAfter(at);
+  for (; at < end && !set().contains(*at); ++starts) at = *at < 0x80 ? at + 1 : characterAfter(at);
   prefilter_.addWork(starts / kBytesPerWork);
-  pay(int64_t{starts} * filter_.steps);
+  pay(int64_t{starts} * filter().steps);
   return at;
 }
 
 // Where the text has a word boundary with a byte of the small set, and a pair where the filter has one.
 Place Starts::findBoundary(const uint8_t* text, int32_t length) const {
-  return withSet(filter_.small, [&](auto first) {
-    if (!filter_.hasPair) return findPairAtBoundary(text, length, first, AnyByte());
-    return withSet(pair_.second,
+  return withSet(filter().small, [&](auto first) {
+    if (!filter().hasPair) return findPairAtBoundary(text, length, first, AnyByte());
+    return withSet(pair().second,
                    [&](auto second) { return findPairAtBoundary(text, length, first, second); });
   });
 }
@@ -152,7 +146,7 @@ const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) 
   int64_t boundaries = 0;
   bool inWord = at != m_.textStart && inByteSet(at[-1], kWord);
   while (at < end) {
-    if (++passed > kNear && filter_.small.form != SmallSetForm::kNone && end - at > 16 && *at < 0x80) {
+    if (++passed > kNear && filter().small.form != SmallSetForm::kNone && end - at > 16 && *at < 0x80) {
       const Place place = findBoundary(at, static_cast<int32_t>(end - at));
       starts += place.at;
       boundaries += place.singles;
@@ -167,21 +161,21 @@ const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) 
     } else {
       for (; at < end && !inByteSet(*at, kWord); ++starts) at = *at < 0x80 ? at + 1 : characterAfter(at);
     }
-    if (at >= end || set_.contains(*at)) break;
+    if (at >= end || set().contains(*at)) break;
     // The assertion holds here, but no item matches.
     ++boundaries;
     ++starts;
     inWord = !inWord;
     at = *at < 0x80 ? at + 1 : characterAfter(at);
   }
-  pay(starts * filter_.boundarySteps + boundaries * (filter_.steps - filter_.boundarySteps));
+  pay(starts * filter().boundarySteps + boundaries * (filter().steps - filter().boundarySteps));
   return at;
 }
 
 // Whether none of the literals is at this place that a match begins with.
 bool Starts::lacksLiterals(const uint8_t* at) const {
-  if (itemLength(m_, m_.nodes[pair_.firstLiteral], at) != kNoMatch) return false;
-  for (const RxNode* bar = m_.nodes + pair_.literalBar; bar; bar = nextBar(*bar))
+  if (itemLength(m_, m_.nodes[pair().firstLiteral], at) != kNoMatch) return false;
+  for (const RxNode* bar = m_.nodes + pair().literalBar; bar; bar = nextBar(*bar))
     if (codeOf(bar[1]) != RX_ASSERT && itemLength(m_, bar[1], at) != kNoMatch) return false;
   return true;
 }
@@ -194,17 +188,17 @@ bool Starts::lacksLiterals(const uint8_t* at) const {
 // behind. Else returns `at`, and notes up to where attempts have such a place.
 const uint8_t* Starts::passRun(const uint8_t* at) {
   constexpr int64_t kPlenty = 1 << 17;  // the sum of the tries of so many attempts exhausts every budget
-  const Follow follow = followOf(m_, m_.nodes[filter_.run], m_.options);
+  const Follow follow = followOf(m_, m_.nodes[filter().run], m_.options);
   if (at >= runEnd_) {
     runEnd_ = at;
-    while (runEnd_ < m_.textEnd && *runEnd_ < 0x80 && set_.contains(*runEnd_)) ++runEnd_;
+    while (runEnd_ < m_.textEnd && *runEnd_ < 0x80 && set().contains(*runEnd_)) ++runEnd_;
     prefilter_.addWork(static_cast<int32_t>(runEnd_ - at) / kBytesPerWork);
   }
   const uint8_t* const end = attemptsEnd_ = std::min(runEnd_, m_.textEnd);
-  if (end == at || (end < m_.textEnd && set_.contains(*end))) return at;
+  if (end == at || (end < m_.textEnd && set().contains(*end))) return at;
 
-  const int32_t least = minOf(m_.nodes[filter_.run]);
-  if (maxOf(m_.nodes[filter_.run]) != kUnbounded) return passBounded(at, end, follow);
+  const int32_t least = minOf(m_.nodes[filter().run]);
+  if (maxOf(m_.nodes[filter().run]) != kUnbounded) return passBounded(at, end, follow);
   const uint8_t* last = end;
   if (follow.note.disjoint()) {
     if (!follow.admits(m_, last)) last = at;
@@ -216,19 +210,19 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
     return at;
   }
   const int64_t tries = std::clamp<int64_t>(end - at - least + 1, 0, kPlenty);
-  pay((end - at) * int64_t{filter_.steps} + tries * (tries + 1) / 2 * follow.note.steps());
+  pay((end - at) * int64_t{filter().steps} + tries * (tries + 1) / 2 * follow.note.steps());
   return end;
 }
 
 // As passRun, one attempt after the other, for a repeat with a bound.
 const uint8_t* Starts::passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow) {
-  const int32_t least = minOf(m_.nodes[filter_.run]);
+  const int32_t least = minOf(m_.nodes[filter().run]);
   // Where none of the items may follow the repeat, only the run's end is a place to go on from.
   const bool onlyAtEnd = follow.note.disjoint();
   const bool admitsEnd = follow.admits(m_, end);
   int64_t steps = 0;
   while (at < end && m_.budget.suffices(steps)) {
-    const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(maxOf(m_.nodes[filter_.run]), end - at));
+    const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(maxOf(m_.nodes[filter().run]), end - at));
     bool hopeless = true;
     if (onlyAtEnd) {
       hopeless = !admitsEnd || most < end - at || most < least;
@@ -237,7 +231,7 @@ const uint8_t* Starts::passBounded(const uint8_t* at, const uint8_t* end, const 
         hopeless = !follow.admits(m_, at + count);
     }
     if (!hopeless) break;
-    steps += filter_.steps + int64_t{std::max(most - least + 1, 0)} * follow.note.steps();
+    steps += filter().steps + int64_t{std::max(most - least + 1, 0)} * follow.note.steps();
     ++at;
   }
   pay(steps);
@@ -256,9 +250,9 @@ bool Starts::passFar(const uint8_t*& at, const uint8_t* end) {
 
 // Where a pair of the filter stands first in the text.
 Place Starts::findPlace(const uint8_t* text, int32_t length) const {
-  return withSet(filter_.small, [&](auto first) {
-    if (pair_.run > 0) return findRun(text, length, first, pair_.run + 1);
-    return withSet(pair_.second, [&](auto second) { return findPair(text, length, first, second); });
+  return withSet(filter().small, [&](auto first) {
+    if (pair().run > 0) return findRun(text, length, first, pair().run + 1);
+    return withSet(pair().second, [&](auto second) { return findPair(text, length, first, second); });
   });
 }
 
@@ -267,14 +261,14 @@ bool Starts::passPairless(const uint8_t*& at, const uint8_t* end) {
   const Place place = findPlace(at, static_cast<int32_t>(end - at));
   if (place.at == 0 && !place.found) return passFar(at, end);
   at = payForAll(at, at + place.at);
-  pay(int64_t{place.singles} * pair_.extraSteps);
+  pay(int64_t{place.singles} * pair().extraSteps);
   return place.found;
 }
 
 // Moves `at` to the first position in [at, end) that passes the filter; false if there is none.
 bool Starts::passFiltered(const uint8_t*& at, const uint8_t* end) {
   constexpr ptrdiff_t kNear = 8;
-  switch (filter_.kind) {
+  switch (filter().kind) {
     case StartKind::kBoundary:
       at = passNonBoundaries(at, end);
       return at < end;
@@ -284,9 +278,9 @@ bool Starts::passFiltered(const uint8_t*& at, const uint8_t* end) {
     default:
       break;
   }
-  if (filter_.hasPair) return passPairless(at, end);
+  if (filter().hasPair) return passPairless(at, end);
   // In words and numbers the next start is not far.
-  if (filter_.small.form == SmallSetForm::kRanges) {
+  if (filter().small.form == SmallSetForm::kRanges) {
     const uint8_t* const near = end - at > kNear ? at + kNear : end;
     at = passOutsideSet(at, near);
     if (at < near) return true;
@@ -298,10 +292,10 @@ const uint8_t* Starts::skip(const uint8_t* at) {
   for (; at < m_.textEnd && !m_.budget.isExhausted(); prefilter_.addWork(kWorkPerHit)) {
     if (prefilter_.use(at)) return prefilter_.next(at);
     if (!passFiltered(at, strideFrom(at))) continue;
-    if (filter_.literals && lacksLiterals(at)) {
-      pay(filter_.steps);
+    if (filter().literals && lacksLiterals(at)) {
+      pay(filter().steps);
       at = characterAfter(at);
-    } else if (filter_.run > 0 && lastFailed_) {
+    } else if (filter().run > 0 && lastFailed_) {
       const uint8_t* const next = passRun(at);
       if (next == at) break;
       at = next;

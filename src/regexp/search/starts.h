@@ -14,14 +14,14 @@ namespace ulk {
 // Goes over the start positions of one search.
 class Starts {
  public:
-  Starts(MatchContext& m, ulkRegExpState& state);
+  Starts(MatchContext& m, ulkRegExpState& state) : m_(m), state_(state), prefilter_(m, state) {}
 
   // The first position from `at` on that needs an attempt, at most the text's end; pays for those before it.
   // Where the budget does not suffice, it is exhausted and the position returned does not matter.
   const uint8_t* next(const uint8_t* at) {
     if (prefilter_.use(at)) return prefilter_.next(at);
-    if (at < attemptsEnd_ || filter_.kind == StartKind::kAny ||
-        (filter_.options & kMatcherOptions) != m_.options)
+    if (at < attemptsEnd_ || filter().kind == StartKind::kAny ||
+        (filter().options & kMatcherOptions) != m_.options)
       return at;
     return skip(at);
   }
@@ -45,6 +45,9 @@ class Starts {
   void end(const uint8_t* at) { prefilter_.end(at); }
 
  private:
+  const StartFilter& filter() const { return startFilterOf(state_); }
+  const ByteSet256& set() const { return state_.frames[kStartSetFrame].bytes; }
+  const StartPair& pair() const { return state_.frames[kStartPairFrame].pair; }
   const uint8_t* skip(const uint8_t* at);
   const uint8_t* characterAfter(const uint8_t* at) const;
   int32_t find(const uint8_t* at, int32_t length) const;
@@ -74,9 +77,6 @@ class Starts {
 
   MatchContext& m_;
   const ulkRegExpState& state_;
-  const StartFilter& filter_;
-  const ByteSet256& set_;
-  const StartPair& pair_;
   const uint8_t* asciiEnd_;     // of the ASCII text that was looked at last
   const uint8_t* runEnd_;       // of the run that was looked at last
   const uint8_t* attemptsEnd_;  // all positions before it need attempts

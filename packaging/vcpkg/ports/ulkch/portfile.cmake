@@ -6,7 +6,7 @@ cmake_path(SET SOURCE_PATH NORMALIZE ${port}/../../../..)
 
 vcpkg_cmake_configure(
   SOURCE_PATH ${SOURCE_PATH}
-  OPTIONS -DULKCH_BUILD_TESTS=OFF -DULKCH_BUILD_EXAMPLES=OFF -DULKCH_WARNINGS_AS_ERRORS=OFF)
+  OPTIONS -DULKCH_BUILD_EXAMPLES=OFF -DULKCH_WARNINGS_AS_ERRORS=OFF)
 vcpkg_cmake_install()
 vcpkg_cmake_config_fixup(CONFIG_PATH lib/cmake/ulkch)
 vcpkg_fixup_pkgconfig()

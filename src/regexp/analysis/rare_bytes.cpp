@@ -1,4 +1,4 @@
-#include "regexp/analysis/rare_pair.h"
+#include "regexp/analysis/rare_bytes.h"
 
 #include <bit>
 
@@ -41,7 +41,43 @@ ByteSet256 bytesOf(const PositionAutomaton& automaton, PositionSet positions) {
   return bytes;
 }
 
+// Whether a match can do without this position.
+bool canDoWithout(const PositionAutomaton& automaton, PositionSet position) {
+  PositionSet reached = automaton.first & ~position;
+  for (PositionSet before = 0; before != reached;) {
+    before = reached;
+    reached |= followOf(automaton, reached) & ~position;
+  }
+  return (reached & (automaton.accepting | automaton.atEnd)) != 0;
+}
+
+// The byte that is the only one of the set, -1 if it is not.
+int32_t onlyByte(const ByteSet256& set) {
+  int32_t only = -1;
+  for (int32_t i = 0; i < 8; ++i) {
+    if (set.words[i] == 0) continue;
+    if (only >= 0 || !std::has_single_bit(set.words[i])) return -1;
+    only = 32 * i + std::countr_zero(set.words[i]);
+  }
+  return only;
+}
+
 }  // namespace
+
+bool findRequiredByte(const PositionAutomaton& automaton, uint8_t& byte) {
+  constexpr int32_t kRare = 10;
+  int32_t least = kRare + 1;
+  for (int32_t p = 0; p < automaton.count; ++p) {
+    const int32_t only = onlyByte(automaton.bytes[p]);
+    const PositionSet position = PositionSet{1} << p;
+    if (only < 0 || (automaton.atEnd & position)) continue;
+    const int32_t frequency = frequencyOf(static_cast<uint8_t>(only));
+    if (frequency >= least || canDoWithout(automaton, position)) continue;
+    byte = static_cast<uint8_t>(only);
+    least = frequency;
+  }
+  return least <= kRare;
+}
 
 bool findRarePair(const PositionAutomaton& automaton, RarePair& pair) {
   constexpr int32_t kRare = 6000;  // of a million places

@@ -1,0 +1,25 @@
+// Bytes that every match has and that are rare, as bytes are distributed in most texts.
+#pragma once
+
+#include <cstdint>
+
+#include "regexp/analysis/position_automaton.h"
+#include "regexp/program/small_set.h"
+
+namespace ulk {
+
+// Two at fixed distances from the start of the match.
+struct RarePair {
+  int32_t firstAt;
+  int32_t secondAt;
+  SmallSet first;
+  SmallSet second;
+};
+
+// The rarest. False if it is not rare, or there is none.
+bool findRarePair(const PositionAutomaton& automaton, RarePair& pair);
+
+// One that stands anywhere in the match. False if there is none.
+bool findRequiredByte(const PositionAutomaton& automaton, uint8_t& byte);
+
+}  // namespace ulk

@@ -1,0 +1,127 @@
+#include "regexp/search/backward_automaton.h"
+
+#include <bit>
+#include <cstring>
+
+#include "kernels/vec16.h"
+
+namespace ulk {
+
+namespace {
+
+ULK_INLINE uint16_t loadEntry(const uint8_t* place) {
+  uint16_t entry;
+  std::memcpy(&entry, place, sizeof entry);
+  return entry;
+}
+
+void storeEntry(uint8_t* place, uint16_t entry) { std::memcpy(place, &entry, sizeof entry); }
+
+}  // namespace
+
+// Bytes that are in the same positions' sets share a column.
+bool BackwardAutomaton::makeColumns() {
+  numColumns_ = 0;
+  for (int32_t byte = 0; byte < 256; ++byte) {
+    PositionSet taken = 0;
+    for (int32_t p = 0; p < positions_.count; ++p)
+      taken |= PositionSet{positions_.bytes[p].contains(static_cast<uint8_t>(byte))} << p;
+    int32_t column = 0;
+    while (column < numColumns_ && columns_[column] != taken) ++column;
+    if (column == kMaxColumns) return false;
+    if (column == numColumns_) columns_[numColumns_++] = taken;
+    columnOf_[byte] = static_cast<uint8_t>(2 * column);
+  }
+  return true;
+}
+
+bool BackwardAutomaton::make(const ulkRegExpState& state) {
+  return makeAutomaton(state, positions_) && makeColumns();
+}
+
+void BackwardAutomaton::restart(bool endAnywhere) {
+  ends_ = endAnywhere ? positions_.accepting : 0;
+  flush();
+}
+
+// Row 0 is the one that unknown entries lead to, and leads to itself.
+void BackwardAutomaton::flush() {
+  numStates_ = 0;
+  tableEnd_ = 2 * (numColumns_ + 1);
+  std::memset(table_, 0, static_cast<size_t>(tableEnd_));
+  std::memset(slots_, 0, sizeof slots_);
+}
+
+uint16_t BackwardAutomaton::rowOf(PositionSet alive) {
+  const auto hash = static_cast<uint32_t>((alive * 0x9E3779B97F4A7C15u) >> 55);
+  int32_t slot = static_cast<int32_t>(hash);
+  for (; slots_[slot]; slot = (slot + 1) % static_cast<int32_t>(sizeof slots_))
+    if (states_[slots_[slot]] == alive) return rows_[slots_[slot]];
+  return addRow(alive, slot);
+}
+
+uint16_t BackwardAutomaton::addRow(PositionSet alive, int32_t slot) {
+  const int32_t size = 2 * (numColumns_ + 1);
+  if (numStates_ == kMaxStates || tableEnd_ + size + 1 > kTableBytes) {
+    ++numFlushes_;
+    flush();
+    return rowOf(alive);
+  }
+  const int32_t state = ++numStates_;
+  slots_[slot] = static_cast<uint8_t>(state);
+  states_[state] = alive;
+  const bool isCandidate = alive & positions_.first;
+  const int32_t begin = tableEnd_ + (isCandidate != (tableEnd_ % 2 != 0) ? 1 : 0);
+  std::memset(table_ + begin, 0, static_cast<size_t>(size));
+  storeEntry(table_ + begin, static_cast<uint16_t>(state));
+  tableEnd_ = begin + size;
+  return rows_[state] = static_cast<uint16_t>(begin + 2);
+}
+
+// The positions alive at a byte of the column that stands before a place with those alive.
+PositionSet BackwardAutomaton::before(PositionSet alive, int32_t column) const {
+  if (alive == kAllPositions) return columns_[column];  // whatever stands there
+  PositionSet found = columns_[column] & ends_;
+  for (PositionSet left = columns_[column] & ~found; left; left &= left - 1) {
+    const int32_t p = std::countr_zero(left);
+    if (positions_.follow[p] & alive) found |= PositionSet{1} << p;
+  }
+  return found;
+}
+
+PositionSet BackwardAutomaton::aliveIn(uint16_t row) const { return states_[loadEntry(table_ + row - 2)]; }
+
+uint16_t BackwardAutomaton::entry(uint16_t row, uint8_t byte) {
+  uint8_t* const place = table_ + row + columnOf_[byte];
+  if (const uint16_t known = loadEntry(place)) return known;
+  const int32_t flushes = numFlushes_;
+  const uint16_t next = rowOf(before(aliveIn(row), columnOf_[byte] / 2));
+  if (flushes == numFlushes_) storeEntry(place, next);
+  return next;
+}
+
+uint32_t BackwardAutomaton::read(const uint8_t* chunk, int32_t length, uint16_t& row) {
+  if (length < kChunk) return readSlowly(chunk, length, row);
+  uint32_t bits = 0;
+  uint32_t place = row;
+  for (int32_t i = kChunk - 1; i >= 0; --i) {
+    place = loadEntry(table_ + place + columnOf_[chunk[i]]);
+    bits = bits << 1 | (place & 1);
+  }
+  if (place == 0) return readSlowly(chunk, length, row);
+  row = static_cast<uint16_t>(place);
+  return bits;
+}
+
+// The same where states may be missing, or the chunk is short.
+__attribute__((noinline)) uint32_t BackwardAutomaton::readSlowly(const uint8_t* chunk, int32_t length,
+                                                                 uint16_t& row) {
+  uint32_t bits = 0;
+  for (int32_t i = length - 1; i >= 0; --i) {
+    row = entry(row, chunk[i]);
+    bits = bits << 1 | (row & 1);
+  }
+  return bits;
+}
+
+}  // namespace ulk
