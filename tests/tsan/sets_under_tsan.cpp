@@ -24,7 +24,7 @@ struct Search {
 
 const char sentence[] = "the quick brown fox jumps over the lazy dog, and over 12 more foxes; ";
 constexpr int32_t kSentence = sizeof sentence - 1;
-char text[600 * kSentence];  // long enough for a team
+char text[2000 * kSentence];  // long enough for a team
 
 void prepare(Search& search, bool shared) {
   const char* const patterns[] = {"(o)(x|v)",  "\\w+(?= dog)", "[^ ]*?e\\b", "(\\d)+|lazy",

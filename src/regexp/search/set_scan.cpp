@@ -464,14 +464,14 @@ bool SetScan::paySkipped(Slot& slot, int32_t to) {
 
 int64_t prepareToFindTogether(int32_t length, ulkRegExpState* const* expressions, int32_t count) {
   constexpr int32_t kEach = 16;
-  int64_t passes = 1;
+  int64_t alone = 0;
   for (int32_t i = 0; i < count; ++i) {
     ulkRegExpState* const state = expressions[i];
     if (!state || state->magic != kStateMagic) continue;
     if (startFilterOf(*state).window == WindowState::kUnknown) findWindow(*state);
-    if (startFilterOf(*state).window == WindowState::kNone) ++passes;
+    if (startFilterOf(*state).window == WindowState::kNone) ++alone;
   }
-  return passes * length + int64_t{kEach} * count;
+  return alone * length + length / 4 + int64_t{kEach} * count;
 }
 
 __attribute__((noinline)) ULK_EXPORT void findTogether(const uint8_t* text, int32_t length,

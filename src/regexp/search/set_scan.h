@@ -16,7 +16,8 @@
 namespace ulk {
 
 // To be called before, by one thread alone: finds out what the pass needs to know of each expression, unless
-// it is known. Returns how much there is to do, in bytes that are looked at.
+// it is known. Returns how much several threads can share, in bytes that are looked at: each passes over the
+// whole text, but tries and searches alone for its own expressions only.
 int64_t prepareToFindTogether(int32_t length, ulkRegExpState* const* expressions, int32_t count);
 
 // Searches for the expressions [first, last), of which null ones are passed over. Sets numFind and status.
