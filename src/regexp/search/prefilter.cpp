@@ -9,7 +9,8 @@ namespace ulk {
 
 namespace {
 
-constexpr int32_t kNever = INT32_MAX;
+constexpr int64_t kNever = INT64_MAX;
+constexpr int32_t kMuchWork = 1 << 30;
 constexpr int32_t kLeastWork = 512;         // that says anything, and outweighs the making of an automaton
 constexpr int32_t kBytesPerWork = 5;        // that the automaton reads in the time of an attempt in vain,
 constexpr int32_t kQuickBytesPerWork = 32;  // in which a quicker way finds candidates,
@@ -45,7 +46,7 @@ ptrdiff_t Prefilter::bytesInBlocks(const uint8_t* at) const {
 
 void Prefilter::end(const uint8_t* at) {
   if (nextLook_ == kNever) return;
-  note().work += work_;
+  note().work = static_cast<int32_t>(std::min<int64_t>(note().work + work_, kMuchWork));
   note().bytes += static_cast<int32_t>(std::min<ptrdiff_t>(bytesInBlocks(at), kManyBytes));
   if (note().bytes >= kManyBytes) note() = {isOn_ ? PrefilterUse::kOff : note().use, note().frame, 0, 0};
 }
@@ -53,7 +54,7 @@ void Prefilter::end(const uint8_t* at) {
 // Whether other candidates than those in use, if there are any, would have taken less time up to this place.
 bool Prefilter::takesLess(const uint8_t* at) const {
   const PrefilterNote& note = state_.frames[kPrefilterFrame].prefilter;
-  const int64_t work = int64_t{note.work} + work_;
+  const int64_t work = note.work + work_;
   const bool isQuick = note.frame > 0 && Candidates::in(state_, note.frame)->isQuick();
   if (isQuick && !isOn_) return work * kQuickBytesPerWork >= note.bytes + (at - since_);
   return work * kBytesPerWork >= note.bytes + bytesInBlocks(at);
@@ -62,7 +63,7 @@ bool Prefilter::takesLess(const uint8_t* at) const {
 // Turns candidates on if they will take less time than attempts do, as far as is known; off if they leave too
 // many attempts, and those of the automaton for good.
 bool Prefilter::decide(const uint8_t* at) {
-  const int64_t work = int64_t{note().work} + work_;
+  const int64_t work = note().work + work_;
   nextLook_ = work_ + work_ / 4 + 1;
   if (work < kLeastWork) return isOn_;
   if (note().use == PrefilterUse::kUndecided) make();

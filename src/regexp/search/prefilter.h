@@ -46,7 +46,7 @@ class Prefilter {
   bool isOn_;
   int32_t work_;  // since
   const uint8_t* since_;
-  int32_t nextLook_;  // the work at which to decide anew
+  int64_t nextLook_;  // the work at which to decide anew
   Candidates* candidates_;
 };
 
