@@ -25,7 +25,7 @@ class Prefilter {
   void end(const uint8_t* at);
 
   // Attempts in vain, and what takes as long.
-  void addWork(int32_t work) { work_ += work; }
+  void addWork(int64_t work) { work_ += work; }
   // Whether candidates are to be used from this place on.
   bool use(const uint8_t* at) { return work_ < nextLook_ ? isOn_ : decide(at); }
 

@@ -78,7 +78,7 @@ bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
       found = true;
       break;
     }
-    starts_.noteFailure(budget - m_.budget.left());
+    starts_.noteFailure(int64_t{budget} - m_.budget.left());
     // Without budget no later start can match.
     if (anchor_ == Anchor::kTextStart || outOfBudget()) break;
   }

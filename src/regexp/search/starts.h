@@ -27,7 +27,7 @@ class Starts {
   }
 
   // To be told of an attempt that has failed, and of its steps.
-  void noteFailure(int32_t steps) {
+  void noteFailure(int64_t steps) {
     lastFailed_ = true;
     prefilter_.addWork(kWorkPerAttempt + steps / kStepsPerWork);
   }
