@@ -33,7 +33,7 @@ struct Slot {
   int32_t at;          // all starts before it are settled
   int32_t end;         // of the text, cut at the trailing literal where `isCut`
   int32_t left;        // of the match limit
-  int32_t wasted;      // steps of attempts that failed
+  int64_t wasted;      // steps of attempts that failed
   int32_t numWritten;  // records
   bool isCut;
   bool isDone;
@@ -387,7 +387,7 @@ void SetScan::tryRange(Slot& slot, int32_t first, int32_t last) {
       if (slot.isDone) return;
       continue;
     }
-    slot.wasted += before - m_.budget.left();
+    slot.wasted += int64_t{before} - m_.budget.left();
     if (m_.budget.isExhausted() || slot.wasted > kMostWaste * (length_ + 1)) return searchAlone(slot);
     at = nextStart(m_, state, at);
   }
