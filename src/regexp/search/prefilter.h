@@ -44,7 +44,7 @@ class Prefilter {
   MatchContext& m_;
   ulkRegExpState& state_;
   bool isOn_;
-  int32_t work_;  // since
+  int64_t work_;  // since
   const uint8_t* since_;
   int64_t nextLook_;  // the work at which to decide anew
   Candidates* candidates_;
