@@ -297,9 +297,9 @@ inline bool changes_options(std::string_view pattern) noexcept {
 
 // Whether an expression may see where the text ends. Says so more often than is true.
 inline bool sees_end(std::string_view pattern) noexcept {
-  for (const char* sight : {"$", "\\z", "\\Z", "(?=", "(?!"})
-    if (pattern.find(sight) != std::string_view::npos) return true;
-  return false;
+  const auto sights = {"$", "\\z", "\\Z", "(?=", "(?!"};
+  return std::any_of(sights.begin(), sights.end(),
+                     [&](const char* sight) { return pattern.find(sight) != std::string_view::npos; });
 }
 
 // What of the text around it an expression may see: nothing, one byte before it and all that follows, or
