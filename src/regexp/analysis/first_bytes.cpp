@@ -9,10 +9,6 @@ namespace {
 
 constexpr int32_t kMaxRestNodes = 256;  // looked at for the end of a group
 
-bool isRepeatableGroup(const RxNode& node) {
-  return node.code == RX_CAPTURE || node.code == RX_GROUP || node.code == RX_OPTGROUP;
-}
-
 void addMultibyte(ByteSet256& set) {
   for (int i = 4; i < 8; ++i) set.words[i] = ~0u;
 }
@@ -40,6 +36,11 @@ void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
       break;
   }
   for (uint32_t& word : set.words) word = ~0u;
+}
+
+void addAllBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
+  if (codeOf(item) != RX_STRING) return addFirstBytes(item, options, set);
+  for (int32_t i = 0; i < stringLength(item); ++i) addByte(stringOf(item)[i], options, set);
 }
 
 bool FirstBytes::ofProgram(uint32_t options, const RxNode* firstBar) {

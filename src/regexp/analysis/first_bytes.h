@@ -63,4 +63,8 @@ class FirstBytes {
 // cannot. Of an item or a shorthand that is not known here, any byte.
 void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set);
 
+// Adds the bytes of everything that an item matches. One that can match a character of several bytes can
+// begin with any byte from 0x80 on, as far as one byte tells.
+void addAllBytes(const RxNode& item, uint32_t options, ByteSet256& set);
+
 }  // namespace ulk

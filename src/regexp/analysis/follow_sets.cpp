@@ -17,18 +17,6 @@ int32_t highestSerial(const RxNode* nodes, int32_t numNodes) {
   return highest;
 }
 
-bool intersect(const ByteSet256& a, const ByteSet256& b) {
-  uint32_t common = 0;
-  for (int i = 0; i < 8; ++i) common |= a.words[i] & b.words[i];
-  return common != 0;
-}
-
-bool isSubset(const ByteSet256& a, const ByteSet256& b) {
-  uint32_t others = 0;
-  for (int i = 0; i < 8; ++i) others |= a.words[i] & ~b.words[i];
-  return others == 0;
-}
-
 // Optional items in a row behind repeats: where there are many, nothing is decided as far as the rest of the
 // program is followed. Each row is counted once, not from each of its items.
 class OptionalRow {

@@ -16,10 +16,6 @@ constexpr int32_t kMaxPieces = 512;  // looked at, copies counted
 
 constexpr PositionSet bit(int32_t position) { return PositionSet{1} << position; }
 
-bool hasMultibyte(const ByteSet256& set) {
-  return (set.words[4] | set.words[5] | set.words[6] | set.words[7]) != 0;
-}
-
 constexpr ByteSet256 kContinuations{{0, 0, 0, 0, ~0u, ~0u, 0, 0}};
 
 // A part of the program.
@@ -93,7 +89,7 @@ Part Builder::item(const RxNode& node, uint32_t options) {
   if (at < 0) return kUnknown;
   addFirstBytes(node, options, automaton_.bytes[at]);
   const bool isByte = codeOf(node) == RX_CHAR || codeOf(node) == RX_BYTE;
-  if (isByte || !hasMultibyte(automaton_.bytes[at])) return {bit(at), bit(at), false, false};
+  if (isByte || !hasHighBytes(automaton_.bytes[at])) return {bit(at), bit(at), false, false};
   const int32_t tail = add();
   if (tail < 0) return kUnknown;
   automaton_.bytes[tail] = kContinuations;
@@ -219,12 +215,9 @@ Part Builder::lastAssertion(int32_t kind, const Part& before) {
 bool Builder::takeWordsOnly(PositionSet positions) const {
   ByteSet256 words{};
   addShorthand('w', 0, words);
-  uint32_t others = 0;
-  for (; positions; positions &= positions - 1) {
-    const ByteSet256& bytes = automaton_.bytes[std::countr_zero(positions)];
-    for (int i = 0; i < 8; ++i) others |= bytes.words[i] & ~words.words[i];
-  }
-  return others == 0;
+  while (positions && isSubset(automaton_.bytes[std::countr_zero(positions)], words))
+    positions &= positions - 1;
+  return positions == 0;
 }
 
 Part Builder::sequence(int32_t node, int32_t end, uint32_t options) {

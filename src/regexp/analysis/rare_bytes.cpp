@@ -51,17 +51,6 @@ bool canDoWithout(const PositionAutomaton& automaton, PositionSet position) {
   return (reached & (automaton.accepting | automaton.atEnd)) != 0;
 }
 
-// The byte that is the only one of the set, -1 if it is not.
-int32_t onlyByte(const ByteSet256& set) {
-  int32_t only = -1;
-  for (int32_t i = 0; i < 8; ++i) {
-    if (set.words[i] == 0) continue;
-    if (only >= 0 || !std::has_single_bit(set.words[i])) return -1;
-    only = 32 * i + std::countr_zero(set.words[i]);
-  }
-  return only;
-}
-
 }  // namespace
 
 bool findRequiredByte(const PositionAutomaton& automaton, uint8_t& byte) {

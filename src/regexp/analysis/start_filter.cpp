@@ -225,7 +225,7 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   // Of the bytes of a run one is at a word boundary.
   if (filter.kind != StartKind::kBoundary)
     filter.run = runOf(nodes, state.numNodes, filter.item, filter.options);
-  filter.ascii = !(items.set.words[4] | items.set.words[5] | items.set.words[6] | items.set.words[7]);
+  filter.ascii = !hasHighBytes(items.set);
   filter.literals = beginsWithLiterals(state, filter);
   if (filter.kind != StartKind::kAny) state.frames[kStartSetFrame].bytes = items.set;
   StartPair& pair = state.frames[kStartPairFrame].pair;

@@ -29,12 +29,6 @@ Cost operator+(Cost a, Cost b) { return {saturated(a.steps + b.steps), saturated
 // One behind the other.
 Cost then(Cost a, Cost b) { return {saturated(a.steps + a.exits * b.steps), saturated(a.exits * b.exits)}; }
 
-bool intersect(const ByteSet256& a, const ByteSet256& b) {
-  uint32_t common = 0;
-  for (int i = 0; i < 8; ++i) common |= a.words[i] & b.words[i];
-  return common != 0;
-}
-
 // A walk over the program, which notes the runs that it meets first.
 class Walk {
  public:
@@ -72,8 +66,7 @@ Cost Walk::unbounded() {
 // Any character from 0x80 on may have any bytes from there on.
 int64_t Walk::longestRun(const ByteSet256& set) {
   ByteSet256 whole = set;
-  if (set.words[4] | set.words[5] | set.words[6] | set.words[7])
-    std::fill(whole.words + 4, whole.words + 8, ~0u);
+  if (hasHighBytes(set)) std::fill(whole.words + 4, whole.words + 8, ~0u);
   int32_t i = 0;
   while (i < runs_.count && std::memcmp(&runs_.sets[i], &whole, sizeof whole) != 0) ++i;
   if (i < runs_.count) return runs_.longest[i];
@@ -107,11 +100,7 @@ bool Walk::bytesOfBody(int32_t open, uint32_t options, ByteSet256& set) const {
     const RxNode& node = nodes_[i];
     options = optionsAfter(node, options);
     if (codeOf(node) == RX_BACKREF || codeOf(node) == RX_XSEQ) return false;
-    if (codeOf(node) == RX_STRING) {
-      for (int32_t k = 0; k < stringLength(node); ++k) addByte(stringOf(node)[k], options, set);
-    } else if (isItem(node)) {
-      addFirstBytes(node, options, set);
-    }
+    if (isItem(node)) addAllBytes(node, options, set);
   }
   return true;
 }

@@ -84,24 +84,6 @@ uint8_t rarityOf(const uint8_t* values, int32_t count) {
   return static_cast<uint8_t>(22 - most / 3 - std::min(count - 1, 6));
 }
 
-bool hasMultibyte(const ByteSet256& set) {
-  return (set.words[4] | set.words[5] | set.words[6] | set.words[7]) != 0;
-}
-
-bool isRepeatableGroup(const RxNode& node) {
-  return codeOf(node) == RX_CAPTURE || codeOf(node) == RX_GROUP || codeOf(node) == RX_OPTGROUP;
-}
-
-// The bytes of everything that an item can match. One that can match a character of several bytes can begin
-// with any byte from 0x80 on, as far as one byte tells.
-void addAllBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
-  if (codeOf(item) == RX_STRING) {
-    for (int32_t i = 0; i < stringLength(item); ++i) addByte(stringOf(item)[i], options, set);
-    return;
-  }
-  addFirstBytes(item, options, set);
-}
-
 // Follows every way from the start of the program, through the alternatives and into the groups that must
 // match, and chooses a few bytes on each that come one behind the other.
 class WindowFinder {
@@ -235,7 +217,7 @@ WindowFinder::After WindowFinder::passItem(int32_t node, Way& way, uint32_t opti
   const bool isProperty = codeOf(item) >= RX_CODEPOINT;
   if (quantifier && quantifier->code == RX_REPEAT_LAZY && isProperty) return After::kEnd;
   const bool oneByte =
-      codeOf(item) == RX_CHAR || codeOf(item) == RX_BYTE || (!isProperty && !hasMultibyte(set));
+      codeOf(item) == RX_CHAR || codeOf(item) == RX_BYTE || (!isProperty && !hasHighBytes(set));
   const int32_t least = quantifier ? minOf(*quantifier) : 1;
   if (oneByte) {
     for (int32_t i = 0; i < least && way.numPlaces < kMaxPlaces; ++i) addPlace(node, i == 0, set, way);

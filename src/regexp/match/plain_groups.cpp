@@ -94,16 +94,22 @@ ULK_STEP stepEndQuantifiedPlain(const uint8_t* at, const RxNode* node, MatchCont
   return goOn(at, node + 2, m);
 }
 
-// An alternative has failed.
+// An alternative has failed: the bar before the next one that may match, which the choice then stands for.
+// Null if there is none.
+template <class Record>
+ULK_INLINE const RxNode* takeNextAlternative(MatchContext& m, Record& choice, const uint8_t* at,
+                                             const RxNode* barOrOpen) {
+  m.surplus.clear();
+  const RxNode* const bar = hopefulAlternative(m, at, nextBar(*barOrOpen));
+  if (bar) choice.tag.setNode(m.indexOf(bar));
+  return bar;
+}
+
 Outcome retryPlain(MatchContext& m) {
   auto& choice = m.choices.top<PlaceChoice>();
   const RxNode* const barOrOpen = m.nodes + choice.tag.node();
   const uint8_t* const at = placeOf(m, choice.at);
-  m.surplus.clear();
-  if (const RxNode* const bar = hopefulAlternative(m, at, nextBar(*barOrOpen))) {
-    choice.tag.setNode(m.indexOf(bar));
-    return goOn(at, bar + 1, m);
-  }
+  if (const RxNode* const bar = takeNextAlternative(m, choice, at, barOrOpen)) return goOn(at, bar + 1, m);
   m.choices.pop<PlaceChoice>();
   return afterAll(at, openOf(m, barOrOpen), m);
 }
@@ -112,11 +118,7 @@ Outcome retryPlainCapture(MatchContext& m) {
   auto& choice = m.choices.top<PlainCaptureChoice>();
   const RxNode* const barOrOpen = m.nodes + choice.tag.node();
   const uint8_t* const at = placeOf(m, choice.at);
-  m.surplus.clear();
-  if (const RxNode* const bar = hopefulAlternative(m, at, nextBar(*barOrOpen))) {
-    choice.tag.setNode(m.indexOf(bar));
-    return goOn(at, bar + 1, m);
-  }
+  if (const RxNode* const bar = takeNextAlternative(m, choice, at, barOrOpen)) return goOn(at, bar + 1, m);
   const RxNode* const open = openOf(m, barOrOpen);
   frameOf(m, open).remainingAtIteration = choice.remaining;
   m.captures[captureNumber(*open)] = restored(m, {choice.captureAt, choice.captureLength});

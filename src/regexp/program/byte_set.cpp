@@ -19,7 +19,34 @@ constexpr std::array<ByteSet256, 8> kShorthandSets = [] {
   return sets;
 }();
 
+// In a set, or in the complement of one if `flip` has all bits.
+int32_t onlyBit(const ByteSet256& set, uint32_t flip) {
+  int32_t only = -1;
+  for (int32_t i = 0; i < 8; ++i) {
+    const uint32_t word = set.words[i] ^ flip;
+    if (word == 0) continue;
+    if (only >= 0 || !std::has_single_bit(word)) return -1;
+    only = 32 * i + std::countr_zero(word);
+  }
+  return only;
+}
+
 }  // namespace
+
+bool intersect(const ByteSet256& a, const ByteSet256& b) {
+  uint32_t common = 0;
+  for (int i = 0; i < 8; ++i) common |= a.words[i] & b.words[i];
+  return common != 0;
+}
+
+bool isSubset(const ByteSet256& a, const ByteSet256& b) {
+  uint32_t others = 0;
+  for (int i = 0; i < 8; ++i) others |= a.words[i] & ~b.words[i];
+  return others == 0;
+}
+
+int32_t onlyByte(const ByteSet256& set) { return onlyBit(set, 0); }
+int32_t onlyOtherByte(const ByteSet256& set) { return onlyBit(set, ~0u); }
 
 void addAll(const ByteSet256& other, ByteSet256& set) {
   for (int i = 0; i < 8; ++i) set.words[i] |= other.words[i];

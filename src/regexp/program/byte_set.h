@@ -12,6 +12,15 @@ struct ByteSet256 {
   bool contains(uint8_t byte) const { return (words[byte >> 5] >> (byte & 31)) & 1; }
 };
 
+bool intersect(const ByteSet256& a, const ByteSet256& b);
+bool isSubset(const ByteSet256& a, const ByteSet256& b);
+inline bool hasHighBytes(const ByteSet256& set) {  // from 0x80 on
+  return (set.words[4] | set.words[5] | set.words[6] | set.words[7]) != 0;
+}
+// The byte that is the only one of the set, or of those outside it; -1 if it is not.
+int32_t onlyByte(const ByteSet256& set);
+int32_t onlyOtherByte(const ByteSet256& set);
+
 void addAll(const ByteSet256& other, ByteSet256& set);
 void addByte(int32_t byte, uint32_t options, ByteSet256& set);  // in both cases with i; above 255 none
 void addShorthand(int32_t letter, uint32_t options, ByteSet256& set);

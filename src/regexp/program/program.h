@@ -155,6 +155,9 @@ inline bool isQuantifier(const RxNode& node) { return node.code == RX_REPEAT || 
 inline bool isGroupOpen(const RxNode& node) {
   return codeOf(node) >= RX_LOOKBEHIND && codeOf(node) <= RX_ATOMIC;
 }
+inline bool isRepeatableGroup(const RxNode& node) {
+  return codeOf(node) == RX_CAPTURE || codeOf(node) == RX_GROUP || codeOf(node) == RX_OPTGROUP;
+}
 inline bool isLookaround(const RxNode& node) {
   return codeOf(node) >= RX_LOOKBEHIND && codeOf(node) <= RX_NLOOKAHEAD;
 }

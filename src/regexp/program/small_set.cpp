@@ -28,7 +28,7 @@ bool listRanges(const ByteSet256& set, uint8_t (&bounds)[4]) {
     if (count == 4) return false;
     bounds[count++] = static_cast<uint8_t>(member ? c : c - 1);
   }
-  if (count < 2 || count % 2 != 0 || set.words[4] | set.words[5] | set.words[6] | set.words[7]) return false;
+  if (count < 2 || count % 2 != 0 || hasHighBytes(set)) return false;
   if (count == 2) std::copy(bounds, bounds + 2, bounds + 2);
   return true;
 }

@@ -7,6 +7,8 @@
 #include "kernels/byte_sets.h"
 #include "kernels/find_unit.h"
 #include "regexp/analysis/follow_sets.h"
+#include "regexp/search/byte_runs.h"
+#include "regexp/search/small_set_vectors.h"
 
 namespace ulk {
 
@@ -14,46 +16,12 @@ namespace {
 
 constexpr int32_t kUsualRun = 32;
 
-// The only byte that is not in the set, -1 if there are others.
-int32_t onlyOutside(const ByteSet256& set) {
-  int32_t only = -1;
-  for (int32_t i = 0; i < 8; ++i) {
-    if (~set.words[i] == 0) continue;
-    if (only >= 0 || !std::has_single_bit(~set.words[i])) return -1;
-    only = 32 * i + std::countr_zero(~set.words[i]);
-  }
-  return only;
-}
-
-// Looks whether a run of the set is longer than `longest` in a text, and makes `longest` larger until none
-// is; false if it is to be too large. A long step forward, then back to a byte that is not in the set: if
-// there is one before the last such place, no longer run lies between.
+// Makes `longest` larger until no run of the set in a text is longer; false if it is to be too large.
 bool measureRun(const ByteSet256& set, const uint8_t* text, const uint8_t* end, int32_t& longest) {
   constexpr int32_t kLongest = 1 << 20;
-  const int32_t only = onlyOutside(set);
-  const uint8_t* outside = text - 1;
-  while (end - outside > longest + 1) {
-    const uint8_t* at = outside + longest + 1;
-    if (only >= 0) {
-      at = outside + 1 + findUnitRev(outside + 1, longest + 1, static_cast<uint8_t>(only));
-    } else {
-      while (at > outside && set.contains(*at)) --at;
-    }
-    if (at > outside) {
-      outside = at;
-    } else if ((longest *= 2) > kLongest) {
-      return false;
-    }
-  }
+  while ((text = findRunOf(set, text, end, longest + 1)) != nullptr)
+    if ((longest *= 2) > kLongest) return false;
   return true;
-}
-
-// Calls `run` with the set in the form for vectors.
-template <class Run>
-ULK_INLINE auto withSet(const SmallSet& set, Run run) {
-  if (set.form == SmallSetForm::kRanges) return run(TwoRanges(set.bytes));
-  const bool isOne = std::count(set.bytes, set.bytes + 4, set.bytes[0]) == 4;
-  return isOne ? run(OneByte(set.bytes)) : run(FourBytes(set.bytes));
 }
 
 }  // namespace
@@ -171,8 +139,8 @@ bool Candidates::readToRequired(const uint8_t* begin) {
 const uint8_t* Candidates::nextPair(const uint8_t* at) const {
   const ptrdiff_t places = textEnd_ - at - std::max(pair_.firstAt, pair_.secondAt);
   if (places <= 0) return std::max(at, textEnd_);
-  const int32_t found = withSet(pair_.first, [&](auto first) {
-    return withSet(pair_.second, [&](auto second) {
+  const int32_t found = withSmallSet(pair_.first, [&](auto first) {
+    return withSmallSet(pair_.second, [&](auto second) {
       TwoSetsProbe<decltype(first), decltype(second)> probe{at + pair_.firstAt, at + pair_.secondAt, first,
                                                             second};
       return scan<Forward>(at, static_cast<size_t>(places), probe);

@@ -53,11 +53,10 @@ void Prefilter::end(const uint8_t* at) {
 
 // Whether other candidates than those in use, if there are any, would have taken less time up to this place.
 bool Prefilter::takesLess(const uint8_t* at) const {
-  const PrefilterNote& note = state_.frames[kPrefilterFrame].prefilter;
-  const int64_t work = note.work + work_;
-  const bool isQuick = note.frame > 0 && Candidates::in(state_, note.frame)->isQuick();
-  if (isQuick && !isOn_) return work * kQuickBytesPerWork >= note.bytes + (at - since_);
-  return work * kBytesPerWork >= note.bytes + bytesInBlocks(at);
+  const int64_t work = note().work + work_;
+  const bool isQuick = note().frame > 0 && Candidates::in(state_, note().frame)->isQuick();
+  if (isQuick && !isOn_) return work * kQuickBytesPerWork >= note().bytes + (at - since_);
+  return work * kBytesPerWork >= note().bytes + bytesInBlocks(at);
 }
 
 // Turns candidates on if they will take less time than attempts do, as far as is known; off if they leave too
@@ -90,17 +89,16 @@ void Prefilter::turnOff(PrefilterUse use) {
   note().use = use;
 }
 
-bool Prefilter::turnOn(const uint8_t* at) {
+void Prefilter::turnOn(const uint8_t* at) {
   nextLook_ = kNever;
-  if (note().use == PrefilterUse::kUseless) return false;
+  if (note().use == PrefilterUse::kUseless) return;
   candidates_ = Candidates::in(state_, note().frame);
-  if (!candidates_->begin(state_, at, m_.textEnd, m_.budget.left())) return false;
+  if (!candidates_->begin(state_, at, m_.textEnd, m_.budget.left())) return;
   if (note().use == PrefilterUse::kOff) note() = {PrefilterUse::kOn, note().frame, 0, 0};
   isOn_ = true;
   work_ = 0;
   since_ = at;
   nextLook_ = kLeastWork;
-  return true;
 }
 
 const uint8_t* Prefilter::next(const uint8_t* at) {

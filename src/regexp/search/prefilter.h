@@ -34,11 +34,12 @@ class Prefilter {
 
  private:
   PrefilterNote& note() { return state_.frames[kPrefilterFrame].prefilter; }
+  const PrefilterNote& note() const { return state_.frames[kPrefilterFrame].prefilter; }
   ptrdiff_t bytesInBlocks(const uint8_t* at) const;
   bool takesLess(const uint8_t* at) const;
   void make();
   bool decide(const uint8_t* at);
-  bool turnOn(const uint8_t* at);
+  void turnOn(const uint8_t* at);
   void turnOff(PrefilterUse use);
 
   MatchContext& m_;

@@ -7,6 +7,7 @@
 #include "frame/export.h"
 #include "regexp/analysis/window.h"
 #include "regexp/search/attempt.h"
+#include "regexp/search/byte_runs.h"
 #include "regexp/search/search.h"
 #include "regexp/text/folded.h"
 
@@ -431,12 +432,7 @@ bool SetScan::runsAreShorter(const Slot& slot, int32_t to, int32_t length) {
   const bool isKnown = runs_.from <= slot.at && end <= runs_.to && runs_.length <= length &&
                        std::memcmp(&runs_.set, &set, sizeof set) == 0;
   if (isKnown) return true;
-  for (int32_t from = slot.at; end - from >= length;) {
-    int32_t at = from + length - 1;
-    while (at >= from && set.contains(text_[at])) --at;
-    if (at < from) return false;
-    from = at + 1;
-  }
+  if (findRunOf(set, text_ + slot.at, text_ + end, length)) return false;
   runs_ = {set, slot.at, end, length};
   return true;
 }

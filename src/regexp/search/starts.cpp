@@ -7,6 +7,7 @@
 #include "kernels/find_substring.h"
 #include "regexp/match/items.h"
 #include "regexp/search/caseless_search.h"
+#include "regexp/search/small_set_vectors.h"
 #include "regexp/text/bytes.h"
 #include "regexp/text/utf8.h"
 
@@ -21,12 +22,6 @@ size_t asciiPrefix(const uint8_t* text, size_t length) {
   }
   while (i < length && text[i] < 0x80) ++i;
   return i;
-}
-
-// Calls `run` with the set in the form for vectors.
-template <class Run>
-auto withSet(const SmallSet& set, Run run) {
-  return set.form == SmallSetForm::kRanges ? run(TwoRanges(set.bytes)) : run(FourBytes(set.bytes));
 }
 
 }  // namespace
@@ -91,7 +86,7 @@ int32_t Starts::find(const uint8_t* at, int32_t length) const {
       found = findUnit(at, length, filter().small.bytes[0]);
       break;
     case StartKind::kSmallSet:
-      found = withSet(filter().small, [=](auto set) {
+      found = withSmallSet(filter().small, [=](auto set) {
         SetProbe<decltype(set)> probe{at, set};
         return scan<Forward>(at, static_cast<size_t>(length), probe);
       });
@@ -130,10 +125,10 @@ const uint8_t* Starts::passOutsideSet(const uint8_t* at, const uint8_t* end) {
 
 // Where the text has a word boundary with a byte of the small set, and a pair where the filter has one.
 Place Starts::findBoundary(const uint8_t* text, int32_t length) const {
-  return withSet(filter().small, [&](auto first) {
+  return withSmallSet(filter().small, [&](auto first) {
     if (!filter().hasPair) return findPairAtBoundary(text, length, first, AnyByte());
-    return withSet(pair().second,
-                   [&](auto second) { return findPairAtBoundary(text, length, first, second); });
+    return withSmallSet(pair().second,
+                        [&](auto second) { return findPairAtBoundary(text, length, first, second); });
   });
 }
 
@@ -250,9 +245,9 @@ bool Starts::passFar(const uint8_t*& at, const uint8_t* end) {
 
 // Where a pair of the filter stands first in the text.
 Place Starts::findPlace(const uint8_t* text, int32_t length) const {
-  return withSet(filter().small, [&](auto first) {
+  return withSmallSet(filter().small, [&](auto first) {
     if (pair().run > 0) return findRun(text, length, first, pair().run + 1);
-    return withSet(pair().second, [&](auto second) { return findPair(text, length, first, second); });
+    return withSmallSet(pair().second, [&](auto second) { return findPair(text, length, first, second); });
   });
 }
 
