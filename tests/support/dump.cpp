@@ -60,7 +60,6 @@ std::string field(char form, const RxNode& node) {
          : form == 'O' ? letters(newOptions(node))
          : form == 'P' ? optionSuffix(optionsBehind(node))
          : form == 'Q' ? (node.op2 ? "?" : "")
-         : form == 'S' ? format("%X", rangesOf(node)->first)
          : form == 'T' ? string(node)
                        : std::string(1, form);
 }
@@ -92,7 +91,7 @@ const struct {
               {RX_CODEPOINT, "codepoint:A"},
               {RX_CATEGORY, "category:H"},
               {RX_UNIRANGE, "unirange:A-B"},
-              {RX_SCRIPT, "script:S(3)"},
+              {RX_SCRIPT, "script:1(3)"},
               {RX_XSEQ, "xseq"}};
 
 std::string word(const RxNode& node) {

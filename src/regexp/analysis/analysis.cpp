@@ -3,6 +3,7 @@
 #include "regexp/analysis/follow_sets.h"
 #include "regexp/analysis/start_filter.h"
 #include "regexp/text/bytes.h"
+#include "unicode/unicode.h"
 
 namespace ulk {
 
@@ -17,12 +18,20 @@ void resolveShorthands(ulkRegExpState& state) {
   }
 }
 
+// Those of classes as well.
+void resolveScripts(ulkRegExpState& state) {
+  RxNode* const nodes = state.nodes();
+  for (RxNode* node = nodes; node < nodes + state.numNodes; ++node)
+    if (node->code == RX_SCRIPT) scriptNumber(*node) = scriptOf(static_cast<int32_t>(rangesOf(*node)->first));
+}
+
 }  // namespace
 
 void analyse(ulkRegExpState& state, SpareWords spare) {
   SpareFrames frames(state);
   const bool hasFrames = frames.takeFrom(kLastFreeFrame + 1);
   resolveShorthands(state);
+  resolveScripts(state);
   linkGroups(state);
   makeClassSets(state, spare);
   makeFollowSets(state, frames);

@@ -53,13 +53,14 @@ Step StepChooser::item(int32_t index) const {
     case RX_CLASS:
       return hasOneSet(node) ? Step::kClass : Step::kItem;
     default:
-      return Step::kItem;
+      return isProperty(node) && recordOf(node) ? Step::kProperty : Step::kItem;
   }
 }
 
 Step StepChooser::repeat(const RxNode& node, const RxNode& quantifier) const {
   if (quantifier.code == RX_REPEAT_LAZY) return Step::kLazyItem;
   if (node.code == RX_CHARTYPE) return Step::kGreedyShorthand;
+  if (isProperty(node) && recordOf(node)) return Step::kGreedyProperty;
   return node.code == RX_CLASS && hasOneSet(node) ? Step::kGreedyClass : Step::kGreedyItem;
 }
 

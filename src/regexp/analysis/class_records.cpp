@@ -1,4 +1,4 @@
-// Makes the records of classes (class_sets.h).
+// Makes the records of classes (class_sets.h), and the sets of properties that are items.
 #include <algorithm>
 
 #include "regexp/analysis/analysis.h"
@@ -127,6 +127,16 @@ uint32_t* RecordMaker::make(uint32_t* at, int64_t room) {
   return writeParts(at + size_t{kWordsPerSet} * (1 + facts_.numStored));
 }
 
+// A property has at least three bytes in the pattern, so that there is room. Returns the end of the set.
+uint32_t* makePropertySet(RxNode& item, uint32_t* at, const uint32_t* end) {
+  setRecord(item, nullptr);
+  if (end - at < kWordsPerSet) return at;
+  ByteSet256 ascii{};
+  addAsciiOf(item, 0, ascii);
+  setRecord(item, at);
+  return std::copy_n(ascii.words, kWordsPerSet, at);
+}
+
 // Whether a search can find the caseless bit changed.
 bool changesCase(const ulkRegExpState& state) {
   const RxNode* const nodes = state.nodes();
@@ -144,6 +154,7 @@ void makeClassSets(ulkRegExpState& state, SpareWords spare) {
   for (int32_t i = 0; i < state.numNodes; i = nextNode(nodes, i)) {
     RxNode& node = nodes[i];
     if (bothCases) options = optionsAfter(node, options);
+    if (isProperty(node)) spare.begin = makePropertySet(node, spare.begin, spare.end);
     if (node.code != RX_CLASS) continue;
     const int64_t room = (int64_t{patternBytes(node)} - memberCount(node) - 1) * kNodeWords;
     RecordMaker maker(node, options & RX_OPT_CASELESS, bothCases);

@@ -49,9 +49,12 @@ class Builder {
   Part item(const RxNode& node, uint32_t options);
   Part string(const RxNode& node, uint32_t options);
   Part lastAssertion(int32_t kind, const Part& before);
+  Part last(int32_t node, const Part& before, uint32_t options);
   Part repeated(int32_t node, const RxNode& quantifier, uint32_t options);
   bool takeWordsOnly(PositionSet positions) const;
   bool mayMakeSurplus(int32_t open) const;
+  Part lookbehind(int32_t node, uint32_t options);
+  bool hasWidth(int32_t open, int32_t width) const;
   int32_t add();
   void link(PositionSet from, PositionSet to);
   Part joined(const Part& a, const Part& b);
@@ -220,12 +223,18 @@ bool Builder::takeWordsOnly(PositionSet positions) const {
   return positions == 0;
 }
 
+// A node that the program ends with. Where a match can be empty, what a lookahead asks for would hide that.
+Part Builder::last(int32_t node, const Part& before, uint32_t options) {
+  if (codeOf(nodes_[node]) == RX_ASSERT) return lastAssertion(assertionOf(nodes_[node]), before);
+  if (codeOf(nodes_[node]) == RX_LOOKAHEAD && !before.nullable) return group(node, options);
+  return piece(node, options);
+}
+
 Part Builder::sequence(int32_t node, int32_t end, uint32_t options) {
   Part whole = kNothing;
   while (node < end && codeOf(nodes_[node]) != RX_ALT) {
-    const bool isLastAssertion = node + 1 == numNodes_ && codeOf(nodes_[node]) == RX_ASSERT;
-    const Part next =
-        isLastAssertion ? lastAssertion(assertionOf(nodes_[node]), whole) : piece(node, options);
+    const bool isLast = nextItem(nodes_, node) == numNodes_;
+    const Part next = isLast ? last(node, whole, options) : piece(node, options);
     whole = joined(whole, next);
     if (next.accepts && !next.first) break;
     node = nextItem(nodes_, node);
@@ -246,6 +255,44 @@ Part Builder::alternatives(int32_t first, int32_t end, int32_t serial, uint32_t 
   return whole;
 }
 
+// Whether each alternative of a group of unquantified items takes so many characters.
+bool Builder::hasWidth(int32_t open, int32_t width) const {
+  const int32_t end = open + 1 + bodyLength(nodes_[open]);
+  int64_t taken = 0;
+  for (int32_t i = open + 1; i < end; i = nextNode(nodes_, i)) {
+    if (codeOf(nodes_[i]) != RX_ALT) {
+      taken += codeOf(nodes_[i]) == RX_STRING ? stringLength(nodes_[i]) : 1;
+    } else if (taken == width) {
+      taken = 0;
+    } else {
+      return false;
+    }
+  }
+  return taken == width;
+}
+
+// The lookbehind that the program begins with, if each of its alternatives is a row of ASCII characters that
+// is as long as it looks back: where it holds, one of them stands right before the match.
+Part Builder::lookbehind(int32_t node, uint32_t options) {
+  automaton_.bytesBefore = 0;
+  const RxNode& open = nodes_[node];
+  if (codeOf(open) != RX_LOOKBEHIND || stepOf(open) != Step::kLookbehindItems) return kNothing;
+  if (quantifierOf(nodes_, numNodes_, node) || !hasWidth(node, lookbehindWidth(open))) return kNothing;
+  for (int32_t i = node; i < numNodes_; i = nextItem(nodes_, i))
+    if (codeOf(nodes_[i]) == RX_ALT) return kNothing;
+  const int32_t count = automaton_.count;
+  const PositionSet accepting = automaton_.accepting;
+  const Part part = group(node, options);
+  if (!part.accepts && !part.nullable &&
+      std::none_of(automaton_.bytes + count, automaton_.bytes + automaton_.count, hasHighBytes)) {
+    automaton_.bytesBefore = lookbehindWidth(open);
+    return part;
+  }
+  automaton_.count = count;
+  automaton_.accepting = accepting;
+  return kNothing;
+}
+
 // Options that change on the way stay changed for the next attempt; those that the program begins with are
 // the same in all of them.
 bool Builder::build(uint32_t options) {
@@ -255,9 +302,11 @@ bool Builder::build(uint32_t options) {
   for (int32_t i = node; i < numNodes_; i = nextNode(nodes_, i))
     if (codeOf(nodes_[i]) == RX_OPTIONS) return false;
   const Part whole = alternatives(node, numNodes_, kTopLevel, options);
-  automaton_.first = whole.first;
+  if (whole.nullable || whole.accepts || !whole.first) return false;
+  const Part before = lookbehind(node, options);
+  automaton_.first = joined(before, whole).first;
   automaton_.accepting |= whole.last;
-  return !whole.nullable && !whole.accepts && whole.first;
+  return true;
 }
 
 }  // namespace

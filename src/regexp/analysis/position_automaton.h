@@ -2,9 +2,12 @@
 //
 // The automaton, known as the position or Glushkov automaton, has a position for each place where an item
 // takes a byte: three for `ab*[cd]`, where that of b follows those of a and b. It admits every match that the
-// program can have, and more: lookarounds, all assertions but one at the end, and the order of tries are left
-// out, long counts are cut to "and more", and where a node is not understood the match may end there. So what
-// it rejects needs no attempt.
+// program can have, and more: most lookarounds and assertions and the order of tries are left out, long
+// counts are cut to "and more", and where a node is not understood the match may end there. So what it
+// rejects needs no attempt.
+//
+// A lookbehind that the program begins with and a lookahead that it ends with are taken as if they were parts
+// of the match: `(?<=in )\d+(?=,)` as `in \d+,`.
 #pragma once
 
 #include <cstdint>
@@ -19,6 +22,7 @@ inline constexpr int32_t kMaxPositions = 64;
 
 struct PositionAutomaton {
   int32_t count;
+  int32_t bytesBefore;    // a match, which begins so many bytes behind what the first positions take
   PositionSet first;      // where a match can begin
   PositionSet accepting;  // where a match can end
   PositionSet atEnd;      // those that hold at the text's end, of the assertion that the program ends with

@@ -120,7 +120,9 @@ int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at)
 Taken takeItems(const MatchContext& m, const RxNode& item, const uint8_t* at, int32_t most) {
   const uint32_t options = m.options;
   if (isOneByte(item, options)) return takeBytes(m, item, at, most);
-  const Set128* const set = codeOf(item) == RX_CLASS ? classSet(item, options) : nullptr;
+  const Set128* const set = isProperty(item)           ? recordOf(item)
+                            : codeOf(item) == RX_CLASS ? classSet(item, options)
+                                                       : nullptr;
   if (set) return takeCharacters(m, item, at, most, [set](uint8_t byte) { return set->contains(byte); });
   if (codeOf(item) == RX_CHARTYPE) {
     const uint8_t wanted = byteSetOf(item, options);
@@ -162,6 +164,11 @@ ULK_STEP stepShorthand(const uint8_t* at, const RxNode* node, MatchContext& m) {
 ULK_STEP stepClass(const uint8_t* at, const RxNode* node, MatchContext& m) {
   if (at >= m.textEnd || *at >= 0x80) return stepItem(at, node, m);
   return recordOf(*node)->contains(*at) ? goOn(at + 1, afterClass(node), m) : fail(m);
+}
+
+ULK_STEP stepProperty(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  if (at >= m.textEnd || *at >= 0x80) return stepItem(at, node, m);
+  return recordOf(*node)->contains(*at) ? goOn(at + 1, node + 1, m) : fail(m);
 }
 
 ULK_STEP stepItem(const uint8_t* at, const RxNode* node, MatchContext& m) {

@@ -24,9 +24,11 @@ constexpr auto kSteps = [] {
   set(Step::kLetter, stepLetter);
   set(Step::kShorthand, stepShorthand);
   set(Step::kClass, stepClass);
+  set(Step::kProperty, stepProperty);
   set(Step::kItem, stepItem);
   set(Step::kGreedyShorthand, stepGreedyShorthand);
   set(Step::kGreedyClass, stepGreedyClass);
+  set(Step::kGreedyProperty, stepGreedyProperty);
   set(Step::kGreedyItem, stepGreedyItem);
   set(Step::kLazyItem, stepLazyItem);
   set(Step::kWordBoundary, stepWordBoundary);

@@ -15,7 +15,7 @@ ULK_INLINE const uint8_t* behindBytes(const uint8_t* at, const uint8_t* end, Acc
   return at;
 }
 
-// Where the bytes end that begin what a repeat of a shorthand or of a class takes at `at`.
+// Where the bytes end that begin what a repeat of a shorthand, or of a class or property, takes at `at`.
 ULK_INLINE const uint8_t* behindShorthand(const MatchContext& m, const RxNode& item, const uint8_t* at,
                                           const uint8_t* end) {
   const uint8_t* const sets = m.byteSets;
@@ -23,7 +23,7 @@ ULK_INLINE const uint8_t* behindShorthand(const MatchContext& m, const RxNode& i
   return behindBytes(at, end, [=](uint8_t byte) { return (sets[byte] & wanted) != 0; });
 }
 
-ULK_INLINE const uint8_t* behindClass(const RxNode& item, const uint8_t* at, const uint8_t* end) {
+ULK_INLINE const uint8_t* behindSet(const RxNode& item, const uint8_t* at, const uint8_t* end) {
   const Set128* const set = recordOf(item);
   return behindBytes(at, end, [=](uint8_t byte) { return set->contains(byte); });
 }
@@ -36,8 +36,8 @@ ULK_INLINE Taken takeAll(const MatchContext& m, const RxNode* item, const RxNode
   const uint8_t* behind = end;
   if (stepOf(*item) == Step::kGreedyShorthand) {
     behind = behindShorthand(m, *item, at, end);
-  } else if (stepOf(*item) == Step::kGreedyClass) {
-    behind = behindClass(*item, at, end);
+  } else if (stepOf(*item) == Step::kGreedyClass || stepOf(*item) == Step::kGreedyProperty) {
+    behind = behindSet(*item, at, end);
   } else {
     return takeItems(m, *item, at, std::max(minOf(quantifier), most));
   }

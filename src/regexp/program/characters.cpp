@@ -4,8 +4,6 @@
 
 namespace ulk {
 
-int32_t scriptOf(const RxNode& script) { return scriptOf(static_cast<int32_t>(rangesOf(script)->first)); }
-
 bool codePointAccepts(const RxNode& node, int32_t codePoint, uint32_t options) {
   if (codePointOf(node) == codePoint) return true;
   return (options & RX_OPT_CASELESS) && foldCase(codePointOf(node)) == foldCase(codePoint);
@@ -19,7 +17,7 @@ bool propertyAccepts(const RxNode& node, int32_t codePoint) {
     case RX_UNIRANGE:
       return (lowOf(node) <= codePoint && codePoint <= highOf(node)) != (memberNegation(node) != 0);
     case RX_SCRIPT:
-      return (scriptOf(codePoint) == scriptOf(node)) != (propertyNegation(node) != 0);
+      return (scriptOf(codePoint) == scriptNumber(node)) != (propertyNegation(node) != 0);
     default:
       return false;
   }

@@ -7,9 +7,6 @@
 
 namespace ulk {
 
-// The script that a script node names.
-int32_t scriptOf(const RxNode& script);
-
 // Whether a code-point node accepts a character, without a member's negation.
 bool codePointAccepts(const RxNode& node, int32_t codePoint, uint32_t options);
 

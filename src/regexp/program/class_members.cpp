@@ -199,7 +199,7 @@ void ClassMembers::refuse(const Spans& spans) {
 
 void ClassMembers::addScript(const RxNode& member) {
   uint32_t wanted[kScriptWords] = {};
-  addBit(scriptOf(member), wanted);
+  addBit(scriptNumber(member), wanted);
   for (int i = 0; i < kScriptWords; ++i) scripts[i] |= propertyNegation(member) != 0 ? ~wanted[i] : wanted[i];
   hasScripts = true;
 }

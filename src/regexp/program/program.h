@@ -17,6 +17,7 @@ namespace ulk {
 
 // Every node code with what its operands hold.
 //  - "a > b": the compiler leaves a, and the analysis puts b in its place.
+//  - A set is the 128 ASCII characters that a property accepts; members have none.
 //  - "[a]": only where the node is a member of a class. Members of any code but RX_SCRIPT may get a word of
 //    their class's further sets as text (class_sets.h).
 //  - A serial is negative in lookarounds and atomic groups, 0 at a bar outside every group.
@@ -47,9 +48,9 @@ enum RxCode : uint32_t {
   RX_OPTIONS,            // options     -            -                          -
   RX_BYTE,               // -           -            -                          -
   RX_CODEPOINT,          // code point  -            [negation]                 [> word]
-  RX_CATEGORY,           // mask        negation     -                          [> word]
-  RX_UNIRANGE,           // low         high         negation                   [> word]
-  RX_SCRIPT,             // 1           negation     number of ranges           ranges
+  RX_CATEGORY,           // mask        negation     -                          > set, [> word]
+  RX_UNIRANGE,           // low         high         negation                   > set, [> word]
+  RX_SCRIPT,             // 1 > number  negation     number of ranges           ranges, > set
   RX_XSEQ,               // -           -            -                          -
   kRxCodeEnd             // one past the last code
 };
@@ -101,6 +102,7 @@ inline auto& categoryMask(auto& node) { return node.op1; }
 inline auto& lowOf(auto& range) { return range.op1; }
 inline auto& highOf(auto& range) { return range.op2; }
 inline auto& numRanges(auto& script) { return script.op3; }
+inline auto& scriptNumber(auto& script) { return script.op1; }
 inline auto& minOf(auto& quantifier) { return quantifier.op1; }
 inline auto& maxOf(auto& quantifier) { return quantifier.op2; }
 inline auto& followNote(auto& quantifier) { return quantifier.op3; }
@@ -128,7 +130,7 @@ inline const uint8_t* stringOf(const RxNode& node) { return static_cast<const ui
 inline const CodePointRange* rangesOf(const RxNode& script) {
   return static_cast<const CodePointRange*>(script.text);
 }
-inline const Set128* recordOf(const RxNode& header) { return static_cast<const Set128*>(header.text); }
+inline const Set128* recordOf(const RxNode& item) { return static_cast<const Set128*>(item.text); }
 inline const ByteSet256* followSet(const RxNode& quantifier) {
   return static_cast<const ByteSet256*>(quantifier.text);
 }
@@ -139,7 +141,7 @@ inline const RxNode* linkedOpen(const RxNode& end) { return static_cast<const Rx
 
 inline void setString(RxNode& node, const void* bytes) { node.text = bytes; }
 inline void setRanges(RxNode& script, const CodePointRange* ranges) { script.text = ranges; }
-inline void setRecord(RxNode& header, const void* words) { header.text = words; }
+inline void setRecord(RxNode& item, const void* words) { item.text = words; }
 inline void setFollowSet(RxNode& quantifier, const ByteSet256* set) { quantifier.text = set; }
 inline void linkTo(const RxNode* barOrOpen, RxNode& node) { node.text = barOrOpen; }
 
@@ -160,6 +162,10 @@ inline bool isRepeatableGroup(const RxNode& node) {
 }
 inline bool isLookaround(const RxNode& node) {
   return codeOf(node) >= RX_LOOKBEHIND && codeOf(node) <= RX_NLOOKAHEAD;
+}
+
+inline bool isProperty(const RxNode& node) {
+  return codeOf(node) >= RX_CATEGORY && codeOf(node) <= RX_SCRIPT;
 }
 
 // An item that takes one character or a string.

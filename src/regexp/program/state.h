@@ -120,6 +120,7 @@ struct PrefilterNote {
   int32_t frame;  // where the automaton lies, once it is made
   int32_t work;   // that searches have done in vain,
   int32_t bytes;  // and in so many bytes, since that was last decided
+  int32_t look;   // the work at which to decide anew
 };
 
 // One frame of the work area. Frame 0 and those above the highest serial belong to no group; what the

@@ -14,10 +14,12 @@ enum class Step : uint8_t {
   kLetter,  // a byte that matches in both cases
   kShorthand,
   kClass,
+  kProperty,
   kItem,  // any other, and those that options change
   // Quantified items
   kGreedyShorthand,
   kGreedyClass,
+  kGreedyProperty,
   kGreedyItem,
   kLazyItem,
   // Assertions

@@ -100,20 +100,26 @@ uint16_t BackwardAutomaton::entry(uint16_t row, uint8_t byte) {
   return next;
 }
 
-uint32_t BackwardAutomaton::read(const uint8_t* chunk, int32_t length, uint16_t& row) {
-  if (length < kChunk) return readSlowly(chunk, length, row);
+// The same where no state is missing; else the place is 0.
+ULK_INLINE uint32_t BackwardAutomaton::readKnown(const uint8_t* chunk, int32_t length,
+                                                 uint32_t& place) const {
   uint32_t bits = 0;
-  uint32_t place = row;
-  for (int32_t i = kChunk - 1; i >= 0; --i) {
+  for (int32_t i = length - 1; i >= 0; --i) {
     place = loadEntry(table_ + place + columnOf_[chunk[i]]);
     bits = bits << 1 | (place & 1);
   }
+  return bits;
+}
+
+uint32_t BackwardAutomaton::read(const uint8_t* chunk, int32_t length, uint16_t& row) {
+  uint32_t place = row;
+  const uint32_t bits = length == kChunk ? readKnown(chunk, kChunk, place) : readKnown(chunk, length, place);
   if (place == 0) return readSlowly(chunk, length, row);
   row = static_cast<uint16_t>(place);
   return bits;
 }
 
-// The same where states may be missing, or the chunk is short.
+// The same where states may be missing.
 __attribute__((noinline)) uint32_t BackwardAutomaton::readSlowly(const uint8_t* chunk, int32_t length,
                                                                  uint16_t& row) {
   uint32_t bits = 0;

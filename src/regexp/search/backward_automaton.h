@@ -47,6 +47,7 @@ class BackwardAutomaton {
   uint16_t entry(uint16_t row, uint8_t byte);
   PositionSet aliveIn(uint16_t row) const;
   PositionSet before(PositionSet alive, int32_t column) const;
+  uint32_t readKnown(const uint8_t* chunk, int32_t length, uint32_t& place) const;
   uint32_t readSlowly(const uint8_t* chunk, int32_t length, uint16_t& row);
 
   PositionAutomaton positions_;

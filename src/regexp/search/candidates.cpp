@@ -63,8 +63,9 @@ bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const u
   textEnd_ = textEnd;
   blockBegin_ = blockEnd_ = nullptr;
   automaton_.begin();
-  const int64_t most = steps / (2 * (int64_t{textEnd - text} + 1));  // behind an empty match there is another
-  if (attemptBound_ <= most && boundAttempts(state, text, textEnd) && attemptBound_ <= most) return true;
+  const int64_t attempts = 2 * (int64_t{textEnd - text} + 1);  // behind an empty match there is another
+  const auto suffice = [&] { return attemptBound_ * attempts <= steps; };
+  if (suffice() && boundAttempts(state, text, textEnd) && suffice()) return true;
   std::fill_n(runs_.longest, Runs::kMax, kUsualRun);
   attemptBound_ = stepBound(state, runs_);
   return false;

@@ -30,6 +30,8 @@ class Candidates {
   // The text has too many candidates of a quick way. It is left for a slower one that tells more.
   void takeSlowerWay() { choose(way_ == Way::kPair ? Way::kRequiredByte : Way::kBlocks); }
 
+  // A candidate is the beginning of what a match must have, which lies so many bytes before the match.
+  int32_t bytesBefore() const { return automaton_.positions().bytesBefore; }
   // The first candidate from `at` on, the text's end if there is none.
   const uint8_t* next(const uint8_t* at);
   // Candidates tell nothing any more: the automaton has too many states.

@@ -13,7 +13,7 @@ constexpr int64_t kNever = INT64_MAX;
 constexpr int32_t kMuchWork = 1 << 30;
 constexpr int32_t kLeastWork = 512;         // that says anything, and outweighs the making of an automaton
 constexpr int32_t kBytesPerWork = 5;        // that the automaton reads in the time of an attempt in vain,
-constexpr int32_t kQuickBytesPerWork = 32;  // in which a quicker way finds candidates,
+constexpr int32_t kQuickBytesPerWork = 96;  // in which a quicker way finds candidates,
 constexpr int32_t kBytesMeasured = 256;     // and whose runs are measured then
 constexpr int32_t kManyBytes = 1 << 17;     // after which texts may have become others
 
@@ -29,7 +29,7 @@ void Prefilter::begin() {
   switch (note().use) {
     case PrefilterUse::kUndecided:
     case PrefilterUse::kOff:
-      nextLook_ = std::max(kLeastWork - note().work, 1);
+      nextLook_ = std::max(note().look - note().work, 1);
       break;
     case PrefilterUse::kOn:
       turnOn(m_.textStart);
@@ -48,7 +48,7 @@ void Prefilter::end(const uint8_t* at) {
   if (nextLook_ == kNever) return;
   note().work = static_cast<int32_t>(std::min<int64_t>(note().work + work_, kMuchWork));
   note().bytes += static_cast<int32_t>(std::min<ptrdiff_t>(bytesInBlocks(at), kManyBytes));
-  if (note().bytes >= kManyBytes) note() = {isOn_ ? PrefilterUse::kOff : note().use, note().frame, 0, 0};
+  if (note().bytes >= kManyBytes) forget(isOn_ ? PrefilterUse::kOff : note().use);
 }
 
 // Whether other candidates than those in use, if there are any, would have taken less time up to this place.
@@ -63,7 +63,9 @@ bool Prefilter::takesLess(const uint8_t* at) const {
 // many attempts, and those of the automaton for good.
 bool Prefilter::decide(const uint8_t* at) {
   const int64_t work = note().work + work_;
-  nextLook_ = work_ + work_ / 4 + 1;
+  const int64_t look = std::max<int64_t>(work + work / 4, kLeastWork);
+  note().look = static_cast<int32_t>(std::min<int64_t>(look, kMuchWork));
+  nextLook_ = look - note().work;
   if (work < kLeastWork) return isOn_;
   if (note().use == PrefilterUse::kUndecided) make();
   if (!takesLess(at)) return isOn_;
@@ -77,6 +79,9 @@ bool Prefilter::decide(const uint8_t* at) {
   }
   return isOn_;
 }
+
+// Begins to count anew.
+void Prefilter::forget(PrefilterUse use) { note() = {use, note().frame, 0, 0, kLeastWork}; }
 
 void Prefilter::make() {
   note().frame = Candidates::make(state_);
@@ -94,18 +99,25 @@ void Prefilter::turnOn(const uint8_t* at) {
   if (note().use == PrefilterUse::kUseless) return;
   candidates_ = Candidates::in(state_, note().frame);
   if (!candidates_->begin(state_, at, m_.textEnd, m_.budget.left())) return;
-  if (note().use == PrefilterUse::kOff) note() = {PrefilterUse::kOn, note().frame, 0, 0};
+  if (note().use == PrefilterUse::kOff) forget(PrefilterUse::kOn);
   isOn_ = true;
   work_ = 0;
   since_ = at;
-  nextLook_ = kLeastWork;
+  nextLook_ = std::max(note().look - note().work, 1);
+}
+
+// What candidates are told by may begin before the match does.
+const uint8_t* Prefilter::candidateFrom(const uint8_t* at) const {
+  const ptrdiff_t before = candidates_->bytesBefore();
+  const uint8_t* const found = candidates_->next(at - std::min(before, at - m_.textStart));
+  return std::max(at, before < m_.textEnd - found ? found + before : m_.textEnd);
 }
 
 const uint8_t* Prefilter::next(const uint8_t* at) {
-  const uint8_t* candidate = candidates_->next(at);
+  const uint8_t* candidate = candidateFrom(at);
   if (state_.format == kFormatUtf8) {
     const uint8_t* start;
-    while ((start = characterFrom(candidate, at)) != candidate) candidate = candidates_->next(start);
+    while ((start = characterFrom(candidate, at)) != candidate) candidate = candidateFrom(start);
   }
   if (candidates_->givesUp()) turnOff(PrefilterUse::kUseless);
   return candidate;

@@ -35,9 +35,11 @@ class Prefilter {
  private:
   PrefilterNote& note() { return state_.frames[kPrefilterFrame].prefilter; }
   const PrefilterNote& note() const { return state_.frames[kPrefilterFrame].prefilter; }
+  const uint8_t* candidateFrom(const uint8_t* at) const;
   ptrdiff_t bytesInBlocks(const uint8_t* at) const;
   bool takesLess(const uint8_t* at) const;
   void make();
+  void forget(PrefilterUse use);
   bool decide(const uint8_t* at);
   void turnOn(const uint8_t* at);
   void turnOff(PrefilterUse use);
