@@ -15,7 +15,9 @@ namespace {
 ULK_STEP stepNone(const uint8_t*, const RxNode*, MatchContext& m) { return fail(m); }
 Outcome retryBottom(MatchContext&) { return Outcome::kNoMatch; }
 
-constexpr auto kSteps = [] {
+}  // namespace
+
+constinit const std::array<StepFunction, static_cast<size_t>(Step::kCount)> kSteps = [] {
   std::array<StepFunction, static_cast<size_t>(Step::kCount)> steps{};
   const auto set = [&](Step step, StepFunction function) { steps[static_cast<size_t>(step)] = function; };
   set(Step::kNone, stepNone);
@@ -55,7 +57,7 @@ constexpr auto kSteps = [] {
   return steps;
 }();
 
-constexpr auto kRetries = [] {
+constinit const std::array<RetryFunction, static_cast<size_t>(ChoiceKind::kCount)> kRetries = [] {
   std::array<RetryFunction, static_cast<size_t>(ChoiceKind::kCount)> retries{};
   const auto set = [&](ChoiceKind kind, RetryFunction function) {
     retries[static_cast<size_t>(kind)] = function;
@@ -84,6 +86,8 @@ constexpr auto kRetries = [] {
   set(ChoiceKind::kSurplus, retrySurplus);
   return retries;
 }();
+
+namespace {
 
 // ---- The memory for choices
 //
@@ -142,21 +146,6 @@ ULK_INLINE bool finish(MatchContext& m, Outcome outcome) {
 }
 
 }  // namespace
-
-void prepareMatcher(MatchContext& m, ulkRegExpState& state, std::byte* memory) {
-  m.nodes = state.nodes();
-  m.programEnd = m.nodes + state.numNodes;
-  m.captures = state.captures;
-  m.frames = state.frames;
-  m.numCaptures = state.numCaptures;
-  m.nonEmpty = false;
-  m.runEnd = m.programEnd;
-  m.run = kNoRun;
-  m.choices.use(memory, kSearchChoices);
-  m.steps = kSteps.data();
-  m.retries = kRetries.data();
-  m.byteSets = kByteSets.data();
-}
 
 // An attempt that fails leaves the context as it was: no choices, and no run within the program's.
 bool rxMatch(MatchContext& m, const RxNode* first) {

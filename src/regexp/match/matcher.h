@@ -11,9 +11,11 @@
 // on the number of its steps alone.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
+#include "regexp/text/bytes.h"
 #include "regexp/match/budget.h"
 #include "regexp/match/choices.h"
 #include "regexp/program/program.h"
@@ -87,8 +89,25 @@ struct MatchContext {
 // The stack of choices that every search has; one that needs more finds it by itself.
 inline constexpr size_t kSearchChoices = 2048;
 
+// The functions for the steps and for the kinds of choices.
+extern const std::array<StepFunction, static_cast<size_t>(Step::kCount)> kSteps;
+extern const std::array<RetryFunction, static_cast<size_t>(ChoiceKind::kCount)> kRetries;
+
 // Prepares a context for attempts, whose text and options the caller sets. `memory` has kSearchChoices bytes.
-void prepareMatcher(MatchContext& m, ulkRegExpState& state, std::byte* memory);
+inline void prepareMatcher(MatchContext& m, ulkRegExpState& state, std::byte* memory) {
+  m.nodes = state.nodes();
+  m.programEnd = m.nodes + state.numNodes;
+  m.captures = state.captures;
+  m.frames = state.frames;
+  m.numCaptures = state.numCaptures;
+  m.nonEmpty = false;
+  m.runEnd = m.programEnd;
+  m.run = kNoRun;
+  m.choices.use(memory, kSearchChoices);
+  m.steps = kSteps.data();
+  m.retries = kRetries.data();
+  m.byteSets = kByteSets.data();
+}
 
 // Runs the program from `first` on at m.matchStart. True for a match, which ends at m.at.
 bool rxMatch(MatchContext& m, const RxNode* first);

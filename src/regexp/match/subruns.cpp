@@ -320,15 +320,10 @@ ULK_STEP stepRunBar(const uint8_t* at, const RxNode* node, MatchContext& m) {
   return runMatched(at, node, m);
 }
 
-ULK_STEP runEnded(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  return m.nonEmpty && m.lengthTo(at) == 0 ? fail(m) : runMatched(at, node, m);
-}
+namespace {
 
-ULK_STEP runMatched(const uint8_t* at, const RxNode*, MatchContext& m) {
-  if (m.run == kNoRun) {
-    m.at = at;
-    return Outcome::kMatch;
-  }
+// A run within the program's has matched.
+__attribute__((noinline)) ULK_STEP subrunMatched(const uint8_t* at, const RxNode*, MatchContext& m) {
   switch (m.choices.at<RunChoice>(m.run).tag.kind()) {
     case ChoiceKind::kAtomic:
       return leaveAtomic(at, m);
@@ -342,6 +337,18 @@ ULK_STEP runMatched(const uint8_t* at, const RxNode*, MatchContext& m) {
       return assertLookaround(placeOf(m, choice.at), node, m, !isNegative(*node));
     }
   }
+}
+
+}  // namespace
+
+ULK_STEP runMatched(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  if (m.run != kNoRun) return subrunMatched(at, node, m);
+  m.at = at;
+  return Outcome::kMatch;
+}
+
+ULK_STEP runEnded(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  return m.nonEmpty && m.lengthTo(at) == 0 ? fail(m) : runMatched(at, node, m);
 }
 
 }  // namespace ulk

@@ -14,7 +14,11 @@ namespace ulk {
 // A match ends with the pattern's trailing literal, so nothing after its last occurrence is searched; where
 // it does not occur, only the empty text is left. The cut is the end of the text also for assertions. Returns
 // the length up to there.
-int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, int32_t length);
+int32_t cutBehindLast(const RxNode& literal, const uint8_t* text, int32_t length);
+inline int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, int32_t length) {
+  if (state.trailingLiteral < 0) return length;
+  return cutBehindLast(state.nodes()[state.trailingLiteral], text, length);
+}
 
 // The character after the one at `at`; with a line anchor, the next line start. Beyond the end if there is
 // none.

@@ -9,47 +9,12 @@ namespace ulk {
 
 namespace {
 
-constexpr int64_t kNever = INT64_MAX;
-constexpr int32_t kMuchWork = 1 << 30;
 constexpr int32_t kLeastWork = 512;         // that says anything, and outweighs the making of an automaton
 constexpr int32_t kBytesPerWork = 5;        // that the automaton reads in the time of an attempt in vain,
 constexpr int32_t kQuickBytesPerWork = 96;  // in which a quicker way finds candidates,
 constexpr int32_t kBytesMeasured = 256;     // and whose runs are measured then
-constexpr int32_t kManyBytes = 1 << 17;     // after which texts may have become others
 
 }  // namespace
-
-void Prefilter::begin() {
-  const StartFilter& filter = startFilterOf(state_);
-  isOn_ = false;
-  work_ = 0;
-  since_ = m_.textStart;
-  nextLook_ = kNever;
-  if (!filter.hasFrames || filter.anchor != Anchor::kNone || m_.budget.paysExactly()) return;
-  switch (note().use) {
-    case PrefilterUse::kUndecided:
-    case PrefilterUse::kOff:
-      nextLook_ = std::max(note().look - note().work, 1);
-      break;
-    case PrefilterUse::kOn:
-      turnOn(m_.textStart);
-      break;
-    case PrefilterUse::kUseless:
-      break;
-  }
-}
-
-// What the automaton has to read until the search has come to this place.
-ptrdiff_t Prefilter::bytesInBlocks(const uint8_t* at) const {
-  return std::min<ptrdiff_t>(at - since_ + Candidates::kBlock, m_.textEnd - since_);
-}
-
-void Prefilter::end(const uint8_t* at) {
-  if (nextLook_ == kNever) return;
-  note().work = static_cast<int32_t>(std::min<int64_t>(note().work + work_, kMuchWork));
-  note().bytes += static_cast<int32_t>(std::min<ptrdiff_t>(bytesInBlocks(at), kManyBytes));
-  if (note().bytes >= kManyBytes) forget(isOn_ ? PrefilterUse::kOff : note().use);
-}
 
 // Whether other candidates than those in use, if there are any, would have taken less time up to this place.
 bool Prefilter::takesLess(const uint8_t* at) const {
@@ -62,10 +27,9 @@ bool Prefilter::takesLess(const uint8_t* at) const {
 // Turns candidates on if they will take less time than attempts do, as far as is known; off if they leave too
 // many attempts, and those of the automaton for good.
 bool Prefilter::decide(const uint8_t* at) {
-  const int64_t work = note().work + work_;
-  const int64_t look = std::max<int64_t>(work + work / 4, kLeastWork);
-  note().look = static_cast<int32_t>(std::min<int64_t>(look, kMuchWork));
-  nextLook_ = look - note().work;
+  const int32_t work = std::min(note().work + work_, kMuchWork);
+  note().look = std::max(work + work / 4, kLeastWork);
+  nextLook_ = note().look - note().work;
   if (work < kLeastWork) return isOn_;
   if (note().use == PrefilterUse::kUndecided) make();
   if (!takesLess(at)) return isOn_;

@@ -8,8 +8,10 @@
 // at all places by their bound (step_bound.h), so that no one can tell.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
+#include "regexp/analysis/start_filter.h"
 #include "regexp/match/matcher.h"
 #include "regexp/search/candidates.h"
 
@@ -20,12 +22,26 @@ class Prefilter {
   Prefilter(MatchContext& m, ulkRegExpState& state) : m_(m), state_(state) {}
 
   // A search begins at the start of the text,
-  void begin();
+  void begin() {
+    const StartFilter& filter = startFilterOf(state_);
+    isOn_ = false;
+    work_ = 0;
+    since_ = m_.textStart;
+    nextLook_ = kNever;
+    if (!filter.hasFrames || filter.anchor != Anchor::kNone || m_.budget.paysExactly()) return;
+    if (note().use == PrefilterUse::kOn) return turnOn(m_.textStart);
+    if (note().use != PrefilterUse::kUseless) nextLook_ = std::max(note().look - note().work, 1);
+  }
   // and ends when it has come to this place.
-  void end(const uint8_t* at);
+  void end(const uint8_t* at) {
+    if (nextLook_ == kNever) return;
+    note().work = std::min(note().work + work_, kMuchWork);
+    note().bytes += static_cast<int32_t>(std::min(bytesInBlocks(at), kManyBytes));
+    if (note().bytes >= kManyBytes) forget(isOn_ ? PrefilterUse::kOff : note().use);
+  }
 
   // Attempts in vain, and what takes as long.
-  void addWork(int64_t work) { work_ += work; }
+  void addWork(int32_t work) { work_ = std::min(work_ + work, kMuchWork); }
   // Whether candidates are to be used from this place on.
   bool use(const uint8_t* at) { return work_ < nextLook_ ? isOn_ : decide(at); }
 
@@ -36,7 +52,10 @@ class Prefilter {
   PrefilterNote& note() { return state_.frames[kPrefilterFrame].prefilter; }
   const PrefilterNote& note() const { return state_.frames[kPrefilterFrame].prefilter; }
   const uint8_t* candidateFrom(const uint8_t* at) const;
-  ptrdiff_t bytesInBlocks(const uint8_t* at) const;
+  // What the automaton has to read until the search has come to this place.
+  ptrdiff_t bytesInBlocks(const uint8_t* at) const {
+    return std::min<ptrdiff_t>(at - since_ + Candidates::kBlock, m_.textEnd - since_);
+  }
   bool takesLess(const uint8_t* at) const;
   void make();
   void forget(PrefilterUse use);
@@ -44,12 +63,16 @@ class Prefilter {
   void turnOn(const uint8_t* at);
   void turnOff(PrefilterUse use);
 
+  static constexpr int32_t kNever = INT32_MAX;
+  static constexpr int32_t kMuchWork = 1 << 29;     // work counts so far
+  static constexpr ptrdiff_t kManyBytes = 1 << 17;  // after which texts may have become others
+
   MatchContext& m_;
   ulkRegExpState& state_;
   bool isOn_;
-  int64_t work_;  // since
+  int32_t work_;  // since
   const uint8_t* since_;
-  int64_t nextLook_;  // the work at which to decide anew
+  int32_t nextLook_;  // the work at which to decide anew
   Candidates* candidates_;
 };
 

@@ -11,9 +11,7 @@
 
 namespace ulk {
 
-int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* text, int32_t length) {
-  if (state.trailingLiteral < 0) return length;
-  const RxNode& literal = state.nodes()[state.trailingLiteral];
+int32_t cutBehindLast(const RxNode& literal, const uint8_t* text, int32_t length) {
   const auto byte = static_cast<uint8_t>(byteOf(literal));
   const bool isByte = codeOf(literal) == RX_CHAR;
   const uint8_t* const bytes = isByte ? &byte : stringOf(literal);
@@ -78,7 +76,7 @@ bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
       found = true;
       break;
     }
-    starts_.noteFailure(int64_t{budget} - m_.budget.left());
+    starts_.noteFailure(static_cast<uint32_t>(budget) - static_cast<uint32_t>(m_.budget.left()));
     // Without budget no later start can match.
     if (anchor_ == Anchor::kTextStart || outOfBudget()) break;
   }

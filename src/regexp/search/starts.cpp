@@ -28,14 +28,12 @@ size_t asciiPrefix(const uint8_t* text, size_t length) {
 
 // How far to look before paying, lest a small budget reads a long text. A search for a string has to set up
 // and to look beyond the stride as well, so a long one takes longer strides.
-ptrdiff_t Starts::stride() const {
-  constexpr ptrdiff_t kLeast = 4096;
-  if (m_.textEnd - m_.textStart <= kLeast) return kLeast;
+ptrdiff_t Starts::longStride() const {
   if (!m_.budget.paysExactly())
-    return std::max<ptrdiff_t>(kLeast, m_.budget.left() / std::max(filter().steps, 1));
+    return std::max<ptrdiff_t>(kLeastStride, m_.budget.left() / std::max(filter().steps, 1));
   const bool isString = filter().kind == StartKind::kString || filter().kind == StartKind::kCaselessString;
-  return isString ? std::max<ptrdiff_t>(kLeast, 4 * ptrdiff_t{stringLength(m_.nodes[filter().item])})
-                  : kLeast;
+  return isString ? std::max<ptrdiff_t>(kLeastStride, 4 * ptrdiff_t{stringLength(m_.nodes[filter().item])})
+                  : kLeastStride;
 }
 
 const uint8_t* Starts::characterAfter(const uint8_t* at) const {

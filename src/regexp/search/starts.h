@@ -27,9 +27,9 @@ class Starts {
   }
 
   // To be told of an attempt that has failed, and of its steps.
-  void noteFailure(int64_t steps) {
+  void noteFailure(uint32_t steps) {
     lastFailed_ = true;
-    prefilter_.addWork(kWorkPerAttempt + steps / kStepsPerWork);
+    prefilter_.addWork(kWorkPerAttempt + static_cast<int32_t>(steps / kStepsPerWork));
   }
 
   void noteMatch() { lastFailed_ = false; }
@@ -65,14 +65,16 @@ class Starts {
   Place findPlace(const uint8_t* text, int32_t length) const;
   const uint8_t* payForAll(const uint8_t* at, const uint8_t* end);
   void pay(int64_t steps) { m_.budget.pay(steps); }
-  ptrdiff_t stride() const;
+  ptrdiff_t stride() const { return m_.textEnd - m_.textStart <= kLeastStride ? kLeastStride : longStride(); }
+  ptrdiff_t longStride() const;
   const uint8_t* strideFrom(const uint8_t* at) const {
     return m_.textEnd - at > stride_ ? at + stride_ : m_.textEnd;
   }
 
+  static constexpr ptrdiff_t kLeastStride = 4096;
   static constexpr int32_t kWorkPerHit = 4;  // of the filter that turns out to be in vain
   static constexpr int32_t kWorkPerAttempt = 2;
-  static constexpr int32_t kStepsPerWork = 2;
+  static constexpr uint32_t kStepsPerWork = 2;
   static constexpr int32_t kBytesPerWork = 4;  // looked at one by one
 
   MatchContext& m_;
