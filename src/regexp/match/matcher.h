@@ -35,8 +35,10 @@ enum class Outcome : int32_t {
 };
 
 #if defined(__i386__)
+#define ULK_IN_REGISTERS __attribute__((regparm(3)))
 #define ULK_STEP __attribute__((regparm(2))) Outcome
 #else
+#define ULK_IN_REGISTERS
 #define ULK_STEP Outcome
 #endif
 using StepFunction = ULK_STEP (*)(const uint8_t* at, const RxNode* node, MatchContext& m);

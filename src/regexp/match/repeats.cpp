@@ -152,13 +152,13 @@ ULK_STEP stepGreedyShorthand(const uint8_t* at, const RxNode* node, MatchContext
 ULK_STEP stepGreedyClass(const uint8_t* at, const RxNode* node, MatchContext& m) {
   const RxNode* const quantifier = afterClass(node);
   const uint8_t* const end = at + std::min(maxOf(*quantifier), m.remaining(at));
-  return tryBytes(at, node, quantifier, m, behindSet(*node, at, end), end);
+  return tryBytes(at, node, quantifier, m, behindBytes(at, end, *recordOf(*node)), end);
 }
 
 ULK_STEP stepGreedyProperty(const uint8_t* at, const RxNode* node, MatchContext& m) {
   const RxNode* const quantifier = node + 1;
   const uint8_t* const end = at + std::min(maxOf(*quantifier), m.remaining(at));
-  return tryBytes(at, node, quantifier, m, behindSet(*node, at, end), end);
+  return tryBytes(at, node, quantifier, m, behindBytes(at, end, *recordOf(*node)), end);
 }
 
 ULK_STEP stepGreedyItem(const uint8_t* at, const RxNode* node, MatchContext& m) {

@@ -6,26 +6,19 @@
 #include "regexp/match/items.h"
 #include "regexp/match/steps.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
-// The end of the bytes below 0x80 in [at, end) that `accepts` tells of.
-template <class Accepts>
-ULK_INLINE const uint8_t* behindBytes(const uint8_t* at, const uint8_t* end, Accepts accepts) {
-  while (at < end && *at < 0x80 && accepts(*at)) ++at;
-  return at;
-}
+// Where the bytes end that begin what a repeat takes at `at`: ASCII characters of a shorthand, or of the set
+// of a class or property. Functions of their own, whose loops keep all they need in registers.
+ULK_IN_REGISTERS const uint8_t* behindBytes(const uint8_t* at, const uint8_t* end, const uint8_t* sets,
+                                            uint8_t wanted);
+ULK_IN_REGISTERS const uint8_t* behindBytes(const uint8_t* at, const uint8_t* end, const Set128& set);
 
-// Where the bytes end that begin what a repeat of a shorthand, or of a class or property, takes at `at`.
 ULK_INLINE const uint8_t* behindShorthand(const MatchContext& m, const RxNode& item, const uint8_t* at,
                                           const uint8_t* end) {
-  const uint8_t* const sets = m.byteSets;
-  const uint8_t wanted = byteSetOf(item, m.options);
-  return behindBytes(at, end, [=](uint8_t byte) { return (sets[byte] & wanted) != 0; });
-}
-
-ULK_INLINE const uint8_t* behindSet(const RxNode& item, const uint8_t* at, const uint8_t* end) {
-  const Set128* const set = recordOf(item);
-  return behindBytes(at, end, [=](uint8_t byte) { return set->contains(byte); });
+  return behindBytes(at, end, m.byteSets, byteSetOf(item, m.options));
 }
 
 // As many items as the quantifier allows; fewer than it requires if there are no more.
@@ -37,7 +30,7 @@ ULK_INLINE Taken takeAll(const MatchContext& m, const RxNode* item, const RxNode
   if (stepOf(*item) == Step::kGreedyShorthand) {
     behind = behindShorthand(m, *item, at, end);
   } else if (stepOf(*item) == Step::kGreedyClass || stepOf(*item) == Step::kGreedyProperty) {
-    behind = behindSet(*item, at, end);
+    behind = behindBytes(at, end, *recordOf(*item));
   } else {
     return takeItems(m, *item, at, std::max(minOf(quantifier), most));
   }
@@ -46,3 +39,5 @@ ULK_INLINE Taken takeAll(const MatchContext& m, const RxNode* item, const RxNode
 }
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -15,6 +15,14 @@ namespace ulk {
 
 namespace {
 
+// The first byte in [at, end) that is in the set or not below 0x80. A function of its own, which keeps all it
+// needs in registers.
+__attribute__((noinline)) const uint8_t* passAsciiOutside(const uint8_t* at, const uint8_t* end,
+                                                          const ByteSet256& set) {
+  while (at < end && *at < 0x80 && !set.contains(*at)) ++at;
+  return at;
+}
+
 // How many bytes at the start are below 0x80.
 size_t asciiPrefix(const uint8_t* text, size_t length) {
   size_t i = 0;
@@ -114,8 +122,14 @@ int32_t Starts::find(const uint8_t* at, int32_t length) const {
 // The first position in [at, end) with a byte of the set, the next one from `end` on if there is none. Pays
 // for those before it.
 const uint8_t* Starts::passOutsideSet(const uint8_t* at, const uint8_t* end) {
-  int32_t starts = 0;
-  for (; at < end && !set().contains(*at); ++starts) at = *at < 0x80 ? at + 1 : characterAfter(at);
+  const uint8_t* const from = at;
+  ptrdiff_t further = 0;  // bytes of characters beyond the first
+  while ((at = passAsciiOutside(at, end, set())) < end && !set().contains(*at)) {
+    const uint8_t* const next = characterAfter(at);
+    further += next - at - 1;
+    at = next;
+  }
+  const auto starts = static_cast<int32_t>(at - from - further);
   prefilter_.addWork(starts / kBytesPerWork);
   pay(int64_t{starts} * filter().steps);
   return at;
@@ -259,7 +273,7 @@ bool Starts::passPairless(const uint8_t*& at, const uint8_t* end) {
 }
 
 // Moves `at` to the first position in [at, end) that passes the filter; false if there is none.
-bool Starts::passFiltered(const uint8_t*& at, const uint8_t* end) {
+ULK_INLINE bool Starts::passFiltered(const uint8_t*& at, const uint8_t* end) {
   constexpr ptrdiff_t kNear = 8;
   switch (filter().kind) {
     case StartKind::kBoundary:
