@@ -33,6 +33,7 @@ ULK_INLINE void payForTries(MatchContext& m, const Follow& follow, int32_t tries
 // if that one's sequence reaches here, and is a character by itself if not.
 const uint8_t* previousCharacter(const uint8_t* from, const uint8_t* at) {
   const uint8_t* lead = at - 1;
+  if (*lead < 0x80) return lead;
   while (lead > from && at - lead < 6 && isContinuation(*lead)) --lead;
   return lead + decodeUtf8(lead).length == at ? lead : at - 1;
 }
@@ -72,12 +73,30 @@ ULK_INLINE void giveBack(const MatchContext& m, Greedy& greedy) {
   --greedy.spare;
 }
 
+// The same for many bytes at a time, until what follows may begin there, for which it must have this byte.
+__attribute__((noinline)) bool giveBackToByte(const MatchContext& m, Greedy& greedy, const Follow& follow,
+                                              uint8_t byte) {
+  const uint8_t* const least = greedy.at - greedy.spare;
+  do {
+    const int32_t last = findUnitRev(least, greedy.spare, byte);
+    greedy.spare = std::max(last, 0);
+    greedy.at = least + greedy.spare;
+    if (last < 0) return false;
+  } while (!follow.admits(m, greedy.at));
+  return true;
+}
+
 // Takes back items until what follows may begin where the repeat then ends. False when it cannot.
 ULK_INLINE bool giveBackToFollow(MatchContext& m, Greedy& greedy, const Follow& follow) {
+  constexpr int32_t kMany = 12;
   const int32_t spare = greedy.spare;
   bool found = false;
+  int32_t only;
   if (follow.note.disjoint()) {
     greedy.spare = 0;  // wherever the repeat ends earlier, one of its items is next
+  } else if (spare >= kMany && greedy.kind == ChoiceKind::kGreedyBytes &&
+             (only = onlyByte(*follow.set)) >= 0) {
+    found = giveBackToByte(m, greedy, follow, static_cast<uint8_t>(only));
   } else {
     while (greedy.spare > 0 && !found) {
       giveBack(m, greedy);

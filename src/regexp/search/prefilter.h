@@ -28,7 +28,8 @@ class Prefilter {
     work_ = 0;
     since_ = m_.textStart;
     nextLook_ = kNever;
-    if (!filter.hasFrames || filter.anchor != Anchor::kNone || m_.budget.paysExactly()) return;
+    if (m_.textStart == m_.textEnd || m_.budget.paysExactly()) return;
+    if (!filter.hasFrames || filter.anchor != Anchor::kNone) return;
     if (note().use == PrefilterUse::kOn) return turnOn(m_.textStart);
     if (note().use != PrefilterUse::kUseless) nextLook_ = std::max(note().look - note().work, 1);
   }

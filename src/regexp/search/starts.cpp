@@ -267,6 +267,7 @@ Place Starts::findPlace(const uint8_t* text, int32_t length) const {
 bool Starts::passPairless(const uint8_t*& at, const uint8_t* end) {
   const Place place = findPlace(at, static_cast<int32_t>(end - at));
   if (place.at == 0 && !place.found) return passFar(at, end);
+  prefilter_.addWork(place.at / kBytesPerWorkOfScan);
   at = payForAll(at, at + place.at);
   pay(int64_t{place.singles} * pair().extraSteps);
   return place.found;

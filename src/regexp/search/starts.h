@@ -75,7 +75,8 @@ class Starts {
   static constexpr int32_t kWorkPerHit = 4;  // of the filter that turns out to be in vain
   static constexpr int32_t kWorkPerAttempt = 2;
   static constexpr uint32_t kStepsPerWork = 2;
-  static constexpr int32_t kBytesPerWork = 4;  // looked at one by one
+  static constexpr int32_t kBytesPerWork = 4;         // looked at one by one,
+  static constexpr int32_t kBytesPerWorkOfScan = 64;  // many at a time
 
   MatchContext& m_;
   const ulkRegExpState& state_;
