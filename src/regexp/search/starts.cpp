@@ -158,6 +158,7 @@ const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) 
       starts += place.at;
       boundaries += place.singles;
       at += place.at;
+      prefilter_.addWork(place.at / kBytesPerWorkOfScan);
       if (place.found) break;
       inWord = inByteSet(at[-1], kWord);
     }
