@@ -5,6 +5,7 @@
 
 #include "kernels/find_unit.h"
 #include "regexp/match/steps.h"
+#include "regexp/match/take.h"
 #include "unicode/unicode.h"
 
 namespace ulk {
@@ -47,15 +48,15 @@ int32_t sequenceLength(const MatchContext& m, const uint8_t* at) {
   return static_cast<int32_t>(end - at);
 }
 
-// Takes up to `most` characters; `accepts` tells for those below 0x80, which are single bytes.
-template <class Accepts>
+// Takes up to `most` characters; `behind` tells where those below 0x80 end, which are single bytes.
+template <class Behind>
 Taken takeCharacters(const MatchContext& m, const RxNode& item, const uint8_t* const start, int32_t most,
-                     Accepts accepts) {
+                     Behind behind) {
   const uint8_t* at = start;
   const uint8_t* end = at + std::min<ptrdiff_t>(most, m.textEnd - at);
   ptrdiff_t further = 0;  // bytes of characters beyond the first
   for (;;) {
-    while (at < end && *at < 0x80 && accepts(*at)) ++at;
+    at = behind(at, end);
     if (at >= end || *at < 0x80) break;
     const int32_t length = itemLength(m, item, at);
     if (length == kNoMatch) break;
@@ -123,11 +124,14 @@ Taken takeItems(const MatchContext& m, const RxNode& item, const uint8_t* at, in
   const Set128* const set = isProperty(item)           ? recordOf(item)
                             : codeOf(item) == RX_CLASS ? classSet(item, options)
                                                        : nullptr;
-  if (set) return takeCharacters(m, item, at, most, [set](uint8_t byte) { return set->contains(byte); });
-  if (codeOf(item) == RX_CHARTYPE) {
-    const uint8_t wanted = byteSetOf(item, options);
-    return takeCharacters(m, item, at, most, [wanted](uint8_t byte) { return inByteSet(byte, wanted); });
-  }
+  if (set)
+    return takeCharacters(m, item, at, most, [set](const uint8_t* from, const uint8_t* end) {
+      return behindBytes(from, end, *set);
+    });
+  if (codeOf(item) == RX_CHARTYPE)
+    return takeCharacters(m, item, at, most, [&](const uint8_t* from, const uint8_t* end) {
+      return behindShorthand(m, item, from, end);
+    });
   int32_t count = 0;
   for (; count < most; ++count) {
     const int32_t length = itemLength(m, item, at);

@@ -1,6 +1,7 @@
 // Items: the nodes that consume text, each tested at one position.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "regexp/match/matcher.h"
@@ -36,6 +37,11 @@ struct Taken {
   const uint8_t* end;
   int32_t count;
 };
+
+// As many items as the quantifier allows there, also where the text is too short for what it requires.
+inline int32_t mostItems(const MatchContext& m, const RxNode& quantifier, const uint8_t* at) {
+  return std::max(minOf(quantifier), std::min(maxOf(quantifier), m.remaining(at)));
+}
 
 // Takes up to `most` items from `at` on.
 Taken takeItems(const MatchContext& m, const RxNode& item, const uint8_t* at, int32_t most);

@@ -15,11 +15,11 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "regexp/text/bytes.h"
 #include "regexp/match/budget.h"
 #include "regexp/match/choices.h"
 #include "regexp/program/program.h"
 #include "regexp/program/state.h"
+#include "regexp/text/bytes.h"
 #include "regexp/text/lengths.h"
 
 namespace ulk {

@@ -138,16 +138,6 @@ ULK_INLINE Outcome tryAll(const RxNode* quantifier, MatchContext& m, Greedy gree
   return tryBehind(quantifier, m, greedy, follow.set != nullptr);
 }
 
-// Goes on behind the bytes that the items of the node are; where there are others, the general step takes
-// them.
-ULK_INLINE Outcome tryBytes(const uint8_t* at, const RxNode* node, const RxNode* quantifier, MatchContext& m,
-                            const uint8_t* behind, const uint8_t* end) {
-  if (behind < end && *behind >= 0x80) return stepGreedyItem(at, node, m);
-  const auto spare = static_cast<int32_t>(behind - at) - minOf(*quantifier);
-  if (spare < 0) return fail(m);
-  return tryAll(quantifier, m, {ChoiceKind::kGreedyBytes, behind, spare, 0});
-}
-
 // What a greedy repeat gives back at a time: bytes where every item was one.
 ChoiceKind greedyKind(const RxNode& item, bool bytes) {
   switch (codeOf(item)) {
@@ -158,6 +148,37 @@ ChoiceKind greedyKind(const RxNode& item, bool bytes) {
     default:
       return bytes ? ChoiceKind::kGreedyBytes : ChoiceKind::kGreedyChars;
   }
+}
+
+// Goes on behind the items that the repeat has taken from `at` to `end`.
+ULK_INLINE Outcome tryItems(const uint8_t* at, const RxNode* node, MatchContext& m, const uint8_t* end,
+                            int32_t count) {
+  const RxNode* const quantifier = afterItem(node);
+  const int32_t least = minOf(*quantifier);
+  if (count < least) return fail(m);
+  const auto length = static_cast<int32_t>(end - at);
+  const bool isBackref = codeOf(*node) == RX_BACKREF && count > 0;
+  const uint32_t start = isBackref ? static_cast<uint32_t>(length / count) : m.offsetOf(at);
+  return tryAll(quantifier, m, {greedyKind(*node, length == count), end, count - least, start});
+}
+
+// Takes further items where bytes alone are no longer enough, which is at m.at.
+__attribute__((noinline)) ULK_STEP takeFurther(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  const auto bytes = static_cast<int32_t>(m.at - at);
+  const Taken further = takeItems(m, *node, m.at, mostItems(m, *afterItem(node), at) - bytes);
+  return tryItems(at, node, m, further.end, bytes + further.count);
+}
+
+// Goes on behind the bytes that the first items are.
+ULK_INLINE Outcome tryBytes(const uint8_t* at, const RxNode* node, const RxNode* quantifier, MatchContext& m,
+                            const uint8_t* behind, const uint8_t* end) {
+  if (behind < end && *behind >= 0x80) {
+    m.at = behind;
+    return takeFurther(at, node, m);
+  }
+  const auto spare = static_cast<int32_t>(behind - at) - minOf(*quantifier);
+  if (spare < 0) return fail(m);
+  return tryAll(quantifier, m, {ChoiceKind::kGreedyBytes, behind, spare, 0});
 }
 
 }  // namespace
@@ -181,16 +202,8 @@ ULK_STEP stepGreedyProperty(const uint8_t* at, const RxNode* node, MatchContext&
 }
 
 ULK_STEP stepGreedyItem(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  const RxNode* const quantifier = afterItem(node);
-  const int32_t least = minOf(*quantifier);
-  const int32_t most = std::min(maxOf(*quantifier), m.remaining(at));
-  const Taken taken = takeItems(m, *node, at, std::max(least, most));
-  if (taken.count < least) return fail(m);
-  const auto length = static_cast<int32_t>(taken.end - at);
-  const bool isBackref = codeOf(*node) == RX_BACKREF && taken.count > 0;
-  const uint32_t start = isBackref ? static_cast<uint32_t>(length / taken.count) : m.offsetOf(at);
-  return tryAll(quantifier, m,
-                {greedyKind(*node, length == taken.count), taken.end, taken.count - least, start});
+  const Taken taken = takeItems(m, *node, at, mostItems(m, *afterItem(node), at));
+  return tryItems(at, node, m, taken.end, taken.count);
 }
 
 namespace {

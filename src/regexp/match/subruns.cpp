@@ -6,7 +6,6 @@
 #include <algorithm>
 
 #include "regexp/match/group.h"
-#include "regexp/match/take.h"
 #include "regexp/text/utf8.h"
 
 namespace ulk {
@@ -279,7 +278,7 @@ ULK_STEP stepAtomicRepeat(const uint8_t* at, const RxNode* node, MatchContext& m
     return fail(m);
   }
   m.budget.payStep();
-  const Taken taken = takeAll(m, item, quantifier, at);
+  const Taken taken = takeItems(m, *item, at, mostItems(m, quantifier, at));
   return taken.count < minOf(quantifier) ? fail(m) : goOn(taken.end, endOf(node) + 1, m);
 }
 
