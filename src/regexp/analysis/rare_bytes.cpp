@@ -74,7 +74,8 @@ bool findRarePair(const PositionAutomaton& automaton, RarePair& pair) {
   int32_t first = kNone;
   int32_t second = kNone;
   PositionSet positions = automaton.first;
-  for (int32_t at = 0; at < kMaxDistance && !(positions & automaton.atEnd); ++at) {
+  pair.mayEnd = false;
+  for (int32_t at = 0; at < kMaxDistance; ++at) {
     const ByteSet256 bytes = bytesOf(automaton, positions);
     const int32_t frequency = frequencyOf(bytes);
     SmallSet small;
@@ -92,6 +93,7 @@ bool findRarePair(const PositionAutomaton& automaton, RarePair& pair) {
         second = frequency;
       }
     }
+    if (positions & automaton.atEnd) pair.mayEnd = true;
     if (positions & automaton.accepting) break;
     positions = followOf(automaton, positions);
   }

@@ -10,6 +10,7 @@ namespace ulk {
 
 // Two at fixed distances from the start of the match.
 struct RarePair {
+  bool mayEnd;  // the text may end before or where they would stand
   int32_t firstAt;
   int32_t secondAt;
   SmallSet first;

@@ -138,8 +138,10 @@ bool Candidates::readToRequired(const uint8_t* begin) {
 // ---- The pair
 
 const uint8_t* Candidates::nextPair(const uint8_t* at) const {
-  const ptrdiff_t places = textEnd_ - at - std::max(pair_.firstAt, pair_.secondAt);
-  if (places <= 0) return std::max(at, textEnd_);
+  const int32_t distance = std::max(pair_.firstAt, pair_.secondAt);
+  const uint8_t* const none = std::max(at, textEnd_ - (pair_.mayEnd ? distance : 0));
+  const ptrdiff_t places = textEnd_ - at - distance;
+  if (places <= 0) return none;
   const int32_t found = withSmallSet(pair_.first, [&](auto first) {
     return withSmallSet(pair_.second, [&](auto second) {
       TwoSetsProbe<decltype(first), decltype(second)> probe{at + pair_.firstAt, at + pair_.secondAt, first,
@@ -147,7 +149,7 @@ const uint8_t* Candidates::nextPair(const uint8_t* at) const {
       return scan<Forward>(at, static_cast<size_t>(places), probe);
     });
   });
-  return found < 0 ? textEnd_ : at + found;
+  return found < 0 ? none : at + found;
 }
 
 }  // namespace ulk
