@@ -52,6 +52,8 @@ Step StepChooser::item(int32_t index) const {
       return Step::kShorthand;
     case RX_CLASS:
       return hasOneSet(node) ? Step::kClass : Step::kItem;
+    case RX_BACKREF:
+      return Step::kBackref;
     default:
       return isProperty(node) && recordOf(node) ? Step::kProperty : Step::kItem;
   }

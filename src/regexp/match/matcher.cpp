@@ -27,6 +27,7 @@ constinit const std::array<StepFunction, static_cast<size_t>(Step::kCount)> kSte
   set(Step::kShorthand, stepShorthand);
   set(Step::kClass, stepClass);
   set(Step::kProperty, stepProperty);
+  set(Step::kBackref, stepBackref);
   set(Step::kItem, stepItem);
   set(Step::kGreedyShorthand, stepGreedyShorthand);
   set(Step::kGreedyClass, stepGreedyClass);

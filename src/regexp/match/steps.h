@@ -81,6 +81,7 @@ ULK_STEP stepLetter(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepShorthand(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepClass(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepProperty(const uint8_t* at, const RxNode* node, MatchContext& m);
+ULK_STEP stepBackref(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepItem(const uint8_t* at, const RxNode* node, MatchContext& m);
 
 // assertions.cpp

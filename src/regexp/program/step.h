@@ -15,6 +15,7 @@ enum class Step : uint8_t {
   kShorthand,
   kClass,
   kProperty,
+  kBackref,
   kItem,  // any other, and those that options change
   // Quantified items
   kGreedyShorthand,

@@ -282,7 +282,7 @@ ULK_INLINE bool Starts::passFiltered(const uint8_t*& at, const uint8_t* end) {
       at = passNonBoundaries(at, end);
       return at < end;
     case StartKind::kSet:
-      at = passOutsideSet(at, end);
+      if (!set().contains(*at)) at = passOutsideSet(at, end);
       return at < end;
     default:
       break;
@@ -290,6 +290,7 @@ ULK_INLINE bool Starts::passFiltered(const uint8_t*& at, const uint8_t* end) {
   if (filter().hasPair) return passPairless(at, end);
   // In words and numbers the next start is not far.
   if (filter().small.form == SmallSetForm::kRanges) {
+    if (set().contains(*at)) return true;
     const uint8_t* const near = end - at > kNear ? at + kNear : end;
     at = passOutsideSet(at, near);
     if (at < near) return true;
