@@ -13,9 +13,8 @@ enum class Text { kLog, kProse, kSource, kManual, kChangelog };
 
 // Contestants that a row goes without: what they cannot express, and where they rightly find something else.
 enum : unsigned {
-  kRe2 = 1,    // neither lookaround nor references to groups nor atomic groups
-  kOnig = 2,   // knows `\z` alone as an end that is no line's
-  kBoost = 4,  // reads bytes, no characters
+  kRe2 = 1,    // has neither lookaround nor references to groups nor atomic groups
+  kBoost = 2,  // reads bytes, no characters
 };
 
 struct Expression {
