@@ -27,7 +27,7 @@ FAMILIES = [
     Family("Expressions: all matches in 1 MiB", r"regexp/text_1_MiB/", r"", columns=True),
     Family("Expressions: the first match in each short line", r"regexp/lines/", r"", columns=True),
     Family("Expressions: compiling", r"regexp/compile/", r"", columns=True),
-    Family("Expressions: compiling 10 KB", r"regexp/compile_long/", r""),
+    Family("Expressions: compiling 10 KB", r"regexp/compile_long/", r"", columns=True),
     Family("Replacement in 1 MiB", r"replace/", r""),
     Family("Sets of expressions over 1 MiB", r"sets/[a-z]+/(first|all)/", r""),
     Family("Sets of expressions over 64 KiB and over lines", r"sets/mixed/[0-9]", r""),
