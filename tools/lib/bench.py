@@ -6,11 +6,14 @@ import shutil
 import subprocess
 import sys
 
+import bench_texts
 import performance_page
 from bench_results import ROOT, Results, facts, load
 
 ARCHITECTURES = {"linux-i686": "i386", "linux-x86_64": "amd64"}
-PACKAGES = ["libbenchmark-dev", "libbenchmark1debian", "libpcre2-dev", "libre2-dev", "libicu-dev", "libhyperscan-dev"]
+LIBRARIES = ["libbenchmark-dev", "libbenchmark1debian", "libpcre2-dev", "libre2-dev", "libonig-dev", "libonig5",
+             "libboost1.74-dev", "libboost-regex1.74-dev", "libicu-dev", "libhyperscan-dev"]
+PACKAGES = LIBRARIES + bench_texts.PACKAGES
 
 
 def tell(message):
@@ -24,8 +27,15 @@ def run(*command, cwd=ROOT):
 def fetch_packages(architecture, home):
     """Unpacks the packages for an architecture into a folder below `home`, with lists of apt's own there."""
     unpacked = home / "unpacked"
-    if unpacked.exists():
+    contents = unpacked / "packages"
+    if contents.exists() and contents.read_text().split() == PACKAGES:
         return unpacked
+    partly = home / "partly_unpacked"
+    with_texts = home / "partly_unpacked_texts"  # apart: headers of a kernel are among them
+    for folder in (unpacked, partly, with_texts):
+        shutil.rmtree(folder, ignore_errors=True)
+    for package in home.glob("*.deb"):
+        package.unlink()
     (home / "lists" / "partial").mkdir(parents=True, exist_ok=True)
     mirrors = subprocess.run(["apt-get", "indextargets", "--format", "$(SITE)", "Codename: bookworm", "Label: Debian"],
                              capture_output=True, text=True).stdout.split()
@@ -38,9 +48,12 @@ def fetch_packages(architecture, home):
     apt = ["apt-get", "-q"] + [f"-o{name}={value}" for name, value in options.items()]
     run(*apt, "update", cwd=home)
     run(*apt, "download", *PACKAGES, cwd=home)
-    partly = home / "partly_unpacked"
     for package in home.glob("*.deb"):
-        run("dpkg-deb", "-x", package, partly)
+        is_text = package.name.split("_")[0] in bench_texts.PACKAGES
+        run("dpkg-deb", "-x", package, with_texts if is_text else partly)
+    bench_texts.write(with_texts, partly / "texts")
+    shutil.rmtree(with_texts)
+    (partly / contents.name).write_text("\n".join(PACKAGES))
     partly.rename(unpacked)
     return unpacked
 

@@ -63,9 +63,9 @@ class Results:
                                for contestant, time in contestants.items())
 
     def print_table(self, out):
-        print(f"{'row':40} {'ns':>12} {'GB/s':>7}  peers: ns (theirs / ours)", file=out)
+        print(f"{'row':46} {'ns':>12} {'GB/s':>7}  peers: ns (theirs / ours)", file=out)
         for name, contestants in self.rows.items():
             ours = contestants[OURS]
             peers = "  ".join(f"{peer} {theirs.ns:.1f} ({theirs.ns / ours.ns:.2f})"
                               for peer, theirs in contestants.items() if peer != OURS)
-            print(f"{name:40} {ours.ns:12.1f} {ours.bytes_per_second / 1e9:7.2f}  {peers}", file=out)
+            print(f"{name:46} {ours.ns:12.1f} {ours.bytes_per_second / 1e9:7.2f}  {peers}", file=out)

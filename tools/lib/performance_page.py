@@ -10,8 +10,8 @@ PAGE = ROOT / "docs" / "performance.md"
 PLOTS = ROOT / "docs" / "plots"
 TWO_THREADS = "ulkch_2_threads"  # ours as well, so no peer
 
-# A family: the rows that belong to it, and those of them that its table shows.
-Family = collections.namedtuple("Family", "title rows shown")
+# A family: the rows that belong to it, those of them that its table shows, and whether each peer has a column there.
+Family = collections.namedtuple("Family", "title rows shown columns", defaults=[False])
 FAMILIES = [
     Family("Search for a unit", r"find(_rev)?_c(_z)?/", r"absent/(16|256|4096|65536)$"),
     Family("Search for a string", r"find(_rev)?/", r"english/(3|8|16)/(64|65536)|(random/4|/a-b/64)/65536"),
@@ -23,10 +23,11 @@ FAMILIES = [
     Family("Editing", r"(insert|remove|replace_c)", r"16/(32|1024|65536)$|replace_c/.*/(16|256|65536)$"),
     Family("Joining and splitting", r"(concat|split)", r"16\+5|256\+256|65536\+65536|(words|even30|sentences)/\d{4,}"),
     Family("UTF conversion", r"utf_", r"/(32|65536)$"),
-    Family("Expressions: all matches in 64 KiB", r"regexp/text/", r""),
-    Family("Expressions: the first match in each short line", r"regexp/lines/", r""),
-    Family("Expressions: compiling", r"regexp/compile/", r""),
-    Family("Expressions: compiling 10 KB", r"regexp/compile_long/", r""),
+    Family("Expressions: all matches in 64 KiB", r"regexp/text/", r"", columns=True),
+    Family("Expressions: all matches in 1 MiB", r"regexp/text_1_MiB/", r"", columns=True),
+    Family("Expressions: the first match in each short line", r"regexp/lines/", r"", columns=True),
+    Family("Expressions: compiling", r"regexp/compile/", r"", columns=True),
+    Family("Expressions: compiling 10 KB", r"regexp/compile_long/", r"", columns=True),
     Family("Replacement in 1 MiB", r"replace/", r""),
     Family("Sets of expressions over 1 MiB", r"sets/[a-z]+/(first|all)/", r""),
     Family("Sets of expressions over 64 KiB and over lines", r"sets/mixed/[0-9]", r""),
@@ -100,6 +101,8 @@ class Page:
 
     def family(self, family):
         rows = {name: times for name, times in self.of(family.rows).items() if re.search(family.shown, name)}
+        if family.columns:
+            return f"### {family.title}\n\n" + self.ratio_columns(rows)
         lines = []
         for name, times in rows.items():
             ours = times[OURS]
@@ -107,6 +110,13 @@ class Page:
                                for contestant, theirs in times.items() if contestant != OURS)
             lines.append([f"`{name}`", time_text(ours.ns), rate_text(ours.bytes_per_second), others])
         return f"### {family.title}\n\n" + table(["Row", OURS, "Rate", "Peers (their time / ours)"], lines)
+
+    def ratio_columns(self, rows):
+        peers = self.contestants(rows)
+        lines = [[f"`{name}`", time_text(times[OURS].ns), rate_text(times[OURS].bytes_per_second)] +
+                 [f"{times[peer].ns / times[OURS].ns:.2f}" if peer in times else "" for peer in peers]
+                 for name, times in rows.items()]
+        return table(["Row", OURS, "Rate", *peers], lines)
 
     def families(self):
         return "\n\n".join(self.family(family) for family in FAMILIES)
@@ -132,7 +142,7 @@ class Page:
                 for contestant in [OURS, *self.contestants(rows)]]
         gnuplot(name, "set style data histogram\nset style histogram clustered gap 1\nset style fill solid\n"
                 "set logscale y\nset xtics rotate by -55\nset key outside top horizontal\n"
-                f"set ylabel '{ylabel}'\n", data, "using 2:xtic(1)")
+                f"set ylabel '{ylabel}'\n", data, "using 2:xtic(1)", width=max(960, 5 * len(rows) * len(data)))
 
     def plots(self):
         def megabytes(time):
@@ -149,12 +159,12 @@ def label(row):
     return re.sub(r"^(regexp/text|replace|sets)/|/4096$", "", row)
 
 
-def gnuplot(name, settings, data, style):
+def gnuplot(name, settings, data, style, width=960):
     """Draws named series of points."""
     blocks = "".join(f"$data{i} << END\n" + "".join(f"{x} {y}\n" for x, y in points) + "END\n"
                      for i, (_, points) in enumerate(data))
     plot = ", ".join(f"$data{i} {style} title '{title}'" for i, (title, _) in enumerate(data))
-    script = ("set terminal svg noenhanced size 960,480 font 'sans-serif,12' background 'white'\n"
+    script = (f"set terminal svg noenhanced size {width},480 font 'sans-serif,12' background 'white'\n"
               f"set output '{PLOTS / name}.svg'\nset grid ytics\n{settings}{blocks}plot {plot}\n")
     subprocess.run(["gnuplot"], input=script, text=True, check=True)
 
