@@ -223,10 +223,10 @@ bool Builder::takeWordsOnly(PositionSet positions) const {
   return positions == 0;
 }
 
-// A node that the program ends with. Where a match can be empty, what a lookahead asks for would hide that.
+// A node that the program ends with.
 Part Builder::last(int32_t node, const Part& before, uint32_t options) {
   if (codeOf(nodes_[node]) == RX_ASSERT) return lastAssertion(assertionOf(nodes_[node]), before);
-  if (codeOf(nodes_[node]) == RX_LOOKAHEAD && !before.nullable) return group(node, options);
+  if (codeOf(nodes_[node]) == RX_LOOKAHEAD) return group(node, options);
   return piece(node, options);
 }
 
@@ -301,12 +301,11 @@ bool Builder::build(uint32_t options) {
     options = static_cast<uint32_t>(newOptions(nodes_[node]));
   for (int32_t i = node; i < numNodes_; i = nextNode(nodes_, i))
     if (codeOf(nodes_[i]) == RX_OPTIONS) return false;
-  const Part whole = alternatives(node, numNodes_, kTopLevel, options);
-  if (whole.nullable || whole.accepts || !whole.first) return false;
-  const Part before = lookbehind(node, options);
-  automaton_.first = joined(before, whole).first;
+  const Part match = alternatives(node, numNodes_, kTopLevel, options);
+  const Part whole = joined(lookbehind(node, options), match);
+  automaton_.first = whole.first;
   automaton_.accepting |= whole.last;
-  return true;
+  return !whole.nullable && !whole.accepts && whole.first;
 }
 
 }  // namespace

@@ -30,8 +30,8 @@ struct PositionAutomaton {
   ByteSet256 bytes[kMaxPositions];
 };
 
-// Makes the automaton of an analysed program. False if it would tell nothing, because a match can be empty as
-// far as is known.
+// Makes the automaton of an analysed program. False if it would tell nothing, because what it asks for can be
+// empty as far as is known.
 bool makeAutomaton(const ulkRegExpState& state, PositionAutomaton& automaton);
 
 }  // namespace ulk

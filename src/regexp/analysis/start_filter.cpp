@@ -194,7 +194,6 @@ bool describeAssertion(const ulkRegExpState& state, StartFilter& filter) {
   const RxNode* const quantifier = quantifierOf(nodes, state.numNodes, first);
   if (quantifier && minOf(*quantifier) == 0) return false;
   filter.kind = kindOfAssertion(assertionOf(nodes[first]), options);
-  filter.ascii = true;
   filter.steps = first + 1;
   filter.options = static_cast<uint8_t>(options);
   return filter.kind != StartKind::kAny;
@@ -225,7 +224,6 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   // Of the bytes of a run one is at a word boundary.
   if (filter.kind != StartKind::kBoundary)
     filter.run = runOf(nodes, state.numNodes, filter.item, filter.options);
-  filter.ascii = !hasHighBytes(items.set);
   filter.literals = beginsWithLiterals(state, filter);
   if (filter.kind != StartKind::kAny) state.frames[kStartSetFrame].bytes = items.set;
   StartPair& pair = state.frames[kStartPairFrame].pair;

@@ -90,7 +90,6 @@ struct StartFilter {
   uint8_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
   bool hasFrames : 1;  // the frames named below belong to no group
   bool literals : 1;   // there are several ways to begin, each with a literal, which the pair's frame tells
-  bool ascii : 1;      // no match begins with a byte from 0x80 on
   bool hasPair : 1;    // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
   WindowState window : 2;
   SmallSet small;         // the set, where it is one

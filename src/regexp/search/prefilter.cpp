@@ -78,6 +78,7 @@ const uint8_t* Prefilter::candidateFrom(const uint8_t* at) const {
 }
 
 const uint8_t* Prefilter::next(const uint8_t* at) {
+  if (m_.nonEmpty) return at;  // what is searched then ends behind the next byte
   const uint8_t* candidate = candidateFrom(at);
   if (state_.format == kFormatUtf8) {
     const uint8_t* start;

@@ -37,8 +37,8 @@ class Prefilter {
   void end(const uint8_t* at) {
     if (nextLook_ == kNever) return;
     note().work = std::min(note().work + work_, kMuchWork);
-    note().bytes += static_cast<int32_t>(std::min(bytesInBlocks(at), kManyBytes));
-    if (note().bytes >= kManyBytes) forget(isOn_ ? PrefilterUse::kOff : note().use);
+    note().bytes += static_cast<int32_t>(std::min(bytesInBlocks(at), kMostBytes));
+    if (note().bytes >= (isOn_ ? kMostBytes : kManyBytes)) forget(isOn_ ? PrefilterUse::kOff : note().use);
   }
 
   // Attempts in vain, and what takes as long.
@@ -66,7 +66,8 @@ class Prefilter {
 
   static constexpr int32_t kNever = INT32_MAX;
   static constexpr int32_t kMuchWork = 1 << 29;     // work counts so far
-  static constexpr ptrdiff_t kManyBytes = 1 << 17;  // after which texts may have become others
+  static constexpr ptrdiff_t kManyBytes = 1 << 17;  // after which texts may have become others,
+  static constexpr ptrdiff_t kMostBytes = 1 << 20;  // and where candidates have proved good
 
   MatchContext& m_;
   ulkRegExpState& state_;

@@ -67,14 +67,14 @@ int32_t Starts::passCharacters(const uint8_t*& at, const uint8_t* end) {
 }
 
 // Pays for the attempts at all positions in [at, end), and returns the next one. There are fewer than bytes
-// where characters are counted; where a match begins with an ASCII byte it is the beginning of one anyway.
+// where characters are counted.
 const uint8_t* Starts::payForAll(const uint8_t* at, const uint8_t* end) {
   int64_t starts = end - at;
   if (state_.format != kFormatUtf8) {
     pay(starts * filter().steps);
     return end;
   }
-  if (filter().ascii && !m_.budget.paysExactly()) {
+  if (!m_.budget.paysExactly()) {
     m_.budget.payBound(starts * filter().steps);
     return end < m_.textEnd && *end < 0x80 ? end : characterFrom(end, at);
   }
