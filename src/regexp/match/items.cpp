@@ -48,21 +48,24 @@ int32_t sequenceLength(const MatchContext& m, const uint8_t* at) {
   return static_cast<int32_t>(end - at);
 }
 
-// Takes up to `most` characters; `behind` tells where those below 0x80 end, which are single bytes.
-template <class Behind>
-Taken takeCharacters(const MatchContext& m, const RxNode& item, const uint8_t* const start, int32_t most,
-                     Behind behind) {
+// Takes up to `most` characters: `behind` tells where those below 0x80 end, which are single bytes, `accepts`
+// tells of the others.
+template <class Behind, class Accepts>
+Taken takeCharacters(const MatchContext& m, const uint8_t* const start, int32_t most, Behind behind,
+                     Accepts accepts) {
   const uint8_t* at = start;
   const uint8_t* end = at + std::min<ptrdiff_t>(most, m.textEnd - at);
   ptrdiff_t further = 0;  // bytes of characters beyond the first
-  for (;;) {
-    at = behind(at, end);
-    if (at >= end || *at < 0x80) break;
-    const int32_t length = itemLength(m, item, at);
-    if (length == kNoMatch) break;
-    at += length;
-    further += length - 1;
-    end += std::min<ptrdiff_t>(length - 1, m.textEnd - end);
+  bool goesOn = true;
+  while (goesOn && (at = behind(at, end)) < end && *at >= 0x80) {
+    while (at < end && *at >= 0x80) {
+      const Utf8Char character = decodeMultibyte(at);
+      goesOn = accepts(character, *at);
+      if (!goesOn) break;
+      at += character.length;
+      further += character.length - 1;
+      end += std::min<ptrdiff_t>(character.length - 1, m.textEnd - end);
+    }
   }
   return {at, static_cast<int32_t>(at - start - further)};
 }
@@ -121,16 +124,24 @@ int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at)
 Taken takeItems(const MatchContext& m, const RxNode& item, const uint8_t* at, int32_t most) {
   const uint32_t options = m.options;
   if (isOneByte(item, options)) return takeBytes(m, item, at, most);
+  if (codeOf(item) == RX_CHARTYPE) {
+    const uint8_t wanted = byteSetOf(item, options);
+    return takeCharacters(
+        m, at, most,
+        [&](const uint8_t* from, const uint8_t* end) { return behindBytes(from, end, m.byteSets, wanted); },
+        [wanted](Utf8Char, uint8_t byte) { return inByteSet(byte, wanted); });
+  }
   const Set128* const set = isProperty(item)           ? recordOf(item)
                             : codeOf(item) == RX_CLASS ? classSet(item, options)
                                                        : nullptr;
-  if (set)
-    return takeCharacters(m, item, at, most, [set](const uint8_t* from, const uint8_t* end) {
-      return behindBytes(from, end, *set);
+  const auto behind = [set](const uint8_t* from, const uint8_t* end) { return behindBytes(from, end, *set); };
+  if (set && codeOf(item) == RX_CLASS)
+    return takeCharacters(m, at, most, behind, [&](Utf8Char character, uint8_t byte) {
+      return classAccepts(item, character, byte, options);
     });
-  if (codeOf(item) == RX_CHARTYPE)
-    return takeCharacters(m, item, at, most, [&](const uint8_t* from, const uint8_t* end) {
-      return behindShorthand(m, item, from, end);
+  if (set)
+    return takeCharacters(m, at, most, behind, [&](Utf8Char character, uint8_t) {
+      return propertyAccepts(item, character.value);
     });
   int32_t count = 0;
   for (; count < most; ++count) {
