@@ -39,6 +39,8 @@ const Script* findScript(const char* text) {
   return nullptr;
 }
 
+const Script& scriptOfNumber(int32_t number) { return kScripts[number - 1]; }
+
 int32_t scriptOf(int32_t codePoint) {
   if (codePoint < 0 || codePoint > kLastInScript) return 0;
   constexpr int32_t kBlockSize = 1 << kScriptBlockShift;

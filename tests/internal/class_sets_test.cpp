@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "regexp/analysis/first_bytes.h"
+#include "regexp/program/characters.h"
 #include "support/compiled.h"
 
 namespace ulk {
@@ -124,6 +125,41 @@ TEST(ClassSets, AgreeWithAWalkForRandomMembers) {
     bracketed += "b]";
     SCOPED_TRACE("round " + std::to_string(round));
     ASSERT_NO_FATAL_FAILURE(checkInAllWays(bracketed));
+  }
+}
+
+bool itemAccepts(const RxNode& item, int32_t c, uint32_t options) {
+  return codeOf(item) == RX_CODEPOINT ? codePointAccepts(item, c, options) : propertyAccepts(item, c);
+}
+
+// Code points and properties that are items: the first bytes of what they accept, and where that is little,
+// no others.
+TEST(FirstBytes, AreThoseOfTheCharacters) {
+  const struct {
+    const char* pattern;
+    int32_t highBytes;  // how many, where that is known
+  } kItems[] = {{"\\x{401}", 1},    {"\\x{FFFF}", 1},      {"\\x{1FFFFF}", 1}, {"\\x{3FFFFFF}", 1},
+                {"\\x{7F}", 0},     {"\\x{FFFFFFE9}", -1}, {"\\p{Greek}", 6},  {"\\P{Greek}", -1},
+                {"\\p{Hebrew}", 3}, {"\\p{Any}", 51},      {"\\P{Any}", -1},   {"\\p{Lu}", -1}};
+  for (const auto& known : kItems) {
+    for (const char* const letters : {"", "i"}) {
+      SCOPED_TRACE(std::string(known.pattern) + letters);
+      const auto state = ulk_test::compiled(known.pattern, letters);
+      ASSERT_NE(state, nullptr);
+      const RxNode& item = state->nodes()[0];
+      ByteSet256 first{};
+      addFirstBytes(item, state->options, first);
+      for (const int32_t c : codePoints())
+        EXPECT_TRUE(!itemAccepts(item, c, state->options) || first.contains(static_cast<uint8_t>(utf8(c)[0])))
+            << std::hex << c;
+      int32_t highBytes = 0;
+      for (int32_t byte = 0x80; byte < 0x100; ++byte) {
+        highBytes += first.contains(static_cast<uint8_t>(byte));
+        EXPECT_TRUE(!itemAccepts(item, byte - 0x100, state->options) ||
+                    first.contains(static_cast<uint8_t>(byte)));
+      }
+      EXPECT_TRUE(known.highBytes < 0 || *letters || highBytes == known.highBytes) << highBytes;
+    }
   }
 }
 

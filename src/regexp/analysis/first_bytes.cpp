@@ -1,7 +1,10 @@
 #include "regexp/analysis/first_bytes.h"
 
+#include <algorithm>
+
 #include "regexp/program/class_sets.h"
 #include "regexp/text/bytes.h"
+#include "unicode/unicode.h"
 
 namespace ulk {
 
@@ -9,8 +12,21 @@ namespace {
 
 constexpr int32_t kMaxRestNodes = 256;  // looked at for the end of a group
 
-void addMultibyte(ByteSet256& set) {
-  for (int i = 4; i < 8; ++i) set.words[i] = ~0u;
+// The bytes from 0x80 on that can begin a character that a code point or a property accepts. A byte that is a
+// character by itself has a negative value.
+void addHighBytesOf(const RxNode& item, uint32_t options, ByteSet256& set) {
+  if (codeOf(item) == RX_CODEPOINT && !(options & RX_OPT_CASELESS) && codePointOf(item) >= 0)
+    return addLeads(codePointOf(item), codePointOf(item), set);
+  if (codeOf(item) == RX_UNIRANGE && memberNegation(item) == 0)
+    return addLeads(lowOf(item), highOf(item), set);
+  if (codeOf(item) == RX_SCRIPT && propertyNegation(item) == 0) {
+    const Script& script = scriptOfNumber(scriptNumber(item));
+    for (int32_t i = 0; i < script.numRanges; ++i)
+      addLeads(static_cast<int32_t>(script.ranges[i].first), static_cast<int32_t>(script.ranges[i].last),
+               set);
+    return;
+  }
+  std::fill(set.words + 4, set.words + 8, ~0u);
 }
 
 }  // namespace
@@ -31,7 +47,7 @@ void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
     case RX_UNIRANGE:
     case RX_SCRIPT:
       addAsciiOf(item, options, set);
-      return addMultibyte(set);
+      return addHighBytesOf(item, options, set);
     default:
       break;
   }

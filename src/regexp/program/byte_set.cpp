@@ -1,5 +1,6 @@
 #include "regexp/program/byte_set.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 
@@ -61,6 +62,27 @@ void addByte(int32_t byte, uint32_t options, ByteSet256& set) {
 void addShorthand(int32_t letter, uint32_t options, ByteSet256& set) {
   const uint8_t wanted = byteSetOf(letter, options);
   if (wanted) addAll(kShorthandSets[static_cast<size_t>(std::countr_zero(wanted))], set);
+}
+
+void addLeads(int32_t low, int32_t high, ByteSet256& set) {
+  constexpr struct {
+    int32_t last;  // code point that sequences of this length are for
+    int32_t shift;
+    int32_t lead;
+  } kLengths[] = {{0x7FF, 6, 0xC0},
+                  {0xFFFF, 12, 0xE0},
+                  {0x1FFFFF, 18, 0xF0},
+                  {0x3FFFFFF, 24, 0xF8},
+                  {INT32_MAX, 30, 0xFC}};
+  low = std::max(low, 0x80);
+  for (const auto& length : kLengths) {
+    if (low > high) return;
+    if (low > length.last) continue;
+    for (int32_t bits = low >> length.shift; bits <= std::min(high, length.last) >> length.shift; ++bits)
+      add(static_cast<uint8_t>(length.lead | bits), set);
+    if (high <= length.last) return;
+    low = length.last + 1;
+  }
 }
 
 }  // namespace ulk

@@ -91,6 +91,19 @@ bool acceptMultibyte(const RxNode& header, Utf8Char character, uint8_t byte, uin
   return note.hasParts() && partsAccept(header, note, c, options);
 }
 
+// The first bytes of the characters of several bytes that they accept, where lists alone tell those; false
+// where they do not.
+bool addListedLeads(const RxNode& header, uint32_t options, ByteSet256& set) {
+  const ClassNote note(header);
+  if (note.anyMultibyte() || note.kinds() || note.scripts() || (options & RX_OPT_CASELESS)) return false;
+  if (note.numCharSets() > 0) addLeads(0x80, 0x1FF, set);
+  if (!note.lists()) return true;
+  const uint32_t* const part = partsOf(header);
+  const auto* const list = reinterpret_cast<const Interval*>(part + kListLengths);
+  for (uint32_t i = 0; i < part[0]; ++i) addLeads(list[i].low, list[i].high, set);
+  return true;
+}
+
 // Whether they can accept a character of several bytes at all.
 bool mayAcceptMultibyte(const RxNode& header, uint32_t options) {
   const ClassNote note(header);
@@ -139,7 +152,8 @@ void addClassBytes(const RxNode& header, uint32_t options, ByteSet256& set) {
     addByAsking(0, 0x7F);
   }
   const ClassNote note(header);
-  if (!recordOf(header) || classNegation(header) != 0 || mayAcceptMultibyte(header, options)) {
+  if (!recordOf(header) || classNegation(header) != 0 ||
+      (mayAcceptMultibyte(header, options) && !addListedLeads(header, options, set))) {
     std::fill(set.words + 4, set.words + 8, ~0u);
   } else if (note.highBytes() == ClassNote::kOwnSet && isKept(note, highBytesPlace(note))) {
     for (int i = 0; i < kWordsPerSet; ++i)
