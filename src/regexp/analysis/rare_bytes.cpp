@@ -51,18 +51,26 @@ bool canDoWithout(const PositionAutomaton& automaton, PositionSet position) {
   return (reached & (automaton.accepting | automaton.atEnd)) != 0;
 }
 
+// The only byte of what is one position, which takes a byte; else -1.
+int32_t onlyByteAt(const PositionAutomaton& automaton, PositionSet position) {
+  if (!std::has_single_bit(position) || (automaton.atEnd & position)) return -1;
+  return onlyByte(automaton.bytes[std::countr_zero(position)]);
+}
+
 }  // namespace
 
-bool findRequiredByte(const PositionAutomaton& automaton, uint8_t& byte) {
-  constexpr int32_t kRare = 10;
+bool findRequiredBytes(const PositionAutomaton& automaton, RequiredBytes& required) {
+  constexpr int32_t kRare = 10000;  // of a million places
   int32_t least = kRare + 1;
   for (int32_t p = 0; p < automaton.count; ++p) {
-    const int32_t only = onlyByte(automaton.bytes[p]);
     const PositionSet position = PositionSet{1} << p;
-    if (only < 0 || (automaton.atEnd & position)) continue;
-    const int32_t frequency = frequencyOf(static_cast<uint8_t>(only));
+    const int32_t first = onlyByteAt(automaton, position);
+    if (first < 0) continue;
+    const int32_t second = automaton.accepting & position ? -1 : onlyByteAt(automaton, automaton.follow[p]);
+    const int32_t frequency = frequencyOf(static_cast<uint8_t>(first)) *
+                              (second < 0 ? 1000 : frequencyOf(static_cast<uint8_t>(second)));
     if (frequency >= least || canDoWithout(automaton, position)) continue;
-    byte = static_cast<uint8_t>(only);
+    required = {second < 0 ? 1 : 2, {static_cast<uint8_t>(first), static_cast<uint8_t>(second)}};
     least = frequency;
   }
   return least <= kRare;

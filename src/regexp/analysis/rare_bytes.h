@@ -20,7 +20,11 @@ struct RarePair {
 // The rarest. False if it is not rare, or there is none.
 bool findRarePair(const PositionAutomaton& automaton, RarePair& pair);
 
-// One that stands anywhere in the match. False if there is none.
-bool findRequiredByte(const PositionAutomaton& automaton, uint8_t& byte);
+// One that stands anywhere in the match, or two of which one follows the other. False if there is none.
+struct RequiredBytes {
+  int32_t count;
+  uint8_t bytes[2];
+};
+bool findRequiredBytes(const PositionAutomaton& automaton, RequiredBytes& required);
 
 }  // namespace ulk

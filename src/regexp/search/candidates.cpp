@@ -5,6 +5,7 @@
 #include <new>
 
 #include "kernels/byte_sets.h"
+#include "kernels/find_substring.h"
 #include "kernels/find_unit.h"
 #include "regexp/analysis/follow_sets.h"
 #include "regexp/search/byte_runs.h"
@@ -33,14 +34,13 @@ int32_t Candidates::make(ulkRegExpState& state) {
   if (!findRuns(state, made.runs_) || !made.automaton_.make(state)) return 0;
   std::fill_n(made.runs_.longest, Runs::kMax, kUsualRun);
   made.attemptBound_ = stepBound(state, made.runs_);
-  made.choose(findRarePair(made.automaton_.positions(), made.pair_) ? Way::kPair : Way::kRequiredByte);
+  made.choose(findRarePair(made.automaton_.positions(), made.pair_) ? Way::kPair : Way::kRequired);
   return room.first;
 }
 
 // The way, or the next one that there is.
 void Candidates::choose(Way way) {
-  if (way == Way::kRequiredByte && !findRequiredByte(automaton_.positions(), requiredByte_))
-    way = Way::kBlocks;
+  if (way == Way::kRequired && !findRequiredBytes(automaton_.positions(), required_)) way = Way::kBlocks;
   way_ = way;
   automaton_.restart(way == Way::kBlocks);
   blockBegin_ = blockEnd_ = nullptr;
@@ -74,8 +74,7 @@ bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const u
 const uint8_t* Candidates::next(const uint8_t* at) {
   if (way_ == Way::kPair) return nextPair(at);
   while (at < textEnd_ && !givesUp()) {
-    if (at >= blockEnd_ && !(way_ == Way::kRequiredByte ? readToRequired(at) : readBlock(at)))
-      return textEnd_;
+    if (at >= blockEnd_ && !(way_ == Way::kRequired ? readToRequired(at) : readBlock(at))) return textEnd_;
     const uint8_t* const found = nextInBlock(std::max(at, blockBegin_));
     if (found < blockEnd_) return found;
     at = blockEnd_;
@@ -105,7 +104,7 @@ void Candidates::readBack(const uint8_t* begin, uint16_t row) {
     const auto length = static_cast<int32_t>(std::min<ptrdiff_t>(kChunk, blockBegin_ - begin));
     blockBegin_ -= length;
     bits_[--chunk] = automaton_.read(blockBegin_, length, row) << (kChunk - length);
-    if (way_ == Way::kRequiredByte && automaton_.isDead(row)) break;
+    if (way_ == Way::kRequired && automaton_.isDead(row)) break;
   }
 }
 
@@ -122,10 +121,12 @@ bool Candidates::readBlock(const uint8_t* begin) {
   return true;
 }
 
-// ---- The required byte. A match that begins before the next place of it, or there, has that place in it.
+// ---- The required bytes. A match that begins before the next place of them, or there, has that place in it.
 
 bool Candidates::readToRequired(const uint8_t* begin) {
-  const int32_t found = findUnit(begin, static_cast<int32_t>(textEnd_ - begin), requiredByte_);
+  const auto length = static_cast<int32_t>(textEnd_ - begin);
+  const int32_t found = required_.count == 1 ? findUnit(begin, length, required_.bytes[0])
+                                             : findSubstring(begin, length, required_.bytes, 2);
   if (found < 0) return false;
   blockEnd_ = begin + found + 1;
   const uint8_t* const least = found < kBlock ? begin : blockEnd_ - kBlock;

@@ -1,5 +1,5 @@
 // Where in a text a match may begin: at a rare pair of bytes (rare_bytes.h), or where the backward automaton
-// tells, which reads the text up to the next place of a rare byte that every match has, or in blocks, from a
+// tells, which reads the text up to the next place of rare bytes that every match has, or in blocks, from a
 // little behind the end of each.
 #pragma once
 
@@ -28,7 +28,7 @@ class Candidates {
   // Looking for candidates takes much less time than where all of the text is read in blocks.
   bool isQuick() const { return way_ != Way::kBlocks; }
   // The text has too many candidates of a quick way. It is left for a slower one that tells more.
-  void takeSlowerWay() { choose(way_ == Way::kPair ? Way::kRequiredByte : Way::kBlocks); }
+  void takeSlowerWay() { choose(way_ == Way::kPair ? Way::kRequired : Way::kBlocks); }
 
   // A candidate is the beginning of what a match must have, which lies so many bytes before the match.
   int32_t bytesBefore() const { return automaton_.positions().bytesBefore; }
@@ -38,7 +38,7 @@ class Candidates {
   bool givesUp() const { return automaton_.hasTooManyStates(); }
 
  private:
-  enum class Way : uint8_t { kPair, kRequiredByte, kBlocks };
+  enum class Way : uint8_t { kPair, kRequired, kBlocks };
   static constexpr int32_t kChunk = BackwardAutomaton::kChunk;
   static constexpr int32_t kAhead = 256;
 
@@ -51,7 +51,7 @@ class Candidates {
   bool readToRequired(const uint8_t* begin);
 
   Way way_;
-  uint8_t requiredByte_;
+  RequiredBytes required_;
   RarePair pair_;
   BackwardAutomaton automaton_;
 
