@@ -78,7 +78,7 @@ bool findRequiredBytes(const PositionAutomaton& automaton, RequiredBytes& requir
 
 bool findRarePair(const PositionAutomaton& automaton, RarePair& pair) {
   constexpr int32_t kRare = 6000;  // of a million places
-  constexpr int32_t kNone = 1000;
+  constexpr int32_t kNone = 1000;  // of a thousand
   int32_t first = kNone;
   int32_t second = kNone;
   PositionSet positions = automaton.first;
@@ -105,7 +105,11 @@ bool findRarePair(const PositionAutomaton& automaton, RarePair& pair) {
     if (positions & automaton.accepting) break;
     positions = followOf(automaton, positions);
   }
-  return second < kNone && first * second <= kRare;
+  if (second == kNone) {
+    pair.second = pair.first;
+    pair.secondAt = pair.firstAt;
+  }
+  return first * second <= kRare;
 }
 
 }  // namespace ulk

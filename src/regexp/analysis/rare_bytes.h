@@ -8,7 +8,7 @@
 
 namespace ulk {
 
-// Two at fixed distances from the start of the match.
+// Two at fixed distances from the start of the match; one alone stands twice.
 struct RarePair {
   bool mayEnd;  // the text may end before or where they would stand
   int32_t firstAt;

@@ -36,6 +36,7 @@ class Walk {
       : nodes_(state.nodes()), numNodes_(state.numNodes), runs_(runs), notes_(notes) {}
 
   Cost program(uint32_t options) { return alternatives(0, numNodes_, kTopLevel, options); }
+  Cost upToItem(uint32_t options);
   bool isBounded() const { return isBounded_; }
 
  private:
@@ -204,6 +205,17 @@ Cost Walk::sequence(int32_t node, int32_t end, uint32_t options) {
   return whole;
 }
 
+// The program's first nodes, up to one that does not set options.
+Cost Walk::upToItem(uint32_t options) {
+  Cost whole = kFree;
+  int32_t node = 0;
+  for (; codeOf(nodes_[node]) == RX_OPTIONS; ++node) {
+    options = static_cast<uint32_t>(newOptions(nodes_[node]));
+    whole = then(whole, {1, 1});
+  }
+  return then(whole, piece(node, options));
+}
+
 }  // namespace
 
 bool findRuns(const ulkRegExpState& state, Runs& runs) {
@@ -217,6 +229,13 @@ int64_t stepBound(const ulkRegExpState& state, const Runs& runs) {
   Runs known = runs;
   Walk walk(state, known, false);
   const Cost cost = walk.program(state.options);
+  return walk.isBounded() ? saturated(cost.steps + cost.exits) : kNoBound;
+}
+
+int64_t lookbehindBound(const ulkRegExpState& state) {
+  Runs none;
+  Walk walk(state, none, false);
+  const Cost cost = walk.upToItem(state.options);
   return walk.isBounded() ? saturated(cost.steps + cost.exits) : kNoBound;
 }
 

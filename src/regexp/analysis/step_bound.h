@@ -28,4 +28,7 @@ bool findRuns(const ulkRegExpState& state, Runs& runs);
 // The bound while no run is longer than `runs` says.
 int64_t stepBound(const ulkRegExpState& state, const Runs& runs);
 
+// The bound for an attempt that fails in the lookbehind that the program begins with.
+int64_t lookbehindBound(const ulkRegExpState& state);
+
 }  // namespace ulk

@@ -34,7 +34,10 @@ int32_t Candidates::make(ulkRegExpState& state) {
   if (!findRuns(state, made.runs_) || !made.automaton_.make(state)) return 0;
   std::fill_n(made.runs_.longest, Runs::kMax, kUsualRun);
   made.attemptBound_ = stepBound(state, made.runs_);
-  made.choose(findRarePair(made.automaton_.positions(), made.pair_) ? Way::kPair : Way::kRequired);
+  const bool hasPair = findRarePair(made.automaton_.positions(), made.pair_);
+  const bool failsEarly = hasPair && std::max(made.pair_.firstAt, made.pair_.secondAt) < made.bytesBefore();
+  made.earlyBound_ = failsEarly ? lookbehindBound(state) : 0;
+  made.choose(hasPair ? Way::kPair : Way::kRequired);
   return room.first;
 }
 
@@ -59,13 +62,18 @@ bool Candidates::boundAttempts(const ulkRegExpState& state, const uint8_t* text,
 }
 
 bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd,
-                       int32_t steps) {
+                       StepBudget& budget) {
   textEnd_ = textEnd;
   blockBegin_ = blockEnd_ = nullptr;
   automaton_.begin();
   const int64_t attempts = 2 * (int64_t{textEnd - text} + 1);  // behind an empty match there is another
-  const auto suffice = [&] { return attemptBound_ * attempts <= steps; };
-  if (suffice() && boundAttempts(state, text, textEnd) && suffice()) return true;
+  if (way_ == Way::kPair && earlyBound_ > 0) {
+    if (!budget.suffices(earlyBound_ * attempts)) return false;
+    budget.payBound(earlyBound_ * attempts);
+    return true;
+  }
+  const auto suffices = [&] { return budget.suffices(attemptBound_ * attempts); };
+  if (suffices() && boundAttempts(state, text, textEnd) && suffices()) return true;
   std::fill_n(runs_.longest, Runs::kMax, kUsualRun);
   attemptBound_ = stepBound(state, runs_);
   return false;

@@ -7,6 +7,7 @@
 
 #include "regexp/analysis/rare_bytes.h"
 #include "regexp/analysis/step_bound.h"
+#include "regexp/match/budget.h"
 #include "regexp/search/backward_automaton.h"
 
 namespace ulk {
@@ -22,8 +23,9 @@ class Candidates {
     return reinterpret_cast<Candidates*>(&state.frames[frame]);
   }
 
-  // For the text from a place on. False if attempts at all places might take more steps than that.
-  bool begin(const ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd, int32_t steps);
+  // For the text from a place on. False if attempts at all places might take more steps than there are. Pays a
+  // bound for those that are left out where the bound for all attempts is not asked for.
+  bool begin(const ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd, StepBudget& budget);
 
   // Looking for candidates takes much less time than where all of the text is read in blocks.
   bool isQuick() const { return way_ != Way::kBlocks; }
@@ -57,6 +59,7 @@ class Candidates {
 
   Runs runs_;             // none in the text is longer,
   int64_t attemptBound_;  // so that no attempt takes more steps
+  int64_t earlyBound_;    // nor one, in any text, that fails where the pair is not; 0 if that is not known
 
   const uint8_t* textEnd_;
   const uint8_t* blockBegin_;

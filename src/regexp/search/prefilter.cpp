@@ -62,7 +62,7 @@ void Prefilter::turnOn(const uint8_t* at) {
   nextLook_ = kNever;
   if (note().use == PrefilterUse::kUseless) return;
   candidates_ = Candidates::in(state_, note().frame);
-  if (!candidates_->begin(state_, at, m_.textEnd, m_.budget.left())) return;
+  if (!candidates_->begin(state_, at, m_.textEnd, m_.budget)) return;
   if (note().use == PrefilterUse::kOff) forget(PrefilterUse::kOn);
   isOn_ = true;
   work_ = 0;
