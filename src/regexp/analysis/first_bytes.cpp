@@ -12,6 +12,8 @@ namespace {
 
 constexpr int32_t kMaxRestNodes = 256;  // looked at for the end of a group
 
+void addAllHighBytes(ByteSet256& set) { std::fill(set.words + 4, set.words + 8, ~0u); }
+
 // The bytes from 0x80 on that can begin a character that a code point or a property accepts. A byte that is a
 // character by itself has a negative value.
 void addHighBytesOf(const RxNode& item, uint32_t options, ByteSet256& set) {
@@ -26,7 +28,7 @@ void addHighBytesOf(const RxNode& item, uint32_t options, ByteSet256& set) {
                set);
     return;
   }
-  std::fill(set.words + 4, set.words + 8, ~0u);
+  addAllHighBytes(set);
 }
 
 }  // namespace
@@ -55,8 +57,15 @@ void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
 }
 
 void addAllBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
-  if (codeOf(item) != RX_STRING) return addFirstBytes(item, options, set);
-  for (int32_t i = 0; i < stringLength(item); ++i) addByte(stringOf(item)[i], options, set);
+  if (codeOf(item) == RX_STRING) {
+    for (int32_t i = 0; i < stringLength(item); ++i) addByte(stringOf(item)[i], options, set);
+    return;
+  }
+  ByteSet256 first{};
+  addFirstBytes(item, options, first);
+  const bool isByte = codeOf(item) == RX_CHAR || codeOf(item) == RX_BYTE;
+  if (!isByte && hasHighBytes(first)) addAllHighBytes(first);
+  addAll(first, set);
 }
 
 bool FirstBytes::ofProgram(uint32_t options, const RxNode* firstBar) {

@@ -59,12 +59,12 @@ class FirstBytes {
   Before before_ = Before::kUnknown;
 };
 
-// Adds the bytes that can begin what an item matches, as far as one byte can tell: from 0x80 on it usually
-// cannot. Of an item or a shorthand that is not known here, any byte.
+// Adds the bytes that can begin what an item matches; any byte for an item or a shorthand that is not known
+// here.
 void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set);
 
-// Adds the bytes of everything that an item matches. One that can match a character of several bytes can
-// begin with any byte from 0x80 on, as far as one byte tells.
+// Adds the bytes of everything that an item matches: all from 0x80 on where that can be a character of
+// several bytes.
 void addAllBytes(const RxNode& item, uint32_t options, ByteSet256& set);
 
 }  // namespace ulk
