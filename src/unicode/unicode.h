@@ -51,8 +51,8 @@ const Script* findScript(const char* text);
 // The number of the script that the code point belongs to, below kMaxScripts; 0 if it belongs to none.
 inline constexpr int32_t kMaxScripts = 96;
 int32_t scriptOf(int32_t codePoint);
-// The script of a number above 0.
-const Script& scriptOfNumber(int32_t number);
+// The bytes from 0xC0 on that the characters of the script begin with in UTF-8, one bit each.
+uint64_t leadsOfScript(int32_t number);
 
 // The first block, in Unicode's order, whose name ("InBasicLatin") starts with the given text; null if there
 // is none.

@@ -22,10 +22,9 @@ void addHighBytesOf(const RxNode& item, uint32_t options, ByteSet256& set) {
   if (codeOf(item) == RX_UNIRANGE && memberNegation(item) == 0)
     return addLeads(lowOf(item), highOf(item), set);
   if (codeOf(item) == RX_SCRIPT && propertyNegation(item) == 0) {
-    const Script& script = scriptOfNumber(scriptNumber(item));
-    for (int32_t i = 0; i < script.numRanges; ++i)
-      addLeads(static_cast<int32_t>(script.ranges[i].first), static_cast<int32_t>(script.ranges[i].last),
-               set);
+    const uint64_t leads = leadsOfScript(scriptNumber(item));
+    set.words[6] |= static_cast<uint32_t>(leads);
+    set.words[7] |= static_cast<uint32_t>(leads >> 32);
     return;
   }
   addAllHighBytes(set);

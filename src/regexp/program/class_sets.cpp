@@ -152,10 +152,10 @@ void addClassBytes(const RxNode& header, uint32_t options, ByteSet256& set) {
     addByAsking(0, 0x7F);
   }
   const ClassNote note(header);
-  if (!recordOf(header) || classNegation(header) != 0 ||
+  if (!recordOf(header) || classNegation(header) != 0 || note.highBytes() == ClassNote::kAll ||
       (mayAcceptMultibyte(header, options) && !addListedLeads(header, options, set))) {
     std::fill(set.words + 4, set.words + 8, ~0u);
-  } else if (note.highBytes() == ClassNote::kOwnSet && isKept(note, highBytesPlace(note))) {
+  } else if (note.highBytes() != ClassNote::kNone && isKept(note, highBytesPlace(note))) {
     for (int i = 0; i < kWordsPerSet; ++i)
       set.words[kWordsPerSet + i] |= furtherWord(header, highBytesPlace(note), i);
   } else if (note.highBytes() != ClassNote::kNone) {
