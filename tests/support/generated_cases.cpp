@@ -169,7 +169,8 @@ class Generator {
   Piece expression() {
     Piece tree = alternatives(c_.oneIn(40) ? 12 + c_.below(40) : 1 + c_.below(5));
     if (c_.oneIn(16)) tree.parts.insert(tree.parts.begin(), leaf(c_.oneIn(2) ? "(?:.*)" : ".*", {"", "ab"}));
-    if (tree.kind == Kind::kSequence && c_.oneIn(8)) tree.parts.insert(tree.parts.begin(), lookaround("(?<="));
+    if (tree.kind == Kind::kSequence && c_.oneIn(8))
+      tree.parts.insert(tree.parts.begin(), lookaround("(?<="));
     if (tree.kind == Kind::kSequence && c_.oneIn(8)) tree.parts.push_back(lookaround("(?="));
     return tree;
   }

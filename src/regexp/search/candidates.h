@@ -23,8 +23,8 @@ class Candidates {
     return reinterpret_cast<Candidates*>(&state.frames[frame]);
   }
 
-  // For the text from a place on. False if attempts at all places might take more steps than there are. Pays a
-  // bound for those that are left out where the bound for all attempts is not asked for.
+  // For the text from a place on. False if attempts at all places might take more steps than there are. Pays
+  // a bound for those that are left out where the bound for all attempts is not asked for.
   bool begin(const ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd, StepBudget& budget);
 
   // Looking for candidates takes much less time than where all of the text is read in blocks.
