@@ -80,8 +80,7 @@ def measure(program, pattern, quick):
     ran = subprocess.run([program, f"--benchmark_filter={pattern}", f"--benchmark_out={out}",
                           "--benchmark_out_format=json", "--benchmark_enable_random_interleaving=true",
                           f"--benchmark_repetitions={3 if quick else 5}",
-                          f"--benchmark_min_time={0.003 if quick else 0.01}",
-                          "--benchmark_report_aggregates_only=true"], stdout=subprocess.DEVNULL)
+                          f"--benchmark_min_time={0.003 if quick else 0.01}"], stdout=subprocess.DEVNULL)
     if ran.returncode == 0 and not out.stat().st_size:
         sys.exit(f"tools/bench: no row matches {pattern} (a row's name goes on with its contestant's)")
     benchmarks = json.loads(out.read_text())["benchmarks"] if ran.returncode in (0, 1) else []

@@ -43,15 +43,16 @@ class Results:
 
     @staticmethod
     def of_benchmarks(benchmarks):
-        """Of what Google Benchmark writes, the median of a row's CPU times, or the least of its wall times."""
+        """Of what Google Benchmark writes, the least of a row's CPU times, or of its wall times."""
         rows = {}
         for result in sorted(benchmarks, key=lambda each: each["family_index"]):
-            wall = result["run_name"].endswith("/real_time")
-            if result["aggregate_name"] != ("least" if wall else "median"):
+            if result["run_type"] != "iteration":
                 continue
+            wall = result["run_name"].endswith("/real_time")
             name, contestant = result["run_name"].removesuffix("/real_time").rsplit("/", 1)
-            ns = result["real_time" if wall else "cpu_time"]
-            rows.setdefault(name, {})[contestant] = Time(ns, result.get("bytes_per_second", 0))
+            time = Time(result["real_time" if wall else "cpu_time"], result.get("bytes_per_second", 0))
+            contestants = rows.setdefault(name, {})
+            contestants[contestant] = min(time, contestants.get(contestant, time), key=lambda each: each.ns)
         return Results(rows, {})
 
     def write(self, path):
