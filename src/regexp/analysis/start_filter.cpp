@@ -184,7 +184,15 @@ StartKind kindOfAssertion(int32_t assertion, uint32_t options) {
   }
 }
 
-bool describeAssertion(const ulkRegExpState& state, StartFilter& filter) {
+// The first bytes of a line that can match, from a node on.
+void describeLine(ulkRegExpState& state, int32_t node, StartFilter& filter) {
+  FirstBytes items(state);
+  if (!items.ofRest(node, filter.options, false)) return;
+  state.frames[kStartSetFrame].bytes = items.set;
+  filter.placeSteps = filter.steps + items.steps;
+}
+
+bool describeAssertion(ulkRegExpState& state, StartFilter& filter) {
   const RxNode* const nodes = state.nodes();
   uint32_t options = state.options;
   int32_t first = 0;
@@ -196,6 +204,8 @@ bool describeAssertion(const ulkRegExpState& state, StartFilter& filter) {
   filter.kind = kindOfAssertion(assertionOf(nodes[first]), options);
   filter.steps = first + 1;
   filter.options = static_cast<uint8_t>(options);
+  if (filter.kind == StartKind::kLineStart && filter.hasFrames)
+    describeLine(state, first + (quantifier ? 2 : 1), filter);
   return filter.kind != StartKind::kAny;
 }
 
@@ -218,7 +228,7 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
     if (!items.ofProgram(filter.options, firstBar) || items.exitOptions != filter.options) return filter;
   }
   filter.steps = items.steps;
-  filter.boundarySteps = items.boundarySteps;
+  filter.placeSteps = items.boundarySteps;
   filter.item = items.itemOptions == filter.options ? items.soleItem : -1;
   filter.kind = kindOf(items, nodes, filter);
   // Of the bytes of a run one is at a word boundary.

@@ -77,7 +77,7 @@ enum class StartKind : uint8_t {
   kSmallSet,        // with a byte of the set, which is a small one
   kSet,             // with a byte of the set
   kBoundary,        // with a byte of the set at a word boundary
-  kLineStart,       // at the text start or after a newline
+  kLineStart,       // at the text start or after a newline, with a byte of the set if placeSteps is not 0
   kTextStart,       // at the text start
 };
 
@@ -92,12 +92,13 @@ struct StartFilter {
   bool literals : 1;   // there are several ways to begin, each with a literal, which the pair's frame tells
   bool hasPair : 1;    // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
   WindowState window : 2;
-  SmallSet small;         // the set, where it is one
-  int32_t steps;          // that an attempt elsewhere costs
-  int32_t boundarySteps;  // that it costs where there is no word boundary
-  int32_t item;           // the node of the one item that every match begins with, -1 if there are several
-  int32_t run;            // the quantifier of that item, if runs of it can be passed over, 0 if not
-  int32_t firstBar;       // the first top-level bar, -1 without one
+  SmallSet small;  // the set, where it is one
+  int32_t steps;   // that an attempt elsewhere costs
+  int32_t
+      placeSteps;    // that it costs where there is no word boundary; or at a line start without such a byte
+  int32_t item;      // the node of the one item that every match begins with, -1 if there are several
+  int32_t run;       // the quantifier of that item, if runs of it can be passed over, 0 if not
+  int32_t firstBar;  // the first top-level bar, -1 without one
 };
 inline constexpr int32_t kStartSetFrame = kNumFrames - 1;
 inline constexpr int32_t kStartPairFrame = kNumFrames - 2;

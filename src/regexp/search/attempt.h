@@ -20,14 +20,17 @@ inline int32_t cutAtTrailingLiteral(const ulkRegExpState& state, const uint8_t* 
   return cutBehindLast(state.nodes()[state.trailingLiteral], text, length);
 }
 
+// The start of the next line, beyond the end if there is none.
+inline const uint8_t* lineBehind(const MatchContext& m, const uint8_t* at) {
+  const int32_t newline = findUnit(at, static_cast<int32_t>(m.textEnd - at), static_cast<uint8_t>('\n'));
+  return newline < 0 ? m.textEnd + 1 : at + newline + 1;
+}
+
 // The character after the one at `at`; with a line anchor, the next line start. Beyond the end if there is
 // none.
 inline const uint8_t* nextStart(const MatchContext& m, const ulkRegExpState& state, const uint8_t* at) {
   if (at >= m.textEnd) return m.textEnd + 1;
-  if (startFilterOf(state).anchor == Anchor::kLineStart) {
-    const int32_t newline = findUnit(at, static_cast<int32_t>(m.textEnd - at), static_cast<uint8_t>('\n'));
-    return newline < 0 ? m.textEnd + 1 : at + newline + 1;
-  }
+  if (startFilterOf(state).anchor == Anchor::kLineStart) return lineBehind(m, at);
   return *at < 0x80 || state.format != kFormatUtf8 ? at + 1 : at + decodeMultibyte(at).length;
 }
 

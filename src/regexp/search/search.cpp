@@ -70,6 +70,7 @@ bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
   bool found = false;
   for (; at <= end; at = nextStart(m_, state_, at)) {
     if (anchor_ == Anchor::kNone) at = starts_.next(at);
+    if (anchor_ == Anchor::kLineStart) at = starts_.nextLine(at);
     const int32_t budget = m_.budget.left();
     if (at <= end && budget >= 0 && matchAt(m_, state_, at)) {
       starts_.noteMatch();

@@ -6,6 +6,7 @@
 #include "kernels/find_any.h"
 #include "kernels/find_substring.h"
 #include "regexp/match/items.h"
+#include "regexp/search/attempt.h"
 #include "regexp/search/caseless_search.h"
 #include "regexp/search/small_set_vectors.h"
 #include "regexp/text/bytes.h"
@@ -176,7 +177,7 @@ const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) 
     inWord = !inWord;
     at = *at < 0x80 ? at + 1 : characterAfter(at);
   }
-  pay(starts * filter().boundarySteps + boundaries * (filter().steps - filter().boundarySteps));
+  pay(starts * filter().placeSteps + boundaries * (filter().steps - filter().placeSteps));
   return at;
 }
 
@@ -305,6 +306,9 @@ const uint8_t* Starts::skip(const uint8_t* at) {
     if (filter().literals && lacksLiterals(at)) {
       pay(filter().steps);
       at = characterAfter(at);
+    } else if (knowsLines() && !set().contains(*at)) {
+      pay(filter().placeSteps);
+      at = characterAfter(at);
     } else if (filter().run > 0 && lastFailed_) {
       const uint8_t* const next = passRun(at);
       if (next == at) break;
@@ -313,6 +317,14 @@ const uint8_t* Starts::skip(const uint8_t* at) {
       break;
     }
   }
+  return at;
+}
+
+const uint8_t* Starts::nextLine(const uint8_t* at) {
+  if (!knowsLines() || (filter().options & kMatcherOptions) != m_.options) return at;
+  if (at != m_.textStart && at[-1] != '\n') return at;
+  for (; at < m_.textEnd && !set().contains(*at) && !m_.budget.isExhausted(); at = lineBehind(m_, at))
+    pay(filter().placeSteps);
   return at;
 }
 

@@ -26,6 +26,10 @@ class Starts {
     return skip(at);
   }
 
+  // The same where attempts are made at line starts only: the first line start that needs one. Other places
+  // cost nothing, but one at which the search begins is tried.
+  const uint8_t* nextLine(const uint8_t* at);
+
   // To be told of an attempt that has failed, and of its steps.
   void noteFailure(uint32_t steps) {
     lastFailed_ = true;
@@ -48,6 +52,8 @@ class Starts {
   const StartFilter& filter() const { return startFilterOf(state_); }
   const ByteSet256& set() const { return state_.frames[kStartSetFrame].bytes; }
   const StartPair& pair() const { return state_.frames[kStartPairFrame].pair; }
+  // Whether the set tells which lines need an attempt.
+  bool knowsLines() const { return filter().kind == StartKind::kLineStart && filter().placeSteps > 0; }
   const uint8_t* skip(const uint8_t* at);
   const uint8_t* characterAfter(const uint8_t* at) const;
   int32_t find(const uint8_t* at, int32_t length) const;
