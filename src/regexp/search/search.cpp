@@ -77,7 +77,7 @@ bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
       found = true;
       break;
     }
-    starts_.noteFailure(static_cast<uint32_t>(budget) - static_cast<uint32_t>(m_.budget.left()));
+    starts_.noteFailure(at, static_cast<uint32_t>(budget) - static_cast<uint32_t>(m_.budget.left()));
     // Without budget no later start can match.
     if (anchor_ == Anchor::kTextStart || outOfBudget()) break;
   }

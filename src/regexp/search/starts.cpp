@@ -300,7 +300,7 @@ ULK_INLINE bool Starts::passFiltered(const uint8_t*& at, const uint8_t* end) {
 }
 
 const uint8_t* Starts::skip(const uint8_t* at) {
-  for (; at < m_.textEnd && !m_.budget.isExhausted(); prefilter_.addWork(kWorkPerHit)) {
+  while (at < m_.textEnd && !m_.budget.isExhausted()) {
     if (prefilter_.use(at)) return prefilter_.next(at);
     if (!passFiltered(at, strideFrom(at))) continue;
     if (filter().literals && lacksLiterals(at)) {
@@ -316,6 +316,7 @@ const uint8_t* Starts::skip(const uint8_t* at) {
     } else {
       break;
     }
+    prefilter_.addWork(kWorkPerHit);
   }
   return at;
 }

@@ -30,9 +30,11 @@ class Starts {
   // cost nothing, but one at which the search begins is tried.
   const uint8_t* nextLine(const uint8_t* at);
 
-  // To be told of an attempt that has failed, and of its steps.
-  void noteFailure(uint32_t steps) {
+  // To be told of an attempt that has failed at a place, and of its steps. That at the text's end is always
+  // made.
+  void noteFailure(const uint8_t* at, uint32_t steps) {
     lastFailed_ = true;
+    if (at >= m_.textEnd) return;
     prefilter_.addWork(kWorkPerAttempt + static_cast<int32_t>(steps / kStepsPerWork));
   }
 
@@ -79,7 +81,7 @@ class Starts {
 
   static constexpr ptrdiff_t kLeastStride = 4096;
   static constexpr int32_t kWorkPerHit = 4;  // of the filter that turns out to be in vain
-  static constexpr int32_t kWorkPerAttempt = 2;
+  static constexpr int32_t kWorkPerAttempt = 4;
   static constexpr uint32_t kStepsPerWork = 2;
   static constexpr int32_t kBytesPerWork = 4;         // looked at one by one,
   static constexpr int32_t kBytesPerWorkOfScan = 64;  // many at a time
