@@ -1,7 +1,5 @@
 #include "regexp/analysis/first_bytes.h"
 
-#include <algorithm>
-
 #include "regexp/program/class_sets.h"
 #include "regexp/text/bytes.h"
 #include "unicode/unicode.h"
@@ -11,8 +9,6 @@ namespace ulk {
 namespace {
 
 constexpr int32_t kMaxRestNodes = 256;  // looked at for the end of a group
-
-void addAllHighBytes(ByteSet256& set) { std::fill(set.words + 4, set.words + 8, ~0u); }
 
 // The bytes from 0x80 on that can begin a character that a code point or a property accepts. A byte that is a
 // character by itself has a negative value.

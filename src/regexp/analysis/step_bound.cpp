@@ -67,7 +67,7 @@ Cost Walk::unbounded() {
 // Any character from 0x80 on may have any bytes from there on.
 int64_t Walk::longestRun(const ByteSet256& set) {
   ByteSet256 whole = set;
-  if (hasHighBytes(set)) std::fill(whole.words + 4, whole.words + 8, ~0u);
+  if (hasHighBytes(set)) addAllHighBytes(whole);
   int32_t i = 0;
   while (i < runs_.count && std::memcmp(&runs_.sets[i], &whole, sizeof whole) != 0) ++i;
   if (i < runs_.count) return runs_.longest[i];

@@ -189,7 +189,6 @@ ULK_STEP stepProperty(const uint8_t* at, const RxNode* node, MatchContext& m) {
 ULK_STEP stepBackref(const uint8_t* at, const RxNode* node, MatchContext& m) {
   const CaptureSlot& group = m.captures[referredCapture(*node)];
   if (at >= m.textEnd || group.length < 0 || group.length > m.remaining(at)) return fail(m);
-  if (group.length > 0 && !sameByte(*group.start, *at, m.options)) return fail(m);
   if (!sameBytes(group.start, at, group.length, m.options)) return fail(m);
   return goOn(at + group.length, node + 1, m);
 }

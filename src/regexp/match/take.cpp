@@ -1,7 +1,5 @@
 #include "regexp/match/take.h"
 
-#include <bit>
-
 namespace ulk {
 
 namespace {
@@ -26,18 +24,6 @@ const uint8_t* behindOthers(const uint8_t* at, const uint8_t* end, uint8_t one) 
   return behindAccepted(at, end, [one](uint8_t byte) { return byte != one; });
 }
 
-// The one character that is not in the set, kNoCharacter if there is none; -1 if there are several.
-int32_t onlyOther(const Set128& set) {
-  int32_t other = kNoCharacter;
-  for (int32_t i = 0; i < kWordsPerSet; ++i) {
-    const uint32_t others = ~set.words[i];
-    if (others == 0) continue;
-    if (other != kNoCharacter || !std::has_single_bit(others)) return -1;
-    other = 32 * i + std::countr_zero(others);
-  }
-  return other;
-}
-
 }  // namespace
 
 ULK_IN_REGISTERS const uint8_t* behindBytes(const uint8_t* at, const uint8_t* end, const uint8_t* sets,
@@ -52,7 +38,7 @@ ULK_IN_REGISTERS const uint8_t* behindBytes(const uint8_t* at, const uint8_t* en
   const auto accepts = [&set](uint8_t byte) { return set.contains(byte); };
   at = behindAccepted(at, near, accepts);
   if (at < near || near == end) return at;
-  const int32_t other = onlyOther(set);
+  const int32_t other = onlyBit(set.words, ~0u, kNoCharacter);
   if (other >= 0) return behindOthers(at, end, static_cast<uint8_t>(other));
   return behindAccepted(at, end, accepts);
 }

@@ -5,6 +5,7 @@
 #include <bit>
 
 #include "regexp/text/bytes.h"
+#include "regexp/text/set128.h"
 
 namespace ulk {
 
@@ -20,18 +21,6 @@ constexpr std::array<ByteSet256, 8> kShorthandSets = [] {
   return sets;
 }();
 
-// In a set, or in the complement of one if `flip` has all bits.
-int32_t onlyBit(const ByteSet256& set, uint32_t flip) {
-  int32_t only = -1;
-  for (int32_t i = 0; i < 8; ++i) {
-    const uint32_t word = set.words[i] ^ flip;
-    if (word == 0) continue;
-    if (only >= 0 || !std::has_single_bit(word)) return -1;
-    only = 32 * i + std::countr_zero(word);
-  }
-  return only;
-}
-
 }  // namespace
 
 bool intersect(const ByteSet256& a, const ByteSet256& b) {
@@ -46,8 +35,8 @@ bool isSubset(const ByteSet256& a, const ByteSet256& b) {
   return others == 0;
 }
 
-int32_t onlyByte(const ByteSet256& set) { return onlyBit(set, 0); }
-int32_t onlyOtherByte(const ByteSet256& set) { return onlyBit(set, ~0u); }
+int32_t onlyByte(const ByteSet256& set) { return onlyBit(set.words, 0, -1); }
+int32_t onlyOtherByte(const ByteSet256& set) { return onlyBit(set.words, ~0u, -1); }
 
 void addAll(const ByteSet256& other, ByteSet256& set) {
   for (int i = 0; i < 8; ++i) set.words[i] |= other.words[i];
@@ -63,6 +52,8 @@ void addShorthand(int32_t letter, uint32_t options, ByteSet256& set) {
   const uint8_t wanted = byteSetOf(letter, options);
   if (wanted) addAll(kShorthandSets[static_cast<size_t>(std::countr_zero(wanted))], set);
 }
+
+void addAllHighBytes(ByteSet256& set) { std::fill(set.words + 4, set.words + 8, ~0u); }
 
 void addLeads(int32_t low, int32_t high, ByteSet256& set) {
   constexpr struct {

@@ -24,6 +24,7 @@ int32_t onlyOtherByte(const ByteSet256& set);
 void addAll(const ByteSet256& other, ByteSet256& set);
 void addByte(int32_t byte, uint32_t options, ByteSet256& set);  // in both cases with i; above 255 none
 void addShorthand(int32_t letter, uint32_t options, ByteSet256& set);
+void addAllHighBytes(ByteSet256& set);
 // The first bytes of the characters of several bytes from `low` to `high`.
 void addLeads(int32_t low, int32_t high, ByteSet256& set);
 

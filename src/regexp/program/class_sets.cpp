@@ -154,7 +154,7 @@ void addClassBytes(const RxNode& header, uint32_t options, ByteSet256& set) {
   const ClassNote note(header);
   if (!recordOf(header) || classNegation(header) != 0 || note.highBytes() == ClassNote::kAll ||
       (mayAcceptMultibyte(header, options) && !addListedLeads(header, options, set))) {
-    std::fill(set.words + 4, set.words + 8, ~0u);
+    addAllHighBytes(set);
   } else if (note.highBytes() != ClassNote::kNone && isKept(note, highBytesPlace(note))) {
     for (int i = 0; i < kWordsPerSet; ++i)
       set.words[kWordsPerSet + i] |= furtherWord(header, highBytesPlace(note), i);

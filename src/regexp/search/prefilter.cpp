@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "regexp/analysis/start_filter.h"
 #include "regexp/text/utf8.h"
 
 namespace ulk {

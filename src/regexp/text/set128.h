@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 
 namespace ulk {
@@ -26,6 +27,20 @@ inline bool contains(const uint32_t* words, int32_t number) {
   return (words[number >> 5] >> (number & 31)) & 1;
 }
 inline void addBit(int32_t number, uint32_t* words) { words[number >> 5] |= 1u << (number & 31); }
+
+// The only number in words, or missing from them if `flip` has all bits: `none` if there is none, -1 if there
+// are several.
+template <int32_t kWords>
+int32_t onlyBit(const uint32_t (&words)[kWords], uint32_t flip, int32_t none) {
+  int32_t only = none;
+  for (int32_t i = 0; i < kWords; ++i) {
+    const uint32_t word = words[i] ^ flip;
+    if (word == 0) continue;
+    if (only != none || !std::has_single_bit(word)) return -1;
+    only = 32 * i + std::countr_zero(word);
+  }
+  return only;
+}
 
 inline void addAll(const Set128& other, Set128& set) {
   for (int i = 0; i < kWordsPerSet; ++i) set.words[i] |= other.words[i];
