@@ -23,8 +23,10 @@ class StepChooser {
 
  private:
   const RxNode* quantifierAt(int32_t index) const { return quantifierOf(nodes_, numNodes_, index); }
+  // Whether a class or a property has a set of its ASCII characters that holds for the whole search.
   bool hasOneSet(const RxNode& node) const {
-    return !changesOptions_ && recordOf(node) && ClassNote(node).isMadeFor(options_);
+    if (isProperty(node)) return recordOf(node);
+    return node.code == RX_CLASS && !changesOptions_ && recordOf(node) && ClassNote(node).isMadeFor(options_);
   }
   Step item(int32_t index) const;
   Step repeat(const RxNode& node, const RxNode& quantifier) const;
@@ -50,20 +52,17 @@ Step StepChooser::item(int32_t index) const {
       return changesOptions_ || (options_ & RX_OPT_CASELESS) ? Step::kItem : Step::kString;
     case RX_CHARTYPE:
       return Step::kShorthand;
-    case RX_CLASS:
-      return hasOneSet(node) ? Step::kClass : Step::kItem;
     case RX_BACKREF:
       return Step::kBackref;
     default:
-      return isProperty(node) && recordOf(node) ? Step::kProperty : Step::kItem;
+      return hasOneSet(node) ? Step::kSet : Step::kItem;
   }
 }
 
 Step StepChooser::repeat(const RxNode& node, const RxNode& quantifier) const {
   if (quantifier.code == RX_REPEAT_LAZY) return Step::kLazyItem;
   if (node.code == RX_CHARTYPE) return Step::kGreedyShorthand;
-  if (isProperty(node) && recordOf(node)) return Step::kGreedyProperty;
-  return node.code == RX_CLASS && hasOneSet(node) ? Step::kGreedyClass : Step::kGreedyItem;
+  return hasOneSet(node) ? Step::kGreedySet : Step::kGreedyItem;
 }
 
 Step StepChooser::assertion(int32_t index) const {

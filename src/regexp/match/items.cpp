@@ -176,14 +176,9 @@ ULK_STEP stepShorthand(const uint8_t* at, const RxNode* node, MatchContext& m) {
   return goOn(*at < 0x80 ? at + 1 : at + decodeMultibyte(at).length, node + 1, m);
 }
 
-ULK_STEP stepClass(const uint8_t* at, const RxNode* node, MatchContext& m) {
+ULK_STEP stepSet(const uint8_t* at, const RxNode* node, MatchContext& m) {
   if (at >= m.textEnd || *at >= 0x80) return stepItem(at, node, m);
-  return recordOf(*node)->contains(*at) ? goOn(at + 1, afterClass(node), m) : fail(m);
-}
-
-ULK_STEP stepProperty(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  if (at >= m.textEnd || *at >= 0x80) return stepItem(at, node, m);
-  return recordOf(*node)->contains(*at) ? goOn(at + 1, node + 1, m) : fail(m);
+  return recordOf(*node)->contains(*at) ? goOn(at + 1, afterItem(node), m) : fail(m);
 }
 
 ULK_STEP stepBackref(const uint8_t* at, const RxNode* node, MatchContext& m) {

@@ -21,9 +21,8 @@ inline constexpr int32_t kNoMatch = -1;
 int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at);
 
 // The node after the item, where its quantifier stands if it has one.
-inline const RxNode* afterClass(const RxNode* header) { return header + 1 + memberCount(*header); }
 inline const RxNode* afterItem(const RxNode* item) {
-  return codeOf(*item) == RX_CLASS ? afterClass(item) : item + 1;
+  return item + 1 + (codeOf(*item) == RX_CLASS ? memberCount(*item) : 0);
 }
 
 // Whether a step at the node would fail because a literal, not quantified, stands there that does not match.

@@ -25,13 +25,11 @@ constinit const std::array<StepFunction, static_cast<size_t>(Step::kCount)> kSte
   set(Step::kString, stepString);
   set(Step::kLetter, stepLetter);
   set(Step::kShorthand, stepShorthand);
-  set(Step::kClass, stepClass);
-  set(Step::kProperty, stepProperty);
+  set(Step::kSet, stepSet);
   set(Step::kBackref, stepBackref);
   set(Step::kItem, stepItem);
   set(Step::kGreedyShorthand, stepGreedyShorthand);
-  set(Step::kGreedyClass, stepGreedyClass);
-  set(Step::kGreedyProperty, stepGreedyProperty);
+  set(Step::kGreedySet, stepGreedySet);
   set(Step::kGreedyItem, stepGreedyItem);
   set(Step::kLazyItem, stepLazyItem);
   set(Step::kWordBoundary, stepWordBoundary);

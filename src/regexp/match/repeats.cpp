@@ -189,14 +189,8 @@ ULK_STEP stepGreedyShorthand(const uint8_t* at, const RxNode* node, MatchContext
   return tryBytes(at, node, quantifier, m, behindShorthand(m, *node, at, end), end);
 }
 
-ULK_STEP stepGreedyClass(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  const RxNode* const quantifier = afterClass(node);
-  const uint8_t* const end = at + std::min(maxOf(*quantifier), m.remaining(at));
-  return tryBytes(at, node, quantifier, m, behindBytes(at, end, *recordOf(*node)), end);
-}
-
-ULK_STEP stepGreedyProperty(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  const RxNode* const quantifier = node + 1;
+ULK_STEP stepGreedySet(const uint8_t* at, const RxNode* node, MatchContext& m) {
+  const RxNode* const quantifier = afterItem(node);
   const uint8_t* const end = at + std::min(maxOf(*quantifier), m.remaining(at));
   return tryBytes(at, node, quantifier, m, behindBytes(at, end, *recordOf(*node)), end);
 }

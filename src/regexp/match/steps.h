@@ -79,8 +79,7 @@ ULK_STEP stepByte(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepString(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepLetter(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepShorthand(const uint8_t* at, const RxNode* node, MatchContext& m);
-ULK_STEP stepClass(const uint8_t* at, const RxNode* node, MatchContext& m);
-ULK_STEP stepProperty(const uint8_t* at, const RxNode* node, MatchContext& m);
+ULK_STEP stepSet(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepBackref(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepItem(const uint8_t* at, const RxNode* node, MatchContext& m);
 
@@ -91,8 +90,7 @@ ULK_STEP stepOptionalAssertion(const uint8_t* at, const RxNode* node, MatchConte
 
 // repeats.cpp
 ULK_STEP stepGreedyShorthand(const uint8_t* at, const RxNode* node, MatchContext& m);
-ULK_STEP stepGreedyClass(const uint8_t* at, const RxNode* node, MatchContext& m);
-ULK_STEP stepGreedyProperty(const uint8_t* at, const RxNode* node, MatchContext& m);
+ULK_STEP stepGreedySet(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepGreedyItem(const uint8_t* at, const RxNode* node, MatchContext& m);
 ULK_STEP stepLazyItem(const uint8_t* at, const RxNode* node, MatchContext& m);
 Outcome retryGreedyBytes(MatchContext& m);

@@ -88,8 +88,7 @@ ULK_INLINE int32_t lengthInPlace(const MatchContext& m, const RxNode* node, cons
     case Step::kShorthand:
       if (!(m.byteSets[*at] & byteSetOf(*node, m.options))) return kNoMatch;
       break;
-    case Step::kClass:
-    case Step::kProperty:
+    case Step::kSet:
       if (*at < 0x80) return recordOf(*node)->contains(*at) ? 1 : kNoMatch;
       break;
     default:

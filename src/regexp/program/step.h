@@ -13,14 +13,12 @@ enum class Step : uint8_t {
   kString,  // that options do not change
   kLetter,  // a byte that matches in both cases
   kShorthand,
-  kClass,
-  kProperty,
+  kSet,  // a class or a property, by its ASCII characters
   kBackref,
   kItem,  // any other, and those that options change
   // Quantified items
   kGreedyShorthand,
-  kGreedyClass,
-  kGreedyProperty,
+  kGreedySet,
   kGreedyItem,
   kLazyItem,
   // Assertions
