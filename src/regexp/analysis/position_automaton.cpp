@@ -16,6 +16,10 @@ constexpr int32_t kMaxPieces = 512;  // looked at, copies counted
 
 constexpr PositionSet bit(int32_t position) { return PositionSet{1} << position; }
 
+constexpr bool endsText(int32_t assertion) {
+  return assertion == '$' || assertion == 'Z' || assertion == 'z';
+}
+
 constexpr ByteSet256 kContinuations{{0, 0, 0, 0, ~0u, ~0u, 0, 0}};
 
 // A part of the program.
@@ -48,7 +52,9 @@ class Builder {
   Part group(int32_t open, uint32_t options);
   Part item(const RxNode& node, uint32_t options);
   Part string(const RxNode& node, uint32_t options);
-  Part lastAssertion(int32_t kind, const Part& before);
+  Part assertion(const ByteSet256& bytes);
+  Part endAssertion(int32_t kind);
+  Part wordBoundary(const Part& before);
   Part last(int32_t node, const Part& before, uint32_t options);
   Part repeated(int32_t node, const RxNode& quantifier, uint32_t options);
   bool takeWordsOnly(PositionSet positions) const;
@@ -135,6 +141,7 @@ Part Builder::once(int32_t node, uint32_t options) {
     case RX_STRING:
       return string(nodes_[node], options);
     case RX_ASSERT:
+      return endsText(assertionOf(nodes_[node])) ? endAssertion(assertionOf(nodes_[node])) : kNothing;
     case RX_LOOKAHEAD:
     case RX_NLOOKAHEAD:
     case RX_LOOKBEHIND:
@@ -194,24 +201,29 @@ Part Builder::piece(int32_t node, uint32_t options) {
   return repeated(node, *quantifier, options);
 }
 
-// An assertion that the program ends with asks for a byte as an item does, or for the end of the text. A word
-// boundary does where a word byte comes before it; at the end it asks for the byte behind, which is not
-// known.
-Part Builder::lastAssertion(int32_t kind, const Part& before) {
-  ByteSet256 bytes{};
-  if (kind == '$' || kind == 'Z') {
-    addByte('\n', 0, bytes);
-  } else if (kind == 'b' && !before.nullable && !before.accepts && takeWordsOnly(before.last)) {
-    addShorthand('W', 0, bytes);
-  } else if (kind != 'z') {
-    return kNothing;
-  }
+// An assertion asks for a byte as an item does, or for the end of the text. What follows it is not looked at.
+Part Builder::assertion(const ByteSet256& bytes) {
   const int32_t at = add();
   if (at < 0) return kUnknown;
   automaton_.bytes[at] = bytes;
   automaton_.accepting |= bit(at);
   automaton_.atEnd |= bit(at);
   return {bit(at), 0, false, false};
+}
+
+Part Builder::endAssertion(int32_t kind) {
+  ByteSet256 bytes{};
+  if (kind != 'z') addByte('\n', 0, bytes);
+  return assertion(bytes);
+}
+
+// A word boundary that the program ends with, where a word byte comes before it. At the end of the text it
+// asks for the byte behind, which is not known.
+Part Builder::wordBoundary(const Part& before) {
+  if (before.nullable || before.accepts || !takeWordsOnly(before.last)) return kNothing;
+  ByteSet256 bytes{};
+  addShorthand('W', 0, bytes);
+  return assertion(bytes);
 }
 
 // Whether the positions take word bytes only.
@@ -225,7 +237,7 @@ bool Builder::takeWordsOnly(PositionSet positions) const {
 
 // A node that the program ends with.
 Part Builder::last(int32_t node, const Part& before, uint32_t options) {
-  if (codeOf(nodes_[node]) == RX_ASSERT) return lastAssertion(assertionOf(nodes_[node]), before);
+  if (codeOf(nodes_[node]) == RX_ASSERT && assertionOf(nodes_[node]) == 'b') return wordBoundary(before);
   if (codeOf(nodes_[node]) == RX_LOOKAHEAD) return group(node, options);
   return piece(node, options);
 }
@@ -236,7 +248,7 @@ Part Builder::sequence(int32_t node, int32_t end, uint32_t options) {
     const bool isLast = nextItem(nodes_, node) == numNodes_;
     const Part next = isLast ? last(node, whole, options) : piece(node, options);
     whole = joined(whole, next);
-    if (next.accepts && !next.first) break;
+    if (!whole.nullable && !whole.last) break;  // whatever follows
     node = nextItem(nodes_, node);
     if (node < end && isQuantifier(nodes_[node])) ++node;
   }

@@ -25,7 +25,7 @@ struct PositionAutomaton {
   int32_t bytesBefore;    // a match, which begins so many bytes behind what the first positions take
   PositionSet first;      // where a match can begin
   PositionSet accepting;  // where a match can end
-  PositionSet atEnd;      // those that hold at the text's end, of the assertion that the program ends with
+  PositionSet atEnd;      // those of assertions, which hold at the text's end
   PositionSet follow[kMaxPositions];
   ByteSet256 bytes[kMaxPositions];
 };

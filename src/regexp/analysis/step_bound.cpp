@@ -32,8 +32,8 @@ Cost then(Cost a, Cost b) { return {saturated(a.steps + a.exits * b.steps), satu
 // A walk over the program, which notes the runs that it meets first.
 class Walk {
  public:
-  Walk(const ulkRegExpState& state, Runs& runs, bool notes)
-      : nodes_(state.nodes()), numNodes_(state.numNodes), runs_(runs), notes_(notes) {}
+  Walk(const ulkRegExpState& state, Runs& runs, bool notes, int64_t mostBytes = kNoBound)
+      : nodes_(state.nodes()), numNodes_(state.numNodes), runs_(runs), notes_(notes), mostBytes_(mostBytes) {}
 
   Cost program(uint32_t options) { return alternatives(0, numNodes_, kTopLevel, options); }
   Cost upToItem(uint32_t options);
@@ -45,8 +45,10 @@ class Walk {
   Cost piece(int32_t node, uint32_t options);
   Cost body(int32_t open, uint32_t options);
   Cost group(int32_t open, const RxNode* quantifier, uint32_t options);
+  Cost oneWay(int32_t open, uint32_t options);
   Cost repeat(const RxNode& item, const RxNode& quantifier, uint32_t options);
   Cost unbounded();
+  bool endsProgram(const RxNode& quantifier) const;
   int64_t longestRun(const ByteSet256& set);
   bool bytesOfBody(int32_t open, uint32_t options, ByteSet256& set) const;
   bool firstBytesOf(int32_t node, int32_t end, uint32_t options, ByteSet256& set) const;
@@ -55,7 +57,9 @@ class Walk {
   const int32_t numNodes_;
   Runs& runs_;
   const bool notes_;
+  const int64_t mostBytes_;  // that the program takes
   bool isBounded_ = true;
+  bool takesNothing_ = false;  // in a lookaround: what is looked at is not taken
   int32_t depth_ = 0;
 };
 
@@ -66,6 +70,7 @@ Cost Walk::unbounded() {
 
 // Any character from 0x80 on may have any bytes from there on.
 int64_t Walk::longestRun(const ByteSet256& set) {
+  if (mostBytes_ < kNoBound && !takesNothing_) return mostBytes_;
   ByteSet256 whole = set;
   if (hasHighBytes(set)) addAllHighBytes(whole);
   int32_t i = 0;
@@ -92,6 +97,12 @@ Cost Walk::repeat(const RxNode& item, const RxNode& quantifier, uint32_t options
   if (followSet(quantifier) && note.disjoint() && note.options() == (options & kMatcherOptions))
     return {saturated(1 + (most + 1) * note.steps()), 1};
   return {1, most + 1};
+}
+
+// Whether the program accepts behind the repeat: an attempt that fails has not left it.
+bool Walk::endsProgram(const RxNode& quantifier) const {
+  const RxNode* const next = &quantifier + 1;
+  return depth_ == 0 && (next == nodes_ + numNodes_ || codeOf(*next) == RX_ALT);
 }
 
 // Adds the bytes of all that is in a group; false if they are not known.
@@ -166,6 +177,15 @@ Cost Walk::group(int32_t open, const RxNode* quantifier, uint32_t options) {
   return then({1, 1}, all);
 }
 
+// A group that is left in one way only.
+Cost Walk::oneWay(int32_t open, uint32_t options) {
+  const bool before = takesNothing_;
+  takesNothing_ = takesNothing_ || codeOf(nodes_[open]) != RX_ATOMIC;
+  const Cost inside = body(open, options);
+  takesNothing_ = before;
+  return {saturated(2 + inside.steps + inside.exits), 1};
+}
+
 Cost Walk::piece(int32_t node, uint32_t options) {
   const RxNode* const quantifier = quantifierOf(nodes_, numNodes_, node);
   if (quantifier && quantifier + 1 < nodes_ + numNodes_ && isQuantifier(quantifier[1])) return unbounded();
@@ -177,11 +197,8 @@ Cost Walk::piece(int32_t node, uint32_t options) {
     case RX_NLOOKAHEAD:
     case RX_LOOKBEHIND:
     case RX_NLOOKBEHIND:
-    case RX_ATOMIC: {
-      if (quantifier) return unbounded();
-      const Cost inside = body(node, options);
-      return {saturated(2 + inside.steps + inside.exits), 1};
-    }
+    case RX_ATOMIC:
+      return quantifier ? unbounded() : oneWay(node, options);
     case RX_CAPTURE:
     case RX_GROUP:
     case RX_OPTGROUP:
@@ -190,6 +207,7 @@ Cost Walk::piece(int32_t node, uint32_t options) {
       if (!isItem(nodes_[node]) && codeOf(nodes_[node]) != RX_BACKREF) return unbounded();
       if (!quantifier) return {1, 1};
       if (codeOf(nodes_[node]) == RX_BACKREF || codeOf(nodes_[node]) == RX_XSEQ) return unbounded();
+      if (endsProgram(*quantifier)) return {1, 1};
       return repeat(nodes_[node], *quantifier, options);
   }
 }
@@ -216,6 +234,10 @@ Cost Walk::upToItem(uint32_t options) {
   return then(whole, piece(node, options));
 }
 
+int64_t bound(const Walk& walk, Cost cost) {
+  return walk.isBounded() ? saturated(cost.steps + cost.exits) : kNoBound;
+}
+
 }  // namespace
 
 bool findRuns(const ulkRegExpState& state, Runs& runs) {
@@ -229,14 +251,21 @@ int64_t stepBound(const ulkRegExpState& state, const Runs& runs) {
   Runs known = runs;
   Walk walk(state, known, false);
   const Cost cost = walk.program(state.options);
-  return walk.isBounded() ? saturated(cost.steps + cost.exits) : kNoBound;
+  return bound(walk, cost);
 }
 
 int64_t lookbehindBound(const ulkRegExpState& state) {
   Runs none;
   Walk walk(state, none, false);
   const Cost cost = walk.upToItem(state.options);
-  return walk.isBounded() ? saturated(cost.steps + cost.exits) : kNoBound;
+  return bound(walk, cost);
+}
+
+int64_t shortAttemptBound(const ulkRegExpState& state, int32_t mostBytes) {
+  Runs none;
+  Walk walk(state, none, false, mostBytes);
+  const Cost cost = walk.program(state.options);
+  return bound(walk, cost);
 }
 
 }  // namespace ulk

@@ -1,8 +1,9 @@
-// How many steps an attempt takes at most.
+// How many steps an attempt takes at most that fails.
 //
 // It depends on the text by the runs that the unbounded repeats can take alone: of how many characters the
 // longest is. So the bound is found in three parts: which runs matter, how long they are in a text, and what
-// that makes. Where the limit allows for so many steps at every place of the text, none need be counted.
+// that makes. Where the limit allows for so many steps at every place of the text, attempts that would fail
+// can be left out uncounted.
 #pragma once
 
 #include <cstdint>
@@ -30,5 +31,8 @@ int64_t stepBound(const ulkRegExpState& state, const Runs& runs);
 
 // The bound for an attempt that fails in the lookbehind that the program begins with.
 int64_t lookbehindBound(const ulkRegExpState& state);
+
+// The bound, in any text, for an attempt none of whose tries takes more than so many bytes.
+int64_t shortAttemptBound(const ulkRegExpState& state, int32_t mostBytes);
 
 }  // namespace ulk

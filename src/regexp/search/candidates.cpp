@@ -31,14 +31,21 @@ int32_t Candidates::make(ulkRegExpState& state) {
   const FrameRange room = unusedFrames(state);
   if (sizeof(Candidates) > static_cast<size_t>(room.count) * sizeof(WorkFrame)) return 0;
   Candidates& made = *new (&state.frames[room.first]) Candidates;
-  if (!findRuns(state, made.runs_) || !made.automaton_.make(state)) return 0;
+  if (!made.automaton_.make(state)) return 0;
+  const bool knowsRuns = findRuns(state, made.runs_);
   std::fill_n(made.runs_.longest, Runs::kMax, kUsualRun);
-  made.attemptBound_ = stepBound(state, made.runs_);
+  made.attemptBound_ = knowsRuns ? stepBound(state, made.runs_) : kNoBound;
   const bool hasPair = findRarePair(made.automaton_.positions(), made.pair_);
-  const bool failsEarly = hasPair && std::max(made.pair_.firstAt, made.pair_.secondAt) < made.bytesBefore();
-  made.earlyBound_ = failsEarly ? lookbehindBound(state) : 0;
+  made.boundWithoutPair_ = hasPair ? made.findBoundWithoutPair(state) : kNoBound;
+  if (!knowsRuns && made.boundWithoutPair_ == kNoBound) return 0;
   made.choose(hasPair ? Way::kPair : Way::kRequired);
   return room.first;
+}
+
+// Where the pair is not, nothing goes on behind it.
+int64_t Candidates::findBoundWithoutPair(const ulkRegExpState& state) const {
+  const int32_t mostBytes = std::max(pair_.firstAt, pair_.secondAt) - bytesBefore();
+  return mostBytes < 0 ? lookbehindBound(state) : shortAttemptBound(state, mostBytes);
 }
 
 // The way, or the next one that there is.
@@ -67,13 +74,16 @@ bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const u
   blockBegin_ = blockEnd_ = nullptr;
   automaton_.begin();
   const int64_t attempts = 2 * (int64_t{textEnd - text} + 1);  // behind an empty match there is another
-  if (way_ == Way::kPair && earlyBound_ > 0) {
-    if (!budget.suffices(earlyBound_ * attempts)) return false;
-    budget.payBound(earlyBound_ * attempts);
+  // What remains of the budget has to do for the attempts that are made.
+  const auto suffices = [&](int64_t bound) { return bound * attempts <= budget.left() / 2; };
+  if (way_ == Way::kPair && suffices(boundWithoutPair_)) {
+    budget.payBound(boundWithoutPair_ * attempts);
     return true;
   }
-  const auto suffices = [&] { return budget.suffices(attemptBound_ * attempts); };
-  if (suffices() && boundAttempts(state, text, textEnd) && suffices()) return true;
+  if (suffices(attemptBound_) && boundAttempts(state, text, textEnd) && suffices(attemptBound_)) {
+    budget.payBound(attemptBound_ * attempts);
+    return true;
+  }
   std::fill_n(runs_.longest, Runs::kMax, kUsualRun);
   attemptBound_ = stepBound(state, runs_);
   return false;

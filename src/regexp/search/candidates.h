@@ -23,8 +23,8 @@ class Candidates {
     return reinterpret_cast<Candidates*>(&state.frames[frame]);
   }
 
-  // For the text from a place on. False if attempts at all places might take more steps than there are. Pays
-  // a bound for those that are left out where the bound for all attempts is not asked for.
+  // For the text from a place on. Pays for the attempts that are left out; false if they might take too much
+  // of the budget.
   bool begin(const ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd, StepBudget& budget);
 
   // Looking for candidates takes much less time than where all of the text is read in blocks.
@@ -45,6 +45,7 @@ class Candidates {
   static constexpr int32_t kAhead = 256;
 
   void choose(Way way);
+  int64_t findBoundWithoutPair(const ulkRegExpState& state) const;
   bool boundAttempts(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end);
   const uint8_t* nextPair(const uint8_t* at) const;
   const uint8_t* nextInBlock(const uint8_t* at) const;
@@ -57,9 +58,9 @@ class Candidates {
   RarePair pair_;
   BackwardAutomaton automaton_;
 
-  Runs runs_;             // none in the text is longer,
-  int64_t attemptBound_;  // so that no attempt takes more steps
-  int64_t earlyBound_;    // nor one, in any text, that fails where the pair is not; 0 if that is not known
+  Runs runs_;                 // none in the text is longer,
+  int64_t attemptBound_;      // so that no attempt takes more steps;
+  int64_t boundWithoutPair_;  // nor, in any text, one that is made where the pair is not
 
   const uint8_t* textEnd_;
   const uint8_t* blockBegin_;

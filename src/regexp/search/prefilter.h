@@ -4,8 +4,8 @@
 // against that of looking for candidates (candidates.h). What is known is kept in the expression's state, so
 // that over many short texts it is found out together.
 //
-// Attempts that are left out are not paid for: candidates are used only where the limit allows for attempts
-// at all places by their bound (step_bound.h), so that no one can tell.
+// Attempts that are left out are paid for by a bound (step_bound.h). Candidates are used only where most of
+// the budget remains for the attempts that are made.
 #pragma once
 
 #include <algorithm>
