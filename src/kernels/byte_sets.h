@@ -18,6 +18,18 @@ class OneByte {
   Vec16<uint8_t> member_;
 };
 
+class TwoBytes {
+ public:
+  ULK_INLINE explicit TwoBytes(const uint8_t* members)
+      : first_(Vec16<uint8_t>::splat(members[0])), second_(Vec16<uint8_t>::splat(members[1])) {}
+  ULK_INLINE Vec16<uint8_t> contains(Vec16<uint8_t> bytes) const {
+    return bytes.equal(first_) | bytes.equal(second_);
+  }
+
+ private:
+  Vec16<uint8_t> first_, second_;
+};
+
 // Up to four members; a smaller set repeats some.
 class FourBytes {
  public:

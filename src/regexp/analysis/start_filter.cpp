@@ -36,10 +36,7 @@ StartKind kindOf(const FirstBytes& items, const RxNode* nodes, StartFilter& filt
     return caseless ? StartKind::kCaselessString : StartKind::kString;
   }
   if (!describe(items.set, filter.small)) return StartKind::kSet;
-  const SmallSet& small = filter.small;
-  const bool one =
-      small.form == SmallSetForm::kMembers && std::count(small.bytes, small.bytes + 4, small.bytes[0]) == 4;
-  return one ? StartKind::kByte : StartKind::kSmallSet;
+  return filter.small.form == SmallSetForm::kOne ? StartKind::kByte : StartKind::kSmallSet;
 }
 
 bool isLiteral(const ulkRegExpState& state, int32_t node) {
@@ -229,6 +226,7 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   }
   filter.steps = items.steps;
   filter.placeSteps = items.boundarySteps;
+  filter.failsAtEnd = !items.atEnd;
   filter.item = items.itemOptions == filter.options ? items.soleItem : -1;
   filter.kind = kindOf(items, nodes, filter);
   // Of the bytes of a run one is at a word boundary.

@@ -59,7 +59,8 @@ class Walk {
   const bool notes_;
   const int64_t mostBytes_;  // that the program takes
   bool isBounded_ = true;
-  bool takesNothing_ = false;  // in a lookaround: what is looked at is not taken
+  bool looksAhead_ = false;   // what is looked at is not taken,
+  bool looksBehind_ = false;  // and lies elsewhere
   int32_t depth_ = 0;
 };
 
@@ -68,9 +69,14 @@ Cost Walk::unbounded() {
   return {kNoBound, kNoBound};
 }
 
-// Any character from 0x80 on may have any bytes from there on.
+// A lookbehind looks where no run has been measured. Any character from 0x80 on may have any bytes from there
+// on.
 int64_t Walk::longestRun(const ByteSet256& set) {
-  if (mostBytes_ < kNoBound && !takesNothing_) return mostBytes_;
+  if (looksBehind_) {
+    isBounded_ = false;
+    return kNoBound;
+  }
+  if (mostBytes_ < kNoBound && !looksAhead_) return mostBytes_;
   ByteSet256 whole = set;
   if (hasHighBytes(set)) addAllHighBytes(whole);
   int32_t i = 0;
@@ -179,10 +185,14 @@ Cost Walk::group(int32_t open, const RxNode* quantifier, uint32_t options) {
 
 // A group that is left in one way only.
 Cost Walk::oneWay(int32_t open, uint32_t options) {
-  const bool before = takesNothing_;
-  takesNothing_ = takesNothing_ || codeOf(nodes_[open]) != RX_ATOMIC;
+  const RxCode code = codeOf(nodes_[open]);
+  const bool lookedAhead = looksAhead_;
+  const bool lookedBehind = looksBehind_;
+  looksAhead_ = looksAhead_ || code == RX_LOOKAHEAD || code == RX_NLOOKAHEAD;
+  looksBehind_ = looksBehind_ || code == RX_LOOKBEHIND || code == RX_NLOOKBEHIND;
   const Cost inside = body(open, options);
-  takesNothing_ = before;
+  looksAhead_ = lookedAhead;
+  looksBehind_ = lookedBehind;
   return {saturated(2 + inside.steps + inside.exits), 1};
 }
 

@@ -6,16 +6,18 @@ namespace ulk {
 
 namespace {
 
-// Lists the members of a set of up to four; false for a larger one, or an empty one.
-bool listMembers(const ByteSet256& set, uint8_t (&members)[4]) {
+// Lists the members of a set of up to four.
+SmallSetForm listMembers(const ByteSet256& set, uint8_t (&members)[4]) {
+  using enum SmallSetForm;
   int count = 0;
   for (int32_t c = 0; c < 256; ++c) {
     if (!set.contains(static_cast<uint8_t>(c))) continue;
-    if (count == 4) return false;
+    if (count == 4) return kNone;
     members[count++] = static_cast<uint8_t>(c);
   }
   std::fill(members + std::max(count, 1), members + 4, members[0]);
-  return count > 0;
+  constexpr SmallSetForm kForms[] = {kNone, kOne, kTwo, kFour, kFour};
+  return kForms[count];
 }
 
 // Lists the bounds of a set of one or two ranges below 0x80; one range stands twice. False for other sets.
@@ -36,11 +38,8 @@ bool listRanges(const ByteSet256& set, uint8_t (&bounds)[4]) {
 }  // namespace
 
 bool describe(const ByteSet256& set, SmallSet& small) {
-  if (listMembers(set, small.bytes)) {
-    small.form = SmallSetForm::kMembers;
-  } else {
-    small.form = listRanges(set, small.bytes) ? SmallSetForm::kRanges : SmallSetForm::kNone;
-  }
+  small.form = listMembers(set, small.bytes);
+  if (small.form == SmallSetForm::kNone && listRanges(set, small.bytes)) small.form = SmallSetForm::kRanges;
   return small.form != SmallSetForm::kNone;
 }
 

@@ -7,9 +7,9 @@
 
 namespace ulk {
 
-// A small set of bytes: up to four members, some repeated if there are fewer, or up to two ranges of ASCII,
-// from the first byte to the second and from the third to the fourth.
-enum class SmallSetForm : uint8_t { kNone, kMembers, kRanges };
+// A small set of bytes: one, two, or up to four members, where three repeat the first; or up to two ranges of
+// ASCII, from the first byte to the second and from the third to the fourth.
+enum class SmallSetForm : uint8_t { kNone, kOne, kTwo, kFour, kRanges };
 struct SmallSet {
   SmallSetForm form;
   uint8_t bytes[4];

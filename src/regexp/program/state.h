@@ -88,9 +88,10 @@ struct StartFilter {
   Anchor anchor;
   StartKind kind;
   uint8_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
-  bool hasFrames : 1;  // the frames named below belong to no group
-  bool literals : 1;   // there are several ways to begin, each with a literal, which the pair's frame tells
-  bool hasPair : 1;    // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
+  bool hasFrames : 1;   // the frames named below belong to no group
+  bool literals : 1;    // there are several ways to begin, each with a literal, which the pair's frame tells
+  bool hasPair : 1;     // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
+  bool failsAtEnd : 1;  // an attempt at the text's end fails as one elsewhere does
   WindowState window : 2;
   SmallSet small;  // the set, where it is one
   int32_t steps;   // that an attempt elsewhere costs

@@ -33,8 +33,8 @@ int32_t Candidates::make(ulkRegExpState& state) {
   Candidates& made = *new (&state.frames[room.first]) Candidates;
   if (!made.automaton_.make(state)) return 0;
   const bool knowsRuns = findRuns(state, made.runs_);
-  std::fill_n(made.runs_.longest, Runs::kMax, kUsualRun);
-  made.attemptBound_ = knowsRuns ? stepBound(state, made.runs_) : kNoBound;
+  made.shortTextBound_ = knowsRuns ? made.boundRuns(state, kShortText) : kNoBound;
+  made.attemptBound_ = knowsRuns ? made.boundRuns(state, kUsualRun) : kNoBound;
   const bool hasPair = findRarePair(made.automaton_.positions(), made.pair_);
   made.boundWithoutPair_ = hasPair ? made.findBoundWithoutPair(state) : kNoBound;
   if (!knowsRuns && made.boundWithoutPair_ == kNoBound) return 0;
@@ -54,6 +54,12 @@ void Candidates::choose(Way way) {
   way_ = way;
   automaton_.restart(way == Way::kBlocks);
   blockBegin_ = blockEnd_ = nullptr;
+}
+
+// The bound while no run is longer than so many bytes.
+int64_t Candidates::boundRuns(const ulkRegExpState& state, int32_t longest) {
+  std::fill_n(runs_.longest, Runs::kMax, longest);
+  return stepBound(state, runs_);
 }
 
 // The runs of earlier texts are taken to be those of this one as long as that is enough.
@@ -76,16 +82,15 @@ bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const u
   const int64_t attempts = 2 * (int64_t{textEnd - text} + 1);  // behind an empty match there is another
   // What remains of the budget has to do for the attempts that are made.
   const auto suffices = [&](int64_t bound) { return bound * attempts <= budget.left() / 2; };
-  if (way_ == Way::kPair && suffices(boundWithoutPair_)) {
-    budget.payBound(boundWithoutPair_ * attempts);
+  const auto pay = [&](int64_t bound) {
+    if (!suffices(bound)) return false;
+    budget.payBound(bound * attempts);
     return true;
-  }
-  if (suffices(attemptBound_) && boundAttempts(state, text, textEnd) && suffices(attemptBound_)) {
-    budget.payBound(attemptBound_ * attempts);
-    return true;
-  }
-  std::fill_n(runs_.longest, Runs::kMax, kUsualRun);
-  attemptBound_ = stepBound(state, runs_);
+  };
+  if (way_ == Way::kPair && pay(boundWithoutPair_)) return true;
+  if (textEnd - text <= kShortText && pay(shortTextBound_)) return true;
+  if (suffices(attemptBound_) && boundAttempts(state, text, textEnd) && pay(attemptBound_)) return true;
+  attemptBound_ = boundRuns(state, kUsualRun);
   return false;
 }
 

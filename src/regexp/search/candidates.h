@@ -43,9 +43,11 @@ class Candidates {
   enum class Way : uint8_t { kPair, kRequired, kBlocks };
   static constexpr int32_t kChunk = BackwardAutomaton::kChunk;
   static constexpr int32_t kAhead = 256;
+  static constexpr int32_t kShortText = 256;
 
   void choose(Way way);
   int64_t findBoundWithoutPair(const ulkRegExpState& state) const;
+  int64_t boundRuns(const ulkRegExpState& state, int32_t longest);
   bool boundAttempts(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end);
   const uint8_t* nextPair(const uint8_t* at) const;
   const uint8_t* nextInBlock(const uint8_t* at) const;
@@ -59,6 +61,7 @@ class Candidates {
   BackwardAutomaton automaton_;
 
   Runs runs_;                 // none in the text is longer,
+  int64_t shortTextBound_;    // in a short text, none is longer than it
   int64_t attemptBound_;      // so that no attempt takes more steps;
   int64_t boundWithoutPair_;  // nor, in any text, one that is made where the pair is not
 

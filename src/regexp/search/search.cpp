@@ -49,7 +49,7 @@ class Search {
   ulkStatus findOnce(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches, bool payExactly);
   ulkStatus findOne(ulkRegExpFind* records, int32_t* numRecords);
   ulkStatus findAll(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
-  bool findFrom(const uint8_t* start, const uint8_t* end);
+  ULK_INLINE bool findFrom(const uint8_t* start, const uint8_t* end);
   bool outOfBudget() const { return m_.budget.isExhausted(); }
   void writeRecords(ulkRegExpFind* records, int32_t first, int32_t last);
 

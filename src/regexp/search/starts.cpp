@@ -321,8 +321,15 @@ const uint8_t* Starts::skip(const uint8_t* at) {
   return at;
 }
 
+// What an attempt costs at the text's end, whether there is a word boundary or not.
+int32_t Starts::stepsAtLastBoundary() const {
+  const uint8_t* const end = m_.textEnd;
+  const bool inWord = end != m_.textStart && inByteSet(end[-1], kWord);
+  return inWord != inByteSet(*end, kWord) ? filter().steps : filter().placeSteps;
+}
+
 const uint8_t* Starts::nextLine(const uint8_t* at) {
-  if (!knowsLines() || (filter().options & kMatcherOptions) != m_.options) return at;
+  if (!knowsLines() || !knowsOptions()) return at;
   if (at != m_.textStart && at[-1] != '\n') return at;
   for (; at < m_.textEnd && !set().contains(*at) && !m_.budget.isExhausted(); at = lineBehind(m_, at))
     pay(filter().placeSteps);

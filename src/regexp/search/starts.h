@@ -16,14 +16,20 @@ class Starts {
  public:
   Starts(MatchContext& m, ulkRegExpState& state) : m_(m), state_(state), prefilter_(m, state) {}
 
-  // The first position from `at` on that needs an attempt, at most the text's end; pays for those before it.
-  // Where the budget does not suffice, it is exhausted and the position returned does not matter.
+  // The first position from `at` on that needs an attempt, beyond the text's end if there is none; pays for
+  // those before it. Where the budget does not suffice, it is exhausted and the position returned does not
+  // matter.
   const uint8_t* next(const uint8_t* at) {
-    if (prefilter_.use(at)) return prefilter_.next(at);
-    if (at < attemptsEnd_ || filter().kind == StartKind::kAny ||
-        (filter().options & kMatcherOptions) != m_.options)
-      return at;
-    return skip(at);
+    if (prefilter_.use(at)) {
+      at = prefilter_.next(at);
+    } else if (at >= attemptsEnd_ && filter().kind != StartKind::kAny && knowsOptions()) {
+      at = skip(at);
+    }
+    if (at == m_.textEnd && filter().failsAtEnd && knowsOptions()) {
+      pay(filter().kind == StartKind::kBoundary ? stepsAtLastBoundary() : filter().steps);
+      ++at;
+    }
+    return at;
   }
 
   // The same where attempts are made at line starts only: the first line start that needs one. Other places
@@ -54,9 +60,11 @@ class Starts {
   const StartFilter& filter() const { return startFilterOf(state_); }
   const ByteSet256& set() const { return state_.frames[kStartSetFrame].bytes; }
   const StartPair& pair() const { return state_.frames[kStartPairFrame].pair; }
+  bool knowsOptions() const { return (filter().options & kMatcherOptions) == m_.options; }
   // Whether the set tells which lines need an attempt.
   bool knowsLines() const { return filter().kind == StartKind::kLineStart && filter().placeSteps > 0; }
   const uint8_t* skip(const uint8_t* at);
+  int32_t stepsAtLastBoundary() const;
   const uint8_t* characterAfter(const uint8_t* at) const;
   int32_t find(const uint8_t* at, int32_t length) const;
   const uint8_t* asciiEnd(const uint8_t* at);

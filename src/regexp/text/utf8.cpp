@@ -20,7 +20,7 @@ Utf8Char decodeLongMultibyte(const uint8_t* at) {
   return {value, continuations + 1};
 }
 
-const uint8_t* characterFrom(const uint8_t* place, const uint8_t* at) {
+const uint8_t* characterFromMultibyte(const uint8_t* place, const uint8_t* at) {
   const uint8_t* lead = place;
   while (lead > at && place - lead < 6 && isContinuation(lead[-1])) --lead;
   return lead > at ? std::max(place, lead - 1 + decodeUtf8(lead - 1).length) : place;

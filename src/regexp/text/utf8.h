@@ -33,7 +33,12 @@ inline Utf8Char decodeUtf8(const uint8_t* at) {
   return decodeMultibyte(at);
 }
 
+// The same where the byte before the place is 0x80 or more.
+const uint8_t* characterFromMultibyte(const uint8_t* place, const uint8_t* at);
+
 // The first place at `place` or behind it where a character begins or ends, if one begins at `at` before it.
-const uint8_t* characterFrom(const uint8_t* place, const uint8_t* at);
+inline const uint8_t* characterFrom(const uint8_t* place, const uint8_t* at) {
+  return place == at || place[-1] < 0x80 ? place : characterFromMultibyte(place, at);
+}
 
 }  // namespace ulk
