@@ -223,7 +223,7 @@ void forgetFound(LineFilter* filter) {
 
 static ulkStatus search(ulkRegExpState* expression, const uint8_t* text, int32_t length, ulkRegExpFind* found,
                         int32_t* count) {
-  ulksRegExpSetMatchLimit(length < INT32_MAX / 200 ? 10000 + 100 * length : INT32_MAX, expression);
+  ulksRegExpSetMatchLimit(length < INT32_MAX / 500 ? 10000 + 400 * length : INT32_MAX, expression);
   return ulksRegExpFind_8u(text, length, expression, found, count);
 }
 

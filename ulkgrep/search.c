@@ -201,10 +201,18 @@ static void printLinesBefore(FileSearch* search, size_t start) {
 }
 
 // Returns 0 when nothing more of the file is of interest.
+static int countLine(FileSearch* search) {
+  const Options* options = &search->grep->options;
+  ++search->taken;
+  const int first = options->report != REPORT_LINES && options->report != REPORT_COUNT;
+  return !first && search->taken < options->maxCount;
+}
+
+// As countLine, and shows the line where lines are shown.
 static int takeLine(FileSearch* search, size_t start, const Line* line, int32_t pattern) {
   Grep* grep = search->grep;
   const Options* options = &grep->options;
-  ++search->taken;
+  const int goesOn = countLine(search);
   if (options->report == REPORT_LINES) {
     if (search->isBinary) {
       printf("ulkgrep: %s: binary file matches\n", search->file);
@@ -220,8 +228,7 @@ static int takeLine(FileSearch* search, size_t start, const Line* line, int32_t 
                       nextLine(&search->buffer, start + (size_t)line->length + (size_t)line->hasReturn);
     search->linesLeft = options->linesAfter;
   }
-  const int first = options->report != REPORT_LINES && options->report != REPORT_COUNT;
-  return !first && search->taken < options->maxCount;
+  return goesOn;
 }
 
 // The line behind which no line before `start` may match.
@@ -242,13 +249,25 @@ static size_t findCandidate(FileSearch* search, size_t start) {
   return line;
 }
 
-// Takes what is to be taken of the whole lines from `start` on. Returns 0 when that was all.
+// Takes the line, or passes it. Returns as takeLine does, and -1 where the line is too long.
+static int takeOrPassLine(FileSearch* search, size_t start, size_t end) {
+  const Options* options = &search->grep->options;
+  const int isKnown = search->isEnough && !search->unfiltered;
+  if (end - start > INT32_MAX) return -1;
+  if (isKnown && !options->invert && options->report != REPORT_LINES) return countLine(search);
+  const Line line = lineAt(search, start, end);
+  const int32_t pattern = isKnown ? -1 : searchLine(search->grep, &line);
+  if ((isKnown || pattern >= 0) != options->invert) return takeLine(search, start, &line, pattern);
+  if (search->linesLeft > 0) passLines(search, start, nextLine(&search->buffer, end));
+  return 1;
+}
+
+// Takes what is to be taken of the whole lines from `start` on. Returns as takeOrPassLine does.
 static int searchLines(FileSearch* search, size_t start) {
-  const int invert = search->grep->options.invert;
   TextBuffer* buffer = &search->buffer;
   while (start < buffer->linesEnd) {
     const size_t candidate = findCandidate(search, start);
-    while (invert && start < candidate) {
+    while (search->grep->options.invert && start < candidate) {
       const size_t end = lineEnd(buffer, start);
       const Line line = lineAt(search, start, end);
       if (!takeLine(search, start, &line, -1)) return 0;
@@ -258,15 +277,8 @@ static int searchLines(FileSearch* search, size_t start) {
     start = candidate;
     if (start >= buffer->linesEnd) break;
     const size_t end = lineEnd(buffer, start);
-    if (end - start > INT32_MAX) return -1;
-    const Line line = lineAt(search, start, end);
-    const int isKnown = search->isEnough && !search->unfiltered;
-    const int32_t pattern = isKnown ? -1 : searchLine(search->grep, &line);
-    if ((isKnown || pattern >= 0) == invert) {
-      if (search->linesLeft > 0) passLines(search, start, nextLine(buffer, end));
-    } else if (!takeLine(search, start, &line, pattern)) {
-      return 0;
-    }
+    const int goesOn = takeOrPassLine(search, start, end);
+    if (goesOn <= 0) return goesOn;
     start = nextLine(buffer, end);
   }
   return 1;

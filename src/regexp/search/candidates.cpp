@@ -81,7 +81,7 @@ bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const u
   automaton_.begin();
   const int64_t attempts = 2 * (int64_t{textEnd - text} + 1);  // behind an empty match there is another
   // What remains of the budget has to do for the attempts that are made.
-  const auto suffices = [&](int64_t bound) { return bound * attempts <= budget.left() / 2; };
+  const auto suffices = [&](int64_t bound) { return bound * attempts <= budget.left() - budget.left() / 4; };
   const auto pay = [&](int64_t bound) {
     if (!suffices(bound)) return false;
     budget.payBound(bound * attempts);
