@@ -59,6 +59,7 @@ class Walk {
   const bool notes_;
   const int64_t mostBytes_;  // that the program takes
   bool isBounded_ = true;
+  bool isOneWay_ = false;     // in a lookaround or an atomic group
   bool looksAhead_ = false;   // what is looked at is not taken,
   bool looksBehind_ = false;  // and lies elsewhere
   int32_t depth_ = 0;
@@ -105,10 +106,13 @@ Cost Walk::repeat(const RxNode& item, const RxNode& quantifier, uint32_t options
   return {1, most + 1};
 }
 
-// Whether the program accepts behind the repeat: an attempt that fails has not left it.
+// Whether the program accepts behind the repeat, the last of `a+|b+` or of `a(b+)`: an attempt that fails has
+// not left it.
 bool Walk::endsProgram(const RxNode& quantifier) const {
-  const RxNode* const next = &quantifier + 1;
-  return depth_ == 0 && (next == nodes_ + numNodes_ || codeOf(*next) == RX_ALT);
+  if (isOneWay_) return false;
+  auto next = static_cast<int32_t>(&quantifier - nodes_) + 1;
+  while (next < numNodes_ && codeOf(nodes_[next]) == RX_END && !quantifierOf(nodes_, numNodes_, next)) ++next;
+  return next == numNodes_ || (codeOf(nodes_[next]) == RX_ALT && serialOf(nodes_[next]) == kTopLevel);
 }
 
 // Adds the bytes of all that is in a group; false if they are not known.
@@ -186,11 +190,14 @@ Cost Walk::group(int32_t open, const RxNode* quantifier, uint32_t options) {
 // A group that is left in one way only.
 Cost Walk::oneWay(int32_t open, uint32_t options) {
   const RxCode code = codeOf(nodes_[open]);
+  const bool wasOneWay = isOneWay_;
   const bool lookedAhead = looksAhead_;
   const bool lookedBehind = looksBehind_;
+  isOneWay_ = true;
   looksAhead_ = looksAhead_ || code == RX_LOOKAHEAD || code == RX_NLOOKAHEAD;
   looksBehind_ = looksBehind_ || code == RX_LOOKBEHIND || code == RX_NLOOKBEHIND;
   const Cost inside = body(open, options);
+  isOneWay_ = wasOneWay;
   looksAhead_ = lookedAhead;
   looksBehind_ = lookedBehind;
   return {saturated(2 + inside.steps + inside.exits), 1};
@@ -250,11 +257,9 @@ int64_t bound(const Walk& walk, Cost cost) {
 
 }  // namespace
 
-bool findRuns(const ulkRegExpState& state, Runs& runs) {
+void findRuns(const ulkRegExpState& state, Runs& runs) {
   runs.count = 0;
-  Walk walk(state, runs, true);
-  walk.program(state.options);
-  return walk.isBounded();
+  Walk(state, runs, true).program(state.options);
 }
 
 int64_t stepBound(const ulkRegExpState& state, const Runs& runs) {

@@ -23,8 +23,8 @@ struct Runs {
 // The bounds that no limit reaches are all this one.
 inline constexpr int64_t kNoBound = INT32_MAX;
 
-// The sets of the program, with runs of length 0. False where no bound is known.
-bool findRuns(const ulkRegExpState& state, Runs& runs);
+// The sets of the program, with runs of length 0; some of them where no bound is known.
+void findRuns(const ulkRegExpState& state, Runs& runs);
 
 // The bound while no run is longer than `runs` says.
 int64_t stepBound(const ulkRegExpState& state, const Runs& runs);

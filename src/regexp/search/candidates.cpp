@@ -8,8 +8,10 @@
 #include "kernels/find_substring.h"
 #include "kernels/find_unit.h"
 #include "regexp/analysis/follow_sets.h"
+#include "regexp/analysis/start_filter.h"
 #include "regexp/search/byte_runs.h"
 #include "regexp/search/small_set_vectors.h"
+#include "regexp/text/bytes.h"
 
 namespace ulk {
 
@@ -25,6 +27,21 @@ bool measureRun(const ByteSet256& set, const uint8_t* text, const uint8_t* end, 
   return true;
 }
 
+// How many attempts in [text, end) may not fail at their first byte; all where the start filter does not
+// tell.
+int64_t countStarts(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end) {
+  const StartFilter& filter = startFilterOf(state);
+  const bool isSet = filter.kind != StartKind::kAny && filter.kind != StartKind::kLineStart &&
+                     filter.kind != StartKind::kTextStart;
+  if (!isSet || filter.options != state.options) return end - text + 1;
+  const ByteSet256& set = state.frames[kStartSetFrame].bytes;
+  const bool atBoundary = filter.kind == StartKind::kBoundary;
+  int64_t count = 1;  // the first, before which it does not look
+  for (const uint8_t* at = text + 1; at < end; ++at)
+    count += set.contains(*at) && (!atBoundary || inByteSet(at[-1], kWord) != inByteSet(*at, kWord));
+  return count;
+}
+
 }  // namespace
 
 int32_t Candidates::make(ulkRegExpState& state) {
@@ -32,12 +49,12 @@ int32_t Candidates::make(ulkRegExpState& state) {
   if (sizeof(Candidates) > static_cast<size_t>(room.count) * sizeof(WorkFrame)) return 0;
   Candidates& made = *new (&state.frames[room.first]) Candidates;
   if (!made.automaton_.make(state)) return 0;
-  const bool knowsRuns = findRuns(state, made.runs_);
-  made.shortTextBound_ = knowsRuns ? made.boundRuns(state, kShortText) : kNoBound;
-  made.attemptBound_ = knowsRuns ? made.boundRuns(state, kUsualRun) : kNoBound;
+  findRuns(state, made.runs_);
+  made.shortTextBound_ = made.boundRuns(state, kShortText);
+  made.attemptBound_ = made.boundRuns(state, kUsualRun);
   const bool hasPair = findRarePair(made.automaton_.positions(), made.pair_);
   made.boundWithoutPair_ = hasPair ? made.findBoundWithoutPair(state) : kNoBound;
-  if (!knowsRuns && made.boundWithoutPair_ == kNoBound) return 0;
+  if (made.attemptBound_ == kNoBound && made.boundWithoutPair_ == kNoBound) return 0;
   made.choose(hasPair ? Way::kPair : Way::kRequired);
   return room.first;
 }
@@ -74,22 +91,34 @@ bool Candidates::boundAttempts(const ulkRegExpState& state, const uint8_t* text,
   return true;
 }
 
+// What all attempts take at most that fail, kNoBound where that is more than the limit.
+int64_t Candidates::boundAll(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
+                             int64_t limit) {
+  constexpr int64_t kFew = 16;  // of so many attempts one may not fail at once
+  const int64_t attempts = end - text + 1;
+  if (way_ == Way::kPair && boundWithoutPair_ * attempts <= limit) return boundWithoutPair_ * attempts;
+  if (end - text <= kShortText && shortTextBound_ * attempts <= limit) return shortTextBound_ * attempts;
+  if (attemptBound_ == kNoBound || attemptBound_ * attempts > kFew * limit ||
+      !boundAttempts(state, text, end))
+    return kNoBound;
+  if (attemptBound_ * attempts <= limit) return attemptBound_ * attempts;
+  const StartFilter& filter = startFilterOf(state);
+  const int64_t elsewhere = attempts * std::max(filter.steps, filter.placeSteps);
+  return std::min(elsewhere + countStarts(state, text, end) * attemptBound_, kNoBound);
+}
+
 bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd,
                        StepBudget& budget) {
   textEnd_ = textEnd;
   blockBegin_ = blockEnd_ = nullptr;
   automaton_.begin();
-  const int64_t attempts = 2 * (int64_t{textEnd - text} + 1);  // behind an empty match there is another
   // What remains of the budget has to do for the attempts that are made.
-  const auto suffices = [&](int64_t bound) { return bound * attempts <= budget.left() - budget.left() / 4; };
-  const auto pay = [&](int64_t bound) {
-    if (!suffices(bound)) return false;
-    budget.payBound(bound * attempts);
+  const int64_t limit = budget.left() - budget.left() / 4;
+  const int64_t bound = boundAll(state, text, textEnd, limit);
+  if (bound <= limit) {
+    budget.payBound(bound);
     return true;
-  };
-  if (way_ == Way::kPair && pay(boundWithoutPair_)) return true;
-  if (textEnd - text <= kShortText && pay(shortTextBound_)) return true;
-  if (suffices(attemptBound_) && boundAttempts(state, text, textEnd) && pay(attemptBound_)) return true;
+  }
   attemptBound_ = boundRuns(state, kUsualRun);
   return false;
 }

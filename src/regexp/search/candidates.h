@@ -49,6 +49,7 @@ class Candidates {
   int64_t findBoundWithoutPair(const ulkRegExpState& state) const;
   int64_t boundRuns(const ulkRegExpState& state, int32_t longest);
   bool boundAttempts(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end);
+  int64_t boundAll(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end, int64_t limit);
   const uint8_t* nextPair(const uint8_t* at) const;
   const uint8_t* nextInBlock(const uint8_t* at) const;
   void readBack(const uint8_t* begin, uint16_t row);
