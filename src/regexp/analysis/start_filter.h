@@ -17,4 +17,9 @@ void makeStartFilter(ulkRegExpState& state, bool hasFrames);
 
 inline const StartFilter& startFilterOf(const ulkRegExpState& state) { return state.frames[0].start; }
 
+// Whether the filter is for all attempts: none changes the options that the first one begins with.
+inline bool filtersAllAttempts(const ulkRegExpState& state) {
+  return ((startFilterOf(state).options ^ state.options) & kMatcherOptions) == 0;
+}
+
 }  // namespace ulk

@@ -91,7 +91,7 @@ struct StartFilter {
   bool hasFrames : 1;   // the frames named below belong to no group
   bool literals : 1;    // there are several ways to begin, each with a literal, which the pair's frame tells
   bool hasPair : 1;     // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
-  bool failsAtEnd : 1;  // an attempt at the text's end fails as one elsewhere does
+  bool failsAtEnd : 1;  // an attempt at the text's end fails as one elsewhere does, also the first
   WindowState window : 2;
   SmallSet small;  // the set, where it is one
   int32_t steps;   // that an attempt elsewhere costs
@@ -118,10 +118,11 @@ enum class PrefilterUse : uint8_t {
 };
 struct PrefilterNote {
   PrefilterUse use;
-  int32_t frame;  // where the automaton lies, once it is made
-  int32_t work;   // that searches have done in vain,
-  int32_t bytes;  // and in so many bytes, since that was last decided
-  int32_t look;   // the work at which to decide anew
+  bool foundNone;  // the last text that was searched by candidates had none
+  int32_t frame;   // where the automaton lies, once it is made
+  int32_t work;    // that searches have done in vain,
+  int32_t bytes;   // and in so many bytes, since that was last decided
+  int32_t look;    // the work at which to decide anew
 };
 
 // One frame of the work area. Frame 0 and those above the highest serial belong to no group; what the

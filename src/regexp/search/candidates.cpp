@@ -33,7 +33,7 @@ int64_t countStarts(const ulkRegExpState& state, const uint8_t* text, const uint
   const StartFilter& filter = startFilterOf(state);
   const bool isSet = filter.kind != StartKind::kAny && filter.kind != StartKind::kLineStart &&
                      filter.kind != StartKind::kTextStart;
-  if (!isSet || filter.options != state.options) return end - text + 1;
+  if (!isSet || !filtersAllAttempts(state)) return end - text + 1;
   const ByteSet256& set = state.frames[kStartSetFrame].bytes;
   const bool atBoundary = filter.kind == StartKind::kBoundary;
   int64_t count = 1;  // the first, before which it does not look

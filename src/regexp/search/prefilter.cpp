@@ -44,7 +44,15 @@ bool Prefilter::decide(const uint8_t* at) {
 }
 
 // Begins to count anew.
-void Prefilter::forget(PrefilterUse use) { note() = {use, note().frame, 0, 0, kLeastWork}; }
+void Prefilter::forget(PrefilterNote& note, PrefilterUse use) {
+  note = {use, note.foundNone, note.frame, 0, 0, kLeastWork};
+}
+
+void Prefilter::addBytes(PrefilterNote& note, ptrdiff_t bytes) {
+  const bool isOn = note.use == PrefilterUse::kOn;
+  note.bytes += static_cast<int32_t>(std::min(bytes, kMostBytes));
+  if (note.bytes >= (isOn ? kMostBytes : kManyBytes)) forget(note, isOn ? PrefilterUse::kOff : note.use);
+}
 
 void Prefilter::make() {
   note().frame = Candidates::make(state_);
@@ -62,7 +70,7 @@ void Prefilter::turnOn(const uint8_t* at) {
   if (note().use == PrefilterUse::kUseless) return;
   candidates_ = Candidates::in(state_, note().frame);
   if (!candidates_->begin(state_, at, m_.textEnd, m_.budget)) return;
-  if (note().use == PrefilterUse::kOff) forget(PrefilterUse::kOn);
+  if (note().use == PrefilterUse::kOff) forget(note(), PrefilterUse::kOn);
   isOn_ = true;
   work_ = 0;
   since_ = at;
@@ -76,6 +84,23 @@ const uint8_t* Prefilter::candidateFrom(const uint8_t* at) const {
   return std::max(at, before < m_.textEnd - found ? found + before : m_.textEnd);
 }
 
+bool Prefilter::rejects(ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd) {
+  constexpr ptrdiff_t kShort = 256;  // where a search costs more than looking twice
+  const StartFilter& filter = startFilterOf(state);
+  PrefilterNote& note = state.frames[kPrefilterFrame].prefilter;
+  if (!filter.hasFrames || note.use != PrefilterUse::kOn || !note.foundNone) return false;
+  if (!filter.failsAtEnd || text == textEnd || textEnd - text > kShort)
+    return false;
+  Candidates& candidates = *Candidates::in(state, note.frame);
+  StepBudget budget;
+  budget.start(state.matchLimit, false);
+  note.foundNone = candidates.begin(state, text, textEnd, budget) &&
+                   budget.suffices(std::max(filter.steps, filter.placeSteps)) &&
+                   candidates.next(text) == textEnd && !candidates.givesUp();
+  if (note.foundNone) addBytes(note, textEnd - text);
+  return note.foundNone;
+}
+
 const uint8_t* Prefilter::next(const uint8_t* at) {
   if (m_.nonEmpty) return at;  // what is searched then ends behind the next byte
   const uint8_t* candidate = candidateFrom(at);
@@ -84,6 +109,7 @@ const uint8_t* Prefilter::next(const uint8_t* at) {
     while ((start = characterFrom(candidate, at)) != candidate) candidate = candidateFrom(start);
   }
   if (candidates_->givesUp()) turnOff(PrefilterUse::kUseless);
+  note().foundNone = at == m_.textStart && candidate >= m_.textEnd;
   return candidate;
 }
 

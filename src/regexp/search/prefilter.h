@@ -21,6 +21,9 @@ class Prefilter {
  public:
   Prefilter(MatchContext& m, ulkRegExpState& state) : m_(m), state_(state) {}
 
+  // Whether a text has no candidate, so that it need not be searched. Looks only if that is likely.
+  static bool rejects(ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd);
+
   // A search begins at the start of the text,
   void begin() {
     const StartFilter& filter = startFilterOf(state_);
@@ -37,8 +40,7 @@ class Prefilter {
   void end(const uint8_t* at) {
     if (nextLook_ == kNever) return;
     note().work = std::min(note().work + work_, kMuchWork);
-    note().bytes += static_cast<int32_t>(std::min(bytesInBlocks(at), kMostBytes));
-    if (note().bytes >= (isOn_ ? kMostBytes : kManyBytes)) forget(isOn_ ? PrefilterUse::kOff : note().use);
+    addBytes(note(), bytesInBlocks(at));
   }
 
   // Attempts in vain, and what takes as long.
@@ -59,7 +61,8 @@ class Prefilter {
   }
   bool takesLess(const uint8_t* at) const;
   void make();
-  void forget(PrefilterUse use);
+  static void addBytes(PrefilterNote& note, ptrdiff_t bytes);
+  static void forget(PrefilterNote& note, PrefilterUse use);
   bool decide(const uint8_t* at);
   void turnOn(const uint8_t* at);
   void turnOff(PrefilterUse use);

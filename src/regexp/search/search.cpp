@@ -31,11 +31,8 @@ namespace {
 
 class Search {
  public:
-  Search(ulkRegExpState& state, const uint8_t* text, int32_t length)
-      : state_(state),
-        starts_(m_, state),
-        anchor_(startFilterOf(state).anchor),
-        end_(text + cutAtTrailingLiteral(state, text, length)) {
+  Search(ulkRegExpState& state, const uint8_t* text, const uint8_t* end)
+      : state_(state), starts_(m_, state), anchor_(startFilterOf(state).anchor), end_(end) {
     prepareMatcher(m_, state, choices_);
     m_.textStart = text;
   }
@@ -158,13 +155,18 @@ ulkStatus rxFind(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpSta
   if (srcLen < 0) return ulkErrLength;
   if (*pNumFind < 1) return ulkErrSize;
   if (pRegExpState->magic != kStateMagic) return ulkErrInvalidState;
-  return Search(*pRegExpState, pSrc, srcLen).find(pFind, pNumFind, false);
+  const uint8_t* const end = pSrc + cutAtTrailingLiteral(*pRegExpState, pSrc, srcLen);
+  if (Prefilter::rejects(*pRegExpState, pSrc, end)) {
+    *pNumFind = 0;
+    return ulkOk;
+  }
+  return Search(*pRegExpState, pSrc, end).find(pFind, pNumFind, false);
 }
 
 int32_t rxFindForReplace(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState,
                          ulkRegExpFind* pFind, int32_t* pNumFind) {
   if (*pNumFind < 1 || pRegExpState->magic != kStateMagic) return *pNumFind;
-  Search search(*pRegExpState, pSrc, srcLen);
+  Search search(*pRegExpState, pSrc, pSrc + cutAtTrailingLiteral(*pRegExpState, pSrc, srcLen));
   search.find(pFind, pNumFind, true);
   return search.numWritten();
 }

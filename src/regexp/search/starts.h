@@ -25,7 +25,7 @@ class Starts {
     } else if (at >= attemptsEnd_ && filter().kind != StartKind::kAny && knowsOptions()) {
       at = skip(at);
     }
-    if (at == m_.textEnd && filter().failsAtEnd && knowsOptions()) {
+    if (at == m_.textEnd && knowsEnd()) {
       pay(filter().kind == StartKind::kBoundary ? stepsAtLastBoundary() : filter().steps);
       ++at;
     }
@@ -61,6 +61,9 @@ class Starts {
   const ByteSet256& set() const { return state_.frames[kStartSetFrame].bytes; }
   const StartPair& pair() const { return state_.frames[kStartPairFrame].pair; }
   bool knowsOptions() const { return (filter().options & kMatcherOptions) == m_.options; }
+  bool knowsEnd() const {
+    return filter().failsAtEnd && (knowsOptions() || m_.options == (state_.options & kMatcherOptions));
+  }
   // Whether the set tells which lines need an attempt.
   bool knowsLines() const { return filter().kind == StartKind::kLineStart && filter().placeSteps > 0; }
   const uint8_t* skip(const uint8_t* at);
