@@ -74,9 +74,9 @@ struct GeneratedExpression {
 
 GeneratedExpression generateExpression(Choices& choices);
 
-// What earlier searches have left in the state: nothing, or so many attempts in vain that candidates are
-// looked for at once, by a pair of bytes if there is one or by the automaton.
-enum class Earlier { kNothing, kInVain, kInVainWithoutPair };
+// What earlier searches have left in the state: nothing, so many attempts in vain that candidates are looked
+// for at once, or that the text before had none; by a pair of bytes if there is one or by the automaton.
+enum class Earlier { kNothing, kInVain, kInVainWithoutPair, kNoCandidates, kNoCandidatesWithoutPair };
 
 struct GeneratedSearch {
   std::string pattern;

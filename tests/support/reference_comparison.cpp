@@ -113,10 +113,15 @@ void Comparison::leaveNote(Earlier earlier) {
   ulk::PrefilterNote& note = state()->frames[ulk::kPrefilterFrame].prefilter;
   note = {};
   if (earlier != Earlier::kNothing) note.work = kMuch;
-  if (earlier == Earlier::kInVainWithoutPair && (note.frame = ulk::Candidates::make(*state())) > 0) {
-    note.use = ulk::PrefilterUse::kOff;
-    ulk::Candidates::in(*state(), note.frame)->takeSlowerWay();
-  }
+  if (earlier <= Earlier::kInVain || (note.frame = ulk::Candidates::make(*state())) == 0) return;
+  note.use = ulk::PrefilterUse::kOff;
+  if (earlier != Earlier::kNoCandidates) ulk::Candidates::in(*state(), note.frame)->takeSlowerWay();
+  if (earlier == Earlier::kInVainWithoutPair || ulk::startFilterOf(*state()).anchor != ulk::Anchor::kNone)
+    return;
+  note.use = ulk::PrefilterUse::kOn;
+  note.foundNone = true;
+  note.work = 0;
+  note.look = kMuch;
 }
 
 // The text ends, with what the reference has read behind it, where the memory ends.
