@@ -51,7 +51,8 @@ int32_t Candidates::make(ulkRegExpState& state) {
   if (!made.automaton_.make(state)) return 0;
   findRuns(state, made.runs_);
   made.shortTextBound_ = made.boundRuns(state, kShortText);
-  made.attemptBound_ = made.boundRuns(state, kUsualRun);
+  made.usualBound_ = made.boundRuns(state, kUsualRun);
+  made.attemptBound_ = made.usualBound_;
   const bool hasPair = findRarePair(made.automaton_.positions(), made.pair_);
   made.boundWithoutPair_ = hasPair ? made.findBoundWithoutPair(state) : kNoBound;
   if (made.attemptBound_ == kNoBound && made.boundWithoutPair_ == kNoBound) return 0;
@@ -77,6 +78,11 @@ void Candidates::choose(Way way) {
 int64_t Candidates::boundRuns(const ulkRegExpState& state, int32_t longest) {
   std::fill_n(runs_.longest, Runs::kMax, longest);
   return stepBound(state, runs_);
+}
+
+void Candidates::takeUsualRuns() {
+  std::fill_n(runs_.longest, Runs::kMax, kUsualRun);
+  attemptBound_ = usualBound_;
 }
 
 // The runs of earlier texts are taken to be those of this one as long as that is enough.
@@ -119,7 +125,7 @@ bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const u
     budget.payBound(bound);
     return true;
   }
-  attemptBound_ = boundRuns(state, kUsualRun);
+  takeUsualRuns();
   return false;
 }
 

@@ -47,6 +47,7 @@ class Candidates {
 
   void choose(Way way);
   int64_t findBoundWithoutPair(const ulkRegExpState& state) const;
+  void takeUsualRuns();
   int64_t boundRuns(const ulkRegExpState& state, int32_t longest);
   bool boundAttempts(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end);
   int64_t boundAll(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end, int64_t limit);
@@ -61,10 +62,12 @@ class Candidates {
   RarePair pair_;
   BackwardAutomaton automaton_;
 
-  Runs runs_;                 // none in the text is longer,
-  int64_t shortTextBound_;    // in a short text, none is longer than it
-  int64_t attemptBound_;      // so that no attempt takes more steps;
-  int64_t boundWithoutPair_;  // nor, in any text, one that is made where the pair is not
+  // How many steps an attempt takes at most that fails:
+  int64_t shortTextBound_;    // in a short text
+  int64_t usualBound_;        // while no run is longer than is usual
+  Runs runs_;                 // while none is longer than these,
+  int64_t attemptBound_;      // this many
+  int64_t boundWithoutPair_;  // where the pair is not, in any text
 
   const uint8_t* textEnd_;
   const uint8_t* blockBegin_;

@@ -69,7 +69,10 @@ void Prefilter::turnOn(const uint8_t* at) {
   nextLook_ = kNever;
   if (note().use == PrefilterUse::kUseless) return;
   candidates_ = Candidates::in(state_, note().frame);
-  if (!candidates_->begin(state_, at, m_.textEnd, m_.budget)) return;
+  if (!candidates_->begin(state_, at, m_.textEnd, m_.budget)) {
+    note().use = PrefilterUse::kOff;
+    return;
+  }
   if (note().use == PrefilterUse::kOff) forget(note(), PrefilterUse::kOn);
   isOn_ = true;
   work_ = 0;
@@ -89,14 +92,12 @@ bool Prefilter::rejects(ulkRegExpState& state, const uint8_t* text, const uint8_
   const StartFilter& filter = startFilterOf(state);
   PrefilterNote& note = state.frames[kPrefilterFrame].prefilter;
   if (!filter.hasFrames || note.use != PrefilterUse::kOn || !note.foundNone) return false;
-  if (!filter.failsAtEnd || text == textEnd || textEnd - text > kShort)
-    return false;
+  if (!filter.failsAtEnd || text == textEnd || textEnd - text > kShort) return false;
   Candidates& candidates = *Candidates::in(state, note.frame);
   StepBudget budget;
   budget.start(state.matchLimit, false);
-  note.foundNone = candidates.begin(state, text, textEnd, budget) &&
-                   budget.suffices(std::max(filter.steps, filter.placeSteps)) &&
-                   candidates.next(text) == textEnd && !candidates.givesUp();
+  note.foundNone = candidates.begin(state, text, textEnd, budget) && candidates.next(text) == textEnd &&
+                   !candidates.givesUp();
   if (note.foundNone) addBytes(note, textEnd - text);
   return note.foundNone;
 }
