@@ -87,12 +87,10 @@ const uint8_t* Prefilter::candidateFrom(const uint8_t* at) const {
   return std::max(at, before < m_.textEnd - found ? found + before : m_.textEnd);
 }
 
-bool Prefilter::rejects(ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd) {
+bool Prefilter::findsNone(ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd) {
   constexpr ptrdiff_t kShort = 256;  // where a search costs more than looking twice
-  const StartFilter& filter = startFilterOf(state);
   PrefilterNote& note = state.frames[kPrefilterFrame].prefilter;
-  if (!filter.hasFrames || note.use != PrefilterUse::kOn || !note.foundNone) return false;
-  if (!filter.failsAtEnd || text == textEnd || textEnd - text > kShort) return false;
+  if (!startFilterOf(state).failsAtEnd || text == textEnd || textEnd - text > kShort) return false;
   Candidates& candidates = *Candidates::in(state, note.frame);
   StepBudget budget;
   budget.start(state.matchLimit, false);

@@ -22,7 +22,11 @@ class Prefilter {
   Prefilter(MatchContext& m, ulkRegExpState& state) : m_(m), state_(state) {}
 
   // Whether a text has no candidate, so that it need not be searched. Looks only if that is likely.
-  static bool rejects(ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd);
+  static bool rejects(ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd) {
+    const PrefilterNote& note = state.frames[kPrefilterFrame].prefilter;
+    return startFilterOf(state).hasFrames && note.foundNone && note.use == PrefilterUse::kOn &&
+           findsNone(state, text, textEnd);
+  }
 
   // A search begins at the start of the text,
   void begin() {
@@ -52,6 +56,7 @@ class Prefilter {
   const uint8_t* next(const uint8_t* at);
 
  private:
+  static bool findsNone(ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd);
   PrefilterNote& note() { return state_.frames[kPrefilterFrame].prefilter; }
   const PrefilterNote& note() const { return state_.frames[kPrefilterFrame].prefilter; }
   const uint8_t* candidateFrom(const uint8_t* at) const;

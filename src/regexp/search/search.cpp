@@ -147,6 +147,12 @@ ulkStatus Search::find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMa
   return findOnce(records, numRecords, wholeMatches, true);
 }
 
+// Whether a search of an empty text is known to find nothing, within the limit.
+bool failsInEmptyText(const ulkRegExpState& state) {
+  const StartFilter& filter = startFilterOf(state);
+  return filter.failsAtEnd && state.matchLimit >= std::max(filter.steps, filter.placeSteps);
+}
+
 }  // namespace
 
 ulkStatus rxFind(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
@@ -156,7 +162,7 @@ ulkStatus rxFind(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpSta
   if (*pNumFind < 1) return ulkErrSize;
   if (pRegExpState->magic != kStateMagic) return ulkErrInvalidState;
   const uint8_t* const end = pSrc + cutAtTrailingLiteral(*pRegExpState, pSrc, srcLen);
-  if (Prefilter::rejects(*pRegExpState, pSrc, end)) {
+  if (end == pSrc ? failsInEmptyText(*pRegExpState) : Prefilter::rejects(*pRegExpState, pSrc, end)) {
     *pNumFind = 0;
     return ulkOk;
   }
