@@ -220,17 +220,13 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   const RxNode* const firstBar = filter.firstBar < 0 ? nullptr : nodes + filter.firstBar;
   if (!hasFrames || !items.ofProgram(state.options, firstBar)) return filter;
   filter.options = static_cast<uint8_t>(items.exitOptions);
-  bool failsAtEnd = !items.atEnd;
   if (filter.options != state.options) {
-    const FirstBytes first = items;
     items = FirstBytes(state);
     if (!items.ofProgram(filter.options, firstBar) || items.exitOptions != filter.options) return filter;
-    failsAtEnd = failsAtEnd && !items.atEnd && items.steps == first.steps &&
-                 items.boundarySteps == first.boundarySteps;
   }
   filter.steps = items.steps;
   filter.placeSteps = items.boundarySteps;
-  filter.failsAtEnd = failsAtEnd;
+  filter.failsAtEnd = !items.atEnd;
   filter.item = items.itemOptions == filter.options ? items.soleItem : -1;
   filter.kind = kindOf(items, nodes, filter);
   // Of the bytes of a run one is at a word boundary.

@@ -59,7 +59,6 @@ class Walk {
   const bool notes_;
   const int64_t mostBytes_;  // that the program takes
   bool isBounded_ = true;
-  bool isOneWay_ = false;     // in a lookaround or an atomic group
   bool looksAhead_ = false;   // what is looked at is not taken,
   bool looksBehind_ = false;  // and lies elsewhere
   int32_t depth_ = 0;
@@ -109,7 +108,7 @@ Cost Walk::repeat(const RxNode& item, const RxNode& quantifier, uint32_t options
 // Whether the program accepts behind the repeat, the last of `a+|b+` or of `a(b+)`: an attempt that fails has
 // not left it.
 bool Walk::endsProgram(const RxNode& quantifier) const {
-  if (isOneWay_) return false;
+  if (looksBehind_) return false;
   auto next = static_cast<int32_t>(&quantifier - nodes_) + 1;
   while (next < numNodes_ && codeOf(nodes_[next]) == RX_END && !quantifierOf(nodes_, numNodes_, next)) ++next;
   return next == numNodes_ || (codeOf(nodes_[next]) == RX_ALT && serialOf(nodes_[next]) == kTopLevel);
@@ -190,14 +189,11 @@ Cost Walk::group(int32_t open, const RxNode* quantifier, uint32_t options) {
 // A group that is left in one way only.
 Cost Walk::oneWay(int32_t open, uint32_t options) {
   const RxCode code = codeOf(nodes_[open]);
-  const bool wasOneWay = isOneWay_;
   const bool lookedAhead = looksAhead_;
   const bool lookedBehind = looksBehind_;
-  isOneWay_ = true;
   looksAhead_ = looksAhead_ || code == RX_LOOKAHEAD || code == RX_NLOOKAHEAD;
   looksBehind_ = looksBehind_ || code == RX_LOOKBEHIND || code == RX_NLOOKBEHIND;
   const Cost inside = body(open, options);
-  isOneWay_ = wasOneWay;
   looksAhead_ = lookedAhead;
   looksBehind_ = lookedBehind;
   return {saturated(2 + inside.steps + inside.exits), 1};
