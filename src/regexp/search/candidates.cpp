@@ -70,6 +70,8 @@ int64_t Candidates::findBoundWithoutPair(const ulkRegExpState& state) const {
 void Candidates::choose(Way way) {
   if (way == Way::kRequired && !findRequiredBytes(automaton_.positions(), required_)) way = Way::kBlocks;
   way_ = way;
+  const int64_t bound = way == Way::kPair ? std::min(boundWithoutPair_, shortTextBound_) : shortTextBound_;
+  shortSearchBound_ = std::min((kShortText + 1) * bound, kNoBound);
   automaton_.restart(way == Way::kBlocks);
   blockBegin_ = blockEnd_ = nullptr;
 }
@@ -120,7 +122,8 @@ bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const u
   automaton_.begin();
   // What remains of the budget has to do for the attempts that are made.
   const int64_t limit = budget.left() - budget.left() / 4;
-  const int64_t bound = boundAll(state, text, textEnd, limit);
+  const bool isCheap = textEnd - text <= kShortText && shortSearchBound_ <= limit;
+  const int64_t bound = isCheap ? shortSearchBound_ : boundAll(state, text, textEnd, limit);
   if (bound <= limit) {
     budget.payBound(bound);
     return true;

@@ -64,6 +64,7 @@ class Candidates {
 
   // How many steps an attempt takes at most that fails:
   int64_t shortTextBound_;    // in a short text
+  int64_t shortSearchBound_;  // all attempts in a short text
   int64_t usualBound_;        // while no run is longer than is usual
   Runs runs_;                 // while none is longer than these,
   int64_t attemptBound_;      // this many
