@@ -8,111 +8,32 @@
 #include "kernels/find_substring.h"
 #include "kernels/find_unit.h"
 #include "regexp/analysis/follow_sets.h"
-#include "regexp/analysis/start_filter.h"
-#include "regexp/search/byte_runs.h"
 #include "regexp/search/small_set_vectors.h"
-#include "regexp/text/bytes.h"
 
 namespace ulk {
-
-namespace {
-
-constexpr int32_t kUsualRun = 32;
-
-// Makes `longest` larger until no run of the set in a text is longer; false if it is to be too large.
-bool measureRun(const ByteSet256& set, const uint8_t* text, const uint8_t* end, int32_t& longest) {
-  constexpr int32_t kLongest = 1 << 20;
-  while ((text = findRunOf(set, text, end, longest + 1)) != nullptr)
-    if ((longest *= 2) > kLongest) return false;
-  return true;
-}
-
-// How many attempts in [text, end) may not fail at their first byte; all where the start filter does not
-// tell.
-int64_t countStarts(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end) {
-  const StartFilter& filter = startFilterOf(state);
-  const bool isSet = filter.kind != StartKind::kAny && filter.kind != StartKind::kLineStart &&
-                     filter.kind != StartKind::kTextStart;
-  if (!isSet || !filtersAllAttempts(state)) return end - text + 1;
-  const ByteSet256& set = state.frames[kStartSetFrame].bytes;
-  const bool atBoundary = filter.kind == StartKind::kBoundary;
-  int64_t count = 1;  // the first, before which it does not look
-  for (const uint8_t* at = text + 1; at < end; ++at)
-    count += set.contains(*at) && (!atBoundary || inByteSet(at[-1], kWord) != inByteSet(*at, kWord));
-  return count;
-}
-
-}  // namespace
 
 int32_t Candidates::make(ulkRegExpState& state) {
   const FrameRange room = unusedFrames(state);
   if (sizeof(Candidates) > static_cast<size_t>(room.count) * sizeof(WorkFrame)) return 0;
   Candidates& made = *new (&state.frames[room.first]) Candidates;
   if (!made.automaton_.make(state)) return 0;
-  findRuns(state, made.runs_);
-  made.shortTextBound_ = made.boundRuns(state, kShortText);
-  made.usualBound_ = made.boundRuns(state, kUsualRun);
-  made.attemptBound_ = made.usualBound_;
+  made.bounds_.make(state);
   const bool hasPair = findRarePair(made.automaton_.positions(), made.pair_);
-  made.boundWithoutPair_ = hasPair ? made.findBoundWithoutPair(state) : kNoBound;
-  if (made.attemptBound_ == kNoBound && made.boundWithoutPair_ == kNoBound) return 0;
+  // Where the pair is not, nothing goes on behind it.
+  if (hasPair)
+    made.bounds_.limitBytes(state, std::max(made.pair_.firstAt, made.pair_.secondAt) - made.bytesBefore());
+  if (!made.bounds_.areKnown()) return 0;
   made.choose(hasPair ? Way::kPair : Way::kRequired);
   return room.first;
-}
-
-// Where the pair is not, nothing goes on behind it.
-int64_t Candidates::findBoundWithoutPair(const ulkRegExpState& state) const {
-  const int32_t mostBytes = std::max(pair_.firstAt, pair_.secondAt) - bytesBefore();
-  return mostBytes < 0 ? lookbehindBound(state) : shortAttemptBound(state, mostBytes);
 }
 
 // The way, or the next one that there is.
 void Candidates::choose(Way way) {
   if (way == Way::kRequired && !findRequiredBytes(automaton_.positions(), required_)) way = Way::kBlocks;
   way_ = way;
-  const int64_t bound = way == Way::kPair ? std::min(boundWithoutPair_, shortTextBound_) : shortTextBound_;
-  shortSearchBound_ = std::min((kShortText + 1) * bound, kNoBound);
+  if (way != Way::kPair) bounds_.limitNoBytes();
   automaton_.restart(way == Way::kBlocks);
   blockBegin_ = blockEnd_ = nullptr;
-}
-
-// The bound while no run is longer than so many bytes.
-int64_t Candidates::boundRuns(const ulkRegExpState& state, int32_t longest) {
-  std::fill_n(runs_.longest, Runs::kMax, longest);
-  return stepBound(state, runs_);
-}
-
-void Candidates::takeUsualRuns() {
-  std::fill_n(runs_.longest, Runs::kMax, kUsualRun);
-  attemptBound_ = usualBound_;
-}
-
-// The runs of earlier texts are taken to be those of this one as long as that is enough.
-bool Candidates::boundAttempts(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end) {
-  bool isLonger = false;
-  for (int32_t i = 0; i < runs_.count; ++i) {
-    const int32_t before = runs_.longest[i];
-    if (!measureRun(runs_.sets[i], text, end, runs_.longest[i])) return false;
-    isLonger = isLonger || runs_.longest[i] != before;
-  }
-  if (isLonger) attemptBound_ = stepBound(state, runs_);
-  return true;
-}
-
-// What all attempts take at most that fail, kNoBound where that is more than the limit.
-int64_t Candidates::boundAll(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
-                             int64_t limit) {
-  constexpr int64_t kFew = 16;  // of so many attempts one may not fail at once
-  const int64_t attempts = end - text + 1;
-  if (way_ == Way::kPair && boundWithoutPair_ * attempts <= limit) return boundWithoutPair_ * attempts;
-  if (end - text <= kShortText && shortTextBound_ * attempts <= limit) return shortTextBound_ * attempts;
-  if (attemptBound_ == kNoBound || attemptBound_ * attempts > kFew * limit ||
-      !boundAttempts(state, text, end))
-    return kNoBound;
-  if (attemptBound_ * attempts <= limit) return attemptBound_ * attempts;
-  const StartFilter& filter = startFilterOf(state);
-  const int64_t elsewhere = attempts * std::max(filter.steps, filter.placeSteps);
-  return std::min(elsewhere + countStarts(state, text, end) * attemptBound_, kNoBound);
 }
 
 bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd,
@@ -122,14 +43,10 @@ bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const u
   automaton_.begin();
   // What remains of the budget has to do for the attempts that are made.
   const int64_t limit = budget.left() - budget.left() / 4;
-  const bool isCheap = textEnd - text <= kShortText && shortSearchBound_ <= limit;
-  const int64_t bound = isCheap ? shortSearchBound_ : boundAll(state, text, textEnd, limit);
-  if (bound <= limit) {
-    budget.payBound(bound);
-    return true;
-  }
-  takeUsualRuns();
-  return false;
+  const int64_t bound = bounds_.ofAll(state, text, textEnd, limit);
+  if (bound > limit) return false;
+  budget.payBound(bound);
+  return true;
 }
 
 const uint8_t* Candidates::next(const uint8_t* at) {

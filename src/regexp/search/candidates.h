@@ -6,8 +6,8 @@
 #include <cstdint>
 
 #include "regexp/analysis/rare_bytes.h"
-#include "regexp/analysis/step_bound.h"
 #include "regexp/match/budget.h"
+#include "regexp/search/attempt_bounds.h"
 #include "regexp/search/backward_automaton.h"
 
 namespace ulk {
@@ -43,14 +43,8 @@ class Candidates {
   enum class Way : uint8_t { kPair, kRequired, kBlocks };
   static constexpr int32_t kChunk = BackwardAutomaton::kChunk;
   static constexpr int32_t kAhead = 256;
-  static constexpr int32_t kShortText = 256;
 
   void choose(Way way);
-  int64_t findBoundWithoutPair(const ulkRegExpState& state) const;
-  void takeUsualRuns();
-  int64_t boundRuns(const ulkRegExpState& state, int32_t longest);
-  bool boundAttempts(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end);
-  int64_t boundAll(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end, int64_t limit);
   const uint8_t* nextPair(const uint8_t* at) const;
   const uint8_t* nextInBlock(const uint8_t* at) const;
   void readBack(const uint8_t* begin, uint16_t row);
@@ -62,13 +56,7 @@ class Candidates {
   RarePair pair_;
   BackwardAutomaton automaton_;
 
-  // How many steps an attempt takes at most that fails:
-  int64_t shortTextBound_;    // in a short text
-  int64_t shortSearchBound_;  // all attempts in a short text
-  int64_t usualBound_;        // while no run is longer than is usual
-  Runs runs_;                 // while none is longer than these,
-  int64_t attemptBound_;      // this many
-  int64_t boundWithoutPair_;  // where the pair is not, in any text
+  AttemptBounds bounds_;
 
   const uint8_t* textEnd_;
   const uint8_t* blockBegin_;

@@ -36,12 +36,12 @@ class Starts {
   // cost nothing, but one at which the search begins is tried.
   const uint8_t* nextLine(const uint8_t* at);
 
-  // To be told of an attempt that has failed at a place, and of its steps. That at the text's end is always
-  // made.
+  // To be told of an attempt that has failed at a place, and of its steps; at the text's end or behind it, of
+  // a search that has found nothing.
   void noteFailure(const uint8_t* at, uint32_t steps) {
     lastFailed_ = true;
-    if (at >= m_.textEnd) return;
-    prefilter_.addWork(kWorkPerAttempt + static_cast<int32_t>(steps / kStepsPerWork));
+    const auto work = static_cast<int32_t>(steps / kStepsPerWork);
+    prefilter_.addWork(at < m_.textEnd ? kWorkPerAttempt + work : kWorkPerSearch);
   }
 
   void noteMatch() { lastFailed_ = false; }
@@ -93,6 +93,7 @@ class Starts {
   static constexpr ptrdiff_t kLeastStride = 4096;
   static constexpr int32_t kWorkPerHit = 4;  // of the filter that turns out to be in vain
   static constexpr int32_t kWorkPerAttempt = 4;
+  static constexpr int32_t kWorkPerSearch = 1;  // that finds nothing, beside its attempts
   static constexpr uint32_t kStepsPerWork = 2;
   static constexpr int32_t kBytesPerWork = 4;         // looked at one by one,
   static constexpr int32_t kBytesPerWorkOfScan = 64;  // many at a time
