@@ -78,7 +78,7 @@ bool findRequiredBytes(const PositionAutomaton& automaton, RequiredBytes& requir
 
 bool findRarePair(const PositionAutomaton& automaton, RarePair& pair) {
   constexpr int32_t kRare = 12000;  // of a million places
-  constexpr int32_t kNone = 1000;  // of a thousand
+  constexpr int32_t kNone = 1000;   // of a thousand
   int32_t first = kNone;
   int32_t second = kNone;
   PositionSet positions = automaton.first;
