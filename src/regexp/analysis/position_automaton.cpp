@@ -295,7 +295,7 @@ Part Builder::lookbehind(int32_t node, uint32_t options) {
   const int32_t count = automaton_.count;
   const PositionSet accepting = automaton_.accepting;
   const Part part = group(node, options);
-  if (!part.accepts && !part.nullable &&
+  if (!part.accepts && !part.nullable && automaton_.accepting == accepting &&
       std::none_of(automaton_.bytes + count, automaton_.bytes + automaton_.count, hasHighBytes)) {
     automaton_.bytesBefore = lookbehindWidth(open);
     return part;

@@ -226,7 +226,9 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   }
   filter.steps = items.steps;
   filter.placeSteps = items.boundarySteps;
-  filter.failsAtEnd = !items.atEnd;
+  // One that is made leaves the options that it changes, which the next one sees unless it sets them first.
+  const bool startsAlike = filter.options == state.options || nodes[0].code == RX_OPTIONS;
+  filter.failsAtEnd = !items.atEnd && startsAlike;
   filter.item = items.itemOptions == filter.options ? items.soleItem : -1;
   filter.kind = kindOf(items, nodes, filter);
   // Of the bytes of a run one is at a word boundary.
