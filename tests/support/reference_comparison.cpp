@@ -111,17 +111,18 @@ void Comparison::leaveNote(Earlier earlier) {
   constexpr int32_t kMuch = 1 << 20;
   if (!ulk::startFilterOf(*state()).hasFrames) return;
   ulk::PrefilterNote& note = state()->frames[ulk::kPrefilterFrame].prefilter;
-  note = {};
-  if (earlier != Earlier::kNothing) note.work = kMuch;
-  if (earlier <= Earlier::kInVain || (note.frame = ulk::Candidates::make(*state())) == 0) return;
+  note = ulk::kNewPrefilterNote;
+  if (earlier == Earlier::kNothing) return;
+  note.look = kMuch;
+  note.workLeft = 0;
+  if (earlier == Earlier::kInVain || (note.frame = ulk::Candidates::make(*state())) == 0) return;
   note.use = ulk::PrefilterUse::kOff;
   if (earlier != Earlier::kNoCandidates) ulk::Candidates::in(*state(), note.frame)->takeSlowerWay();
   if (earlier == Earlier::kInVainWithoutPair || ulk::startFilterOf(*state()).anchor != ulk::Anchor::kNone)
     return;
   note.use = ulk::PrefilterUse::kOn;
   note.foundNone = true;
-  note.work = 0;
-  note.look = kMuch;
+  note.workLeft = kMuch;
 }
 
 // The text ends, with what the reference has read behind it, where the memory ends.

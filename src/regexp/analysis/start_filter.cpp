@@ -181,7 +181,7 @@ StartKind kindOfAssertion(int32_t assertion, uint32_t options) {
   }
 }
 
-// The first bytes of a line that can match, from a node on.
+// The first bytes of a line or text that can match, from a node on.
 void describeLine(ulkRegExpState& state, int32_t node, StartFilter& filter) {
   FirstBytes items(state);
   if (!items.ofRest(node, filter.options, false)) return;
@@ -201,7 +201,7 @@ bool describeAssertion(ulkRegExpState& state, StartFilter& filter) {
   filter.kind = kindOfAssertion(assertionOf(nodes[first]), options);
   filter.steps = first + 1;
   filter.options = static_cast<uint8_t>(options);
-  if (filter.kind == StartKind::kLineStart && filter.hasFrames)
+  if ((filter.kind == StartKind::kLineStart || filter.kind == StartKind::kTextStart) && filter.hasFrames)
     describeLine(state, first + (quantifier ? 2 : 1), filter);
   return filter.kind != StartKind::kAny;
 }
@@ -214,6 +214,7 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   filter.hasFrames = hasFrames;
   filter.firstBar = firstTopLevelBar(nodes, state.numNodes);
   filter.anchor = anchorOf(state, filter);
+  filter.candidates = hasFrames && filter.anchor == Anchor::kNone;
   if (state.numNodes == 0 || describeAssertion(state, filter)) return filter;
 
   FirstBytes items(state);
@@ -250,7 +251,7 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
 
 void makeStartFilter(ulkRegExpState& state, bool hasFrames) {
   state.frames[0].start = filterFor(state, hasFrames);
-  if (hasFrames) state.frames[kPrefilterFrame].prefilter = {};
+  if (hasFrames) state.frames[kPrefilterFrame].prefilter = kNewPrefilterNote;
 }
 
 }  // namespace ulk

@@ -9,12 +9,12 @@ namespace ulk {
 ULK_INLINE const RxNode* endOf(const RxNode* open) { return open + bodyLength(*open) + 1; }
 
 ULK_INLINE GroupFrame& frameOf(const MatchContext& m, const RxNode* open) {
-  return m.frames[serialOf(*open)].group;
+  return m.state->frames[serialOf(*open)].group;
 }
 
 // The node that opens the group of a bar, or the open node itself.
 ULK_INLINE const RxNode* openOf(const MatchContext& m, const RxNode* barOrOpen) {
-  return codeOf(*barOrOpen) == RX_ALT ? m.nodes + m.frames[serialOf(*barOrOpen)].group.openNode : barOrOpen;
+  return codeOf(*barOrOpen) == RX_ALT ? m.nodes() + m.state->frames[serialOf(*barOrOpen)].group.openNode : barOrOpen;
 }
 
 // A slot as a choice remembers it.

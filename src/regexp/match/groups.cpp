@@ -29,7 +29,7 @@ ULK_INLINE Group groupAt(const MatchContext& m, const RxNode* open) {
 }
 
 ULK_INLINE CaptureSlot* slotOf(const MatchContext& m, const RxNode* open) {
-  return codeOf(*open) == RX_CAPTURE ? &m.captures[captureNumber(*open)] : nullptr;
+  return codeOf(*open) == RX_CAPTURE ? &m.state->captures[captureNumber(*open)] : nullptr;
 }
 
 // The group as a step finds it. `kind` says how the step goes on when what it tries now fails.
@@ -112,7 +112,7 @@ ULK_STEP enterConditional(const uint8_t* at, const RxNode* node, MatchContext& m
   const RxNode* const condition = node + 1;
   if (codeOf(*condition) != RX_BACKREF) return runCondition(at, condition, m);
   const bool holds =
-      referredCapture(*condition) < m.numCaptures && m.captures[referredCapture(*condition)].length != -1;
+      referredCapture(*condition) < m.state->numCaptures && m.state->captures[referredCapture(*condition)].length != -1;
   return holds ? conditionHolds(at, node, m) : conditionFails(at, node, m);
 }
 
@@ -151,8 +151,8 @@ ULK_STEP stepOpenGroup(const uint8_t* at, const RxNode* node, MatchContext& m) {
 
 // The body has reached the group's end.
 ULK_STEP stepEndGroup(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  GroupFrame& frame = m.frames[serialOf(*node)].group;
-  const RxNode* const open = m.nodes + frame.openNode;
+  GroupFrame& frame = m.state->frames[serialOf(*node)].group;
+  const RxNode* const open = m.nodes() + frame.openNode;
   const Group group = groupAt(m, open);
   rememberFurther(m, at, open);
 
@@ -174,7 +174,7 @@ ULK_STEP stepEndGroup(const uint8_t* at, const RxNode* node, MatchContext& m) {
 
 // The end of an alternative: the group ends, in the same step.
 ULK_STEP stepBar(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  const RxNode* const end = endOf(m.nodes + m.frames[serialOf(*node)].group.openNode);
+  const RxNode* const end = endOf(m.nodes() + m.state->frames[serialOf(*node)].group.openNode);
   return m.steps[static_cast<size_t>(stepOf(*end))](at, end, m);
 }
 
@@ -203,7 +203,7 @@ ULK_STEP conditionFails(const uint8_t* at, const RxNode* node, MatchContext& m) 
 // What a lazy group tries first, going on behind it, has failed.
 Outcome retryLazyLeave(MatchContext& m) {
   const auto& choice = m.choices.top<GroupChoice>();
-  const RxNode* const open = m.nodes + choice.tag.node();
+  const RxNode* const open = m.nodes() + choice.tag.node();
   const uint8_t* const at = placeOf(m, choice.at());
   setBodyOptions(m, open, choice.options());
   if (CaptureSlot* const slot = slotOf(m, open); slot && !choice.further()) *slot = {at, 0};
@@ -214,7 +214,7 @@ Outcome retryLazyLeave(MatchContext& m) {
 // An alternative has failed.
 Outcome retryAlternative(MatchContext& m) {
   auto& choice = m.choices.top<GroupChoice>();
-  const RxNode* const barOrOpen = m.nodes + choice.tag.node();
+  const RxNode* const barOrOpen = m.nodes() + choice.tag.node();
   const RxNode* const open = openOf(m, barOrOpen);
   const uint8_t* const at = placeOf(m, choice.at());
   GroupFrame& frame = frameOf(m, open);
@@ -240,7 +240,7 @@ Outcome retryAlternative(MatchContext& m) {
 // trying all divisions of the text into iterations would take exponential time.
 Outcome retryLeft(MatchContext& m) {
   const ChoiceTag tag = m.choices.tag();
-  const RxNode* const open = m.nodes + tag.node();
+  const RxNode* const open = m.nodes() + tag.node();
   putBack(m, open);
   if (tag.kind() == ChoiceKind::kGaveUp && repeatMark(*endOf(open)) == kRepeatMarkRepeated)
     frameOf(m, open).maxLeft = 2;

@@ -23,7 +23,7 @@ int32_t classLength(const RxNode& item, const uint8_t* at, uint32_t options) {
 }
 
 int32_t backrefLength(const MatchContext& m, const RxNode& item, const uint8_t* at, uint32_t options) {
-  const CaptureSlot& group = m.captures[referredCapture(item)];
+  const CaptureSlot& group = m.state->captures[referredCapture(item)];
   if (group.length < 0 || group.length > m.textEnd - at) return kNoMatch;
   return sameBytes(group.start, at, group.length, options) ? group.length : kNoMatch;
 }
@@ -182,7 +182,7 @@ ULK_STEP stepSet(const uint8_t* at, const RxNode* node, MatchContext& m) {
 }
 
 ULK_STEP stepBackref(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  const CaptureSlot& group = m.captures[referredCapture(*node)];
+  const CaptureSlot& group = m.state->captures[referredCapture(*node)];
   if (at >= m.textEnd || group.length < 0 || group.length > m.remaining(at)) return fail(m);
   if (!sameBytes(group.start, at, group.length, m.options)) return fail(m);
   return goOn(at + group.length, node + 1, m);

@@ -50,12 +50,9 @@ inline constexpr uint32_t kNoRun = UINT32_MAX;
 struct MatchContext {
   const uint8_t* textStart;
   const uint8_t* textEnd;
-  const RxNode* nodes;
+  ulkRegExpState* state;  // whose capture slot 0 is not the matcher's
   const RxNode* programEnd;
-  CaptureSlot* captures;  // slot 0 is not the matcher's
-  WorkFrame* frames;
-  int32_t numCaptures;  // slot 0 included
-  bool nonEmpty;        // a match of length 0 is not acceptable
+  bool nonEmpty;  // a match of length 0 is not acceptable
 
   const uint8_t* matchStart;  // of the attempt
   uint32_t options;           // in force, of kMatcherOptions; an attempt leaves them as it ends
@@ -74,8 +71,9 @@ struct MatchContext {
   const RetryFunction* retries;
   const uint8_t* byteSets;
 
+  const RxNode* nodes() const { return state->nodes(); }
   uint32_t offsetOf(const uint8_t* place) const { return static_cast<uint32_t>(place - textStart); }
-  int32_t indexOf(const RxNode* of) const { return static_cast<int32_t>(of - nodes); }
+  int32_t indexOf(const RxNode* of) const { return static_cast<int32_t>(of - nodes()); }
   bool isQuantified(const RxNode* next) const { return next != programEnd && isQuantifier(*next); }
   void setOptions(int32_t word) { options = static_cast<uint32_t>(word) & kMatcherOptions; }
 
@@ -97,11 +95,8 @@ extern const std::array<RetryFunction, static_cast<size_t>(ChoiceKind::kCount)> 
 
 // Prepares a context for attempts, whose text and options the caller sets. `memory` has kSearchChoices bytes.
 inline void prepareMatcher(MatchContext& m, ulkRegExpState& state, std::byte* memory) {
-  m.nodes = state.nodes();
-  m.programEnd = m.nodes + state.numNodes;
-  m.captures = state.captures;
-  m.frames = state.frames;
-  m.numCaptures = state.numCaptures;
+  m.state = &state;
+  m.programEnd = m.nodes() + state.numNodes;
   m.nonEmpty = false;
   m.runEnd = m.programEnd;
   m.run = kNoRun;

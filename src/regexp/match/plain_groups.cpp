@@ -36,7 +36,7 @@ ULK_INLINE Outcome enterCapture(const uint8_t* at, const RxNode* open, MatchCont
   const RxNode* const first = hopefulAlternative(m, at, open);
   if (first != open) m.surplus.clear();
   if (!first) return afterAll(at, open, m);
-  CaptureSlot& slot = m.captures[captureNumber(*open)];
+  CaptureSlot& slot = m.state->captures[captureNumber(*open)];
   GroupFrame& frame = frameOf(m, open);
   const SavedSlot before = saved(m, slot);
   auto& choice = push<PlainCaptureChoice>(m, ChoiceKind::kPlainCapture, at, first);
@@ -54,7 +54,7 @@ ULK_INLINE Outcome enter(const uint8_t* at, const RxNode* open, MatchContext& m)
 
 ULK_INLINE void setCapture(const uint8_t* at, const RxNode* open, MatchContext& m) {
   const int32_t length = frameOf(m, open).remainingAtIteration - m.remaining(at);
-  m.captures[captureNumber(*open)] = {at - length, length};
+  m.state->captures[captureNumber(*open)] = {at - length, length};
 }
 
 }  // namespace
@@ -107,7 +107,7 @@ ULK_INLINE const RxNode* takeNextAlternative(MatchContext& m, Record& choice, co
 
 Outcome retryPlain(MatchContext& m) {
   auto& choice = m.choices.top<PlaceChoice>();
-  const RxNode* const barOrOpen = m.nodes + choice.tag.node();
+  const RxNode* const barOrOpen = m.nodes() + choice.tag.node();
   const uint8_t* const at = placeOf(m, choice.at);
   if (const RxNode* const bar = takeNextAlternative(m, choice, at, barOrOpen)) return goOn(at, bar + 1, m);
   m.choices.pop<PlaceChoice>();
@@ -116,12 +116,12 @@ Outcome retryPlain(MatchContext& m) {
 
 Outcome retryPlainCapture(MatchContext& m) {
   auto& choice = m.choices.top<PlainCaptureChoice>();
-  const RxNode* const barOrOpen = m.nodes + choice.tag.node();
+  const RxNode* const barOrOpen = m.nodes() + choice.tag.node();
   const uint8_t* const at = placeOf(m, choice.at);
   if (const RxNode* const bar = takeNextAlternative(m, choice, at, barOrOpen)) return goOn(at, bar + 1, m);
   const RxNode* const open = openOf(m, barOrOpen);
   frameOf(m, open).remainingAtIteration = choice.remaining;
-  m.captures[captureNumber(*open)] = restored(m, {choice.captureAt, choice.captureLength});
+  m.state->captures[captureNumber(*open)] = restored(m, {choice.captureAt, choice.captureLength});
   m.choices.pop<PlainCaptureChoice>();
   return afterAll(at, open, m);
 }
@@ -130,7 +130,7 @@ Outcome retryPlainCapture(MatchContext& m) {
 Outcome retryPlainEnter(MatchContext& m) {
   const auto& choice = m.choices.top<PlaceChoice>();
   const uint8_t* const at = placeOf(m, choice.at);
-  const RxNode* const open = m.nodes + choice.tag.node();
+  const RxNode* const open = m.nodes() + choice.tag.node();
   m.choices.pop<PlaceChoice>();
   return enter(at, open, m);
 }

@@ -214,7 +214,7 @@ ULK_INLINE Outcome retryGreedy(MatchContext& m, Greedy greedy, const RxNode* qua
 Outcome retryGreedyBytes(MatchContext& m) {
   const auto& choice = m.choices.top<GreedyChoice>();
   const Greedy greedy{ChoiceKind::kGreedyBytes, placeOf(m, choice.at), choice.spare.number(), 0};
-  const RxNode* const quantifier = m.nodes + choice.tag.node();
+  const RxNode* const quantifier = m.nodes() + choice.tag.node();
   const bool asForeseen = choice.spare.flag();
   m.choices.pop<GreedyChoice>();
   return retryGreedy(m, greedy, quantifier, asForeseen);
@@ -223,7 +223,7 @@ Outcome retryGreedyBytes(MatchContext& m) {
 Outcome retryGreedyItems(MatchContext& m) {
   const auto& choice = m.choices.top<GreedyChoice>();
   Greedy greedy{choice.tag.kind(), placeOf(m, choice.at), choice.spare.number(), 0};
-  const RxNode* const quantifier = m.nodes + choice.tag.node();
+  const RxNode* const quantifier = m.nodes() + choice.tag.node();
   const bool asForeseen = choice.spare.flag();
   m.choices.pop<GreedyChoice>();
   greedy.start = m.choices.top<uint32_t>();
@@ -418,7 +418,7 @@ ULK_STEP stepLazyItem(const uint8_t* at, const RxNode* node, MatchContext& m) {
 
 Outcome retryLazy(MatchContext& m) {
   auto& choice = m.choices.top<LazyChoice>();
-  const RxNode* const item = m.nodes + choice.tag.node();
+  const RxNode* const item = m.nodes() + choice.tag.node();
   if (choice.count.flag() && !followOf(m, *afterItem(item), m.options).set) choice.count.setFlag(false);
   const uint8_t* const behind = takeOneMore(m, choice, *item, placeOf(m, choice.at));
   return behind ? continueLazy(behind, item, m) : failLazy(*item, m);
@@ -426,7 +426,7 @@ Outcome retryLazy(MatchContext& m) {
 
 Outcome retryLazyCodePoint(MatchContext& m) {
   auto& choice = m.choices.top<LazyChoice>();
-  const RxNode* const item = m.nodes + choice.tag.node();
+  const RxNode* const item = m.nodes() + choice.tag.node();
   const uint8_t* const at = placeOf(m, choice.at);
   const uint8_t* const behind = at + characterFor(m, *item, at).length;
   return takeCharacter(m, choice, behind) ? continueLazyCodePoint(behind, item, m) : failRepeat(m);
@@ -434,7 +434,7 @@ Outcome retryLazyCodePoint(MatchContext& m) {
 
 Outcome retryLazyProperty(MatchContext& m) {
   auto& choice = m.choices.top<LazyChoice>();
-  const RxNode* const item = m.nodes + choice.tag.node();
+  const RxNode* const item = m.nodes() + choice.tag.node();
   const uint8_t* const at = placeOf(m, choice.at);
   const uint8_t* const behind = at + decodeUtf8(at).length;
   return takeCharacter(m, choice, behind) ? continueLazyProperty(behind, item, m) : failRepeat(m);

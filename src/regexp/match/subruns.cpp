@@ -35,7 +35,7 @@ ULK_INLINE RunChoice& startRun(const uint8_t* at, const RxNode* node, MatchConte
 ULK_INLINE const RunChoice& endRun(MatchContext& m) {
   const auto& choice = m.choices.at<RunChoice>(m.run);
   m.choices.cutBack(m.run);
-  m.runEnd = m.nodes + choice.endNode;
+  m.runEnd = m.nodes() + choice.endNode;
   m.run = choice.outerRun;
   m.surplus = choice.surplus;
   m.options = choice.options;
@@ -45,7 +45,7 @@ ULK_INLINE const RunChoice& endRun(MatchContext& m) {
 // Prepares the next alternative of the body and returns its first node, null if there is none.
 ULK_INLINE const RxNode* nextAlternative(MatchContext& m) {
   auto& choice = m.choices.at<RunChoice>(m.run);
-  const RxNode* const bar = nextBar(m.nodes[choice.bar]);
+  const RxNode* const bar = nextBar(m.nodes()[choice.bar]);
   if (!bar) return nullptr;
   choice.bar = m.indexOf(bar);
   m.setOptions(optionsBehind(*bar));
@@ -206,7 +206,7 @@ ULK_INLINE const uint8_t* passConsumed(const uint8_t* at, int32_t consumed, Matc
 ULK_INLINE Outcome leaveAtomic(const uint8_t* end, MatchContext& m) {
   const int32_t length = m.lengthTo(end);
   const RunChoice& choice = endRun(m);
-  const RxNode* const node = m.nodes + choice.tag.node();
+  const RxNode* const node = m.nodes() + choice.tag.node();
   const uint8_t* const start = placeOf(m, choice.at);
   const int32_t minLeft = choice.minLeft;
   const int32_t maxLeft = choice.maxLeft;
@@ -250,13 +250,13 @@ ULK_STEP runCondition(const uint8_t* at, const RxNode* lookaround, MatchContext&
 Outcome retryLookaround(MatchContext& m) {
   if (const RxNode* const first = nextAlternative(m)) return goOn(bodyStart(m), first, m);
   const RunChoice& choice = endRun(m);
-  const RxNode* const node = m.nodes + choice.tag.node();
+  const RxNode* const node = m.nodes() + choice.tag.node();
   return assertLookaround(placeOf(m, choice.at), node, m, isNegative(*node));
 }
 
 Outcome retryCondition(MatchContext& m) {
   const uint8_t* const at = placeOf(m, endRun(m).at);
-  return conditionFails(at, m.nodes + m.choices.tag().node(), m);
+  return conditionFails(at, m.nodes() + m.choices.tag().node(), m);
 }
 
 ULK_STEP stepAtomic(const uint8_t* at, const RxNode* node, MatchContext& m) {
@@ -284,14 +284,14 @@ ULK_STEP stepAtomicRepeat(const uint8_t* at, const RxNode* node, MatchContext& m
 Outcome retryAtomic(MatchContext& m) {
   if (const RxNode* const first = nextAlternative(m)) return goOn(bodyStart(m), first, m);
   const RunChoice& choice = endRun(m);
-  const Atomic group = atomicAt(m, m.nodes + choice.tag.node());
+  const Atomic group = atomicAt(m, m.nodes() + choice.tag.node());
   return group.lazy || choice.minLeft > 0 ? fail(m) : goOn(placeOf(m, choice.at), group.next, m);
 }
 
 Outcome retryAtomicLazy(MatchContext& m) {
   const auto& choice = m.choices.top<AtomicChoice>();
   const uint8_t* const at = placeOf(m, choice.at);
-  const RxNode* const node = m.nodes + choice.tag.node();
+  const RxNode* const node = m.nodes() + choice.tag.node();
   const int32_t minLeft = choice.minLeft;
   const int32_t maxLeft = choice.maxLeft;
   m.choices.pop<AtomicChoice>();
@@ -301,7 +301,7 @@ Outcome retryAtomicLazy(MatchContext& m) {
 Outcome retryAtomicIteration(MatchContext& m) {
   const auto& choice = m.choices.top<PlaceChoice>();
   const uint8_t* const at = placeOf(m, choice.at);
-  const RxNode* const node = m.nodes + choice.tag.node();
+  const RxNode* const node = m.nodes() + choice.tag.node();
   m.choices.pop<PlaceChoice>();
   return goOn(at, atomicAt(m, node).next, m);
 }
@@ -327,11 +327,11 @@ __attribute__((noinline)) ULK_STEP subrunMatched(const uint8_t* at, const RxNode
       return leaveAtomic(at, m);
     case ChoiceKind::kCondition: {
       const uint8_t* const place = placeOf(m, endRun(m).at);
-      return conditionHolds(place, m.nodes + m.choices.tag().node(), m);
+      return conditionHolds(place, m.nodes() + m.choices.tag().node(), m);
     }
     default: {
       const RunChoice& choice = endRun(m);
-      const RxNode* const node = m.nodes + choice.tag.node();
+      const RxNode* const node = m.nodes() + choice.tag.node();
       return assertLookaround(placeOf(m, choice.at), node, m, !isNegative(*node));
     }
   }

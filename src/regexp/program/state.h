@@ -78,7 +78,7 @@ enum class StartKind : uint8_t {
   kSet,             // with a byte of the set
   kBoundary,        // with a byte of the set at a word boundary
   kLineStart,       // at the text start or after a newline, with a byte of the set if placeSteps is not 0
-  kTextStart,       // at the text start
+  kTextStart,       // the same at the text start alone
 };
 
 // What is known of the window of an expression, which frame kWindowFrame tells (analysis/window.h).
@@ -92,6 +92,7 @@ struct StartFilter {
   bool literals : 1;    // there are several ways to begin, each with a literal, which the pair's frame tells
   bool hasPair : 1;     // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
   bool failsAtEnd : 1;  // an attempt at the text's end fails as one elsewhere does, also the first
+  bool candidates : 1;  // they may be looked for instead (prefilter.h)
   WindowState window : 2;
   SmallSet small;  // the set, where it is one
   int32_t steps;   // that an attempt elsewhere costs
@@ -118,12 +119,15 @@ enum class PrefilterUse : uint8_t {
 };
 struct PrefilterNote {
   PrefilterUse use;
-  bool foundNone;  // the last text that was searched by candidates had none
-  int32_t frame;   // where the automaton lies, once it is made
-  int32_t work;    // that searches have done in vain,
-  int32_t bytes;   // and in so many bytes, since that was last decided
-  int32_t look;    // the work at which to decide anew
+  bool foundNone;    // the last text that was searched by candidates had none
+  int32_t frame;     // where the automaton lies, once it is made
+  int32_t look;      // the work in vain at which to decide anew,
+  int32_t workLeft;  // and how much of it is still to be done,
+  int32_t bytes;     // since that was last decided, in so many bytes
 };
+inline constexpr int32_t kLeastPrefilterWork = 512;  // that says anything, and outweighs making an automaton
+inline constexpr PrefilterNote kNewPrefilterNote{
+    PrefilterUse::kUndecided, false, 0, kLeastPrefilterWork, kLeastPrefilterWork, 0};
 
 // One frame of the work area. Frame 0 and those above the highest serial belong to no group; what the
 // compiler finds out to make searching fast is kept there: the start filter in frame 0, byte sets from the

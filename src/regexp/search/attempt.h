@@ -28,15 +28,15 @@ inline const uint8_t* lineBehind(const MatchContext& m, const uint8_t* at) {
 
 // The character after the one at `at`; with a line anchor, the next line start. Beyond the end if there is
 // none.
-inline const uint8_t* nextStart(const MatchContext& m, const ulkRegExpState& state, const uint8_t* at) {
-  if (at >= m.textEnd) return m.textEnd + 1;
-  if (startFilterOf(state).anchor == Anchor::kLineStart) return lineBehind(m, at);
-  return *at < 0x80 || state.format != kFormatUtf8 ? at + 1 : at + decodeMultibyte(at).length;
+inline const uint8_t* nextStart(const MatchContext& m, Anchor anchor, const uint8_t* at) {
+  if (at >= m.textEnd || anchor == Anchor::kTextStart) return m.textEnd + 1;
+  if (anchor == Anchor::kLineStart) return lineBehind(m, at);
+  return *at < 0x80 || m.state->format != kFormatUtf8 ? at + 1 : at + decodeMultibyte(at).length;
 }
 
 // Tries the top-level alternatives behind the first one. Options that a failed try has changed stay in force.
 inline bool matchFurtherAlternative(MatchContext& m, int32_t firstBar) {
-  for (const RxNode* bar = m.nodes + firstBar; bar; bar = nextBar(*bar)) {
+  for (const RxNode* bar = m.nodes() + firstBar; bar; bar = nextBar(*bar)) {
     m.setOptions(optionsBehind(*bar));
     if (!m.budget.isExhausted() && bar + 1 != m.programEnd && failsAtLiteral(m, bar + 1, m.matchStart)) {
       m.budget.payStep();
@@ -48,11 +48,12 @@ inline bool matchFurtherAlternative(MatchContext& m, int32_t firstBar) {
 }
 
 // Whether the program matches at `start`; then the captures tell where, the whole match in slot 0.
-inline bool matchAt(MatchContext& m, ulkRegExpState& state, const uint8_t* start) {
+inline bool matchAt(MatchContext& m, const uint8_t* start) {
+  ulkRegExpState& state = *m.state;
   const int32_t firstBar = startFilterOf(state).firstBar;
   m.matchStart = start;
   for (int32_t i = 1; i < state.numCaptures; ++i) state.captures[i] = {nullptr, -1};
-  if (!rxMatch(m, m.nodes) && (firstBar < 0 || !matchFurtherAlternative(m, firstBar))) return false;
+  if (!rxMatch(m, m.nodes()) && (firstBar < 0 || !matchFurtherAlternative(m, firstBar))) return false;
   state.captures[0] = {start, m.lengthTo(m.at)};
   return true;
 }

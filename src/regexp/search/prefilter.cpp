@@ -8,7 +8,6 @@ namespace ulk {
 
 namespace {
 
-constexpr int32_t kLeastWork = 512;         // that says anything, and outweighs the making of an automaton
 constexpr int32_t kBytesPerWork = 5;        // that the automaton reads in the time of an attempt in vain,
 constexpr int32_t kQuickBytesPerWork = 96;  // in which a quicker way finds candidates,
 constexpr int32_t kBytesMeasured = 256;     // and whose runs are measured then
@@ -16,9 +15,8 @@ constexpr int32_t kBytesMeasured = 256;     // and whose runs are measured then
 }  // namespace
 
 // Whether other candidates than those in use, if there are any, would have taken less time up to this place.
-bool Prefilter::takesLess(const uint8_t* at) const {
-  const int64_t work = note().work + work_;
-  const bool isQuick = note().frame > 0 && Candidates::in(state_, note().frame)->isQuick();
+bool Prefilter::takesLess(const uint8_t* at, int64_t work) const {
+  const bool isQuick = note().frame > 0 && Candidates::in(*m_.state, note().frame)->isQuick();
   if (isQuick && !isOn_) return work * kQuickBytesPerWork >= note().bytes + (at - since_);
   return work * kBytesPerWork >= note().bytes + bytesInBlocks(at);
 }
@@ -26,12 +24,15 @@ bool Prefilter::takesLess(const uint8_t* at) const {
 // Turns candidates on if they will take less time than attempts do, as far as is known; off if they leave too
 // many attempts, and those of the automaton for good.
 bool Prefilter::decide(const uint8_t* at) {
-  const int32_t work = std::min(note().work + work_, kMuchWork);
-  note().look = std::max(work + work / 4, kLeastWork);
-  nextLook_ = note().look - note().work;
-  if (work < kLeastWork) return isOn_;
+  if (!counts_) {
+    workLeft_ = kPlenty;
+    return isOn_;
+  }
+  const auto work = static_cast<int32_t>(std::min<int64_t>(int64_t{note().look} - workLeft_, kPlenty / 2));
+  note().look = work + std::max(work / 4, kLeastPrefilterWork / 4);
+  workLeft_ = note().look - work;
   if (note().use == PrefilterUse::kUndecided) make();
-  if (!takesLess(at)) return isOn_;
+  if (!takesLess(at, work)) return isOn_;
   if (isOn_ && candidates_->isQuick()) {
     candidates_->takeSlowerWay();
     turnOff(PrefilterUse::kOff);
@@ -45,39 +46,34 @@ bool Prefilter::decide(const uint8_t* at) {
 
 // Begins to count anew.
 void Prefilter::forget(PrefilterNote& note, PrefilterUse use) {
-  note = {use, note.foundNone, note.frame, 0, 0, kLeastWork};
+  note = {use, note.foundNone, note.frame, kLeastPrefilterWork, kLeastPrefilterWork, 0};
 }
 
-void Prefilter::addBytes(PrefilterNote& note, ptrdiff_t bytes) {
+void Prefilter::forgetMany(PrefilterNote& note) {
   const bool isOn = note.use == PrefilterUse::kOn;
-  note.bytes += static_cast<int32_t>(std::min(bytes, kMostBytes));
-  if (note.bytes >= (isOn ? kMostBytes : kManyBytes)) forget(note, isOn ? PrefilterUse::kOff : note.use);
+  if (!isOn || note.bytes >= kMostBytes) forget(note, isOn ? PrefilterUse::kOff : note.use);
 }
 
 void Prefilter::make() {
-  note().frame = Candidates::make(state_);
+  note().frame = Candidates::make(*m_.state);
   note().use = note().frame > 0 ? PrefilterUse::kOff : PrefilterUse::kUseless;
 }
 
+// What searches find out is counted no more.
 void Prefilter::turnOff(PrefilterUse use) {
-  isOn_ = false;
-  nextLook_ = kNever;
+  isOn_ = counts_ = false;
+  workLeft_ = kPlenty;
   note().use = use;
 }
 
 void Prefilter::turnOn(const uint8_t* at) {
-  nextLook_ = kNever;
-  if (note().use == PrefilterUse::kUseless) return;
-  candidates_ = Candidates::in(state_, note().frame);
-  if (!candidates_->begin(state_, at, m_.textEnd, m_.budget)) {
-    note().use = PrefilterUse::kOff;
-    return;
-  }
+  if (note().use == PrefilterUse::kUseless) return turnOff(PrefilterUse::kUseless);
+  candidates_ = Candidates::in(*m_.state, note().frame);
+  if (!candidates_->begin(*m_.state, at, m_.textEnd, m_.budget)) return turnOff(PrefilterUse::kOff);
   if (note().use == PrefilterUse::kOff) forget(note(), PrefilterUse::kOn);
   isOn_ = true;
-  work_ = 0;
   since_ = at;
-  nextLook_ = std::max(note().look - note().work, 1);
+  workLeft_ = note().workLeft;
 }
 
 // What candidates are told by may begin before the match does.
@@ -103,7 +99,7 @@ bool Prefilter::findsNone(ulkRegExpState& state, const uint8_t* text, const uint
 const uint8_t* Prefilter::next(const uint8_t* at) {
   if (m_.nonEmpty) return at;  // what is searched then ends behind the next byte
   const uint8_t* candidate = candidateFrom(at);
-  if (state_.format == kFormatUtf8) {
+  if (m_.state->format == kFormatUtf8) {
     const uint8_t* start;
     while ((start = characterFrom(candidate, at)) != candidate) candidate = candidateFrom(start);
   }

@@ -19,70 +19,72 @@ namespace ulk {
 
 class Prefilter {
  public:
-  Prefilter(MatchContext& m, ulkRegExpState& state) : m_(m), state_(state) {}
+  explicit Prefilter(MatchContext& m) : m_(m) {}
 
   // Whether a text has no candidate, so that it need not be searched. Looks only if that is likely.
   static bool rejects(ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd) {
     const PrefilterNote& note = state.frames[kPrefilterFrame].prefilter;
-    return startFilterOf(state).hasFrames && note.foundNone && note.use == PrefilterUse::kOn &&
+    return startFilterOf(state).candidates && note.foundNone && note.use == PrefilterUse::kOn &&
            findsNone(state, text, textEnd);
   }
 
   // A search begins at the start of the text,
   void begin() {
-    const StartFilter& filter = startFilterOf(state_);
-    isOn_ = false;
-    work_ = 0;
+    isOn_ = counts_ = false;
+    workLeft_ = kPlenty;
+    if (!startFilterOf(*m_.state).candidates || m_.textStart == m_.textEnd || m_.budget.paysExactly()) return;
+    if (note().use == PrefilterUse::kUseless) return;
     since_ = m_.textStart;
-    nextLook_ = kNever;
-    if (m_.textStart == m_.textEnd || m_.budget.paysExactly()) return;
-    if (!filter.hasFrames || filter.anchor != Anchor::kNone) return;
+    counts_ = true;
     if (note().use == PrefilterUse::kOn) return turnOn(m_.textStart);
-    if (note().use != PrefilterUse::kUseless) nextLook_ = std::max(note().look - note().work, 1);
+    workLeft_ = note().workLeft;
   }
   // and ends when it has come to this place.
   void end(const uint8_t* at) {
-    if (nextLook_ == kNever) return;
-    note().work = std::min(note().work + work_, kMuchWork);
+    if (!counts_) return;
+    note().workLeft = workLeft_;
     addBytes(note(), bytesInBlocks(at));
   }
 
   // Attempts in vain, and what takes as long.
-  void addWork(int32_t work) { work_ = std::min(work_ + work, kMuchWork); }
+  void addWork(int32_t work) { workLeft_ -= work; }
   // Whether candidates are to be used from this place on.
-  bool use(const uint8_t* at) { return work_ < nextLook_ ? isOn_ : decide(at); }
+  bool use(const uint8_t* at) { return workLeft_ > 0 ? isOn_ : decide(at); }
 
   // The first candidate from `at` on, at most the text's end or behind a character that it cuts.
   const uint8_t* next(const uint8_t* at);
 
  private:
   static bool findsNone(ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd);
-  PrefilterNote& note() { return state_.frames[kPrefilterFrame].prefilter; }
-  const PrefilterNote& note() const { return state_.frames[kPrefilterFrame].prefilter; }
+  PrefilterNote& note() { return m_.state->frames[kPrefilterFrame].prefilter; }
+  const PrefilterNote& note() const { return m_.state->frames[kPrefilterFrame].prefilter; }
   const uint8_t* candidateFrom(const uint8_t* at) const;
   // What the automaton has to read until the search has come to this place.
   ptrdiff_t bytesInBlocks(const uint8_t* at) const {
     return std::min<ptrdiff_t>(at - since_ + Candidates::kBlock, m_.textEnd - since_);
   }
-  bool takesLess(const uint8_t* at) const;
+  bool takesLess(const uint8_t* at, int64_t work) const;
   void make();
-  static void addBytes(PrefilterNote& note, ptrdiff_t bytes);
+  static void addBytes(PrefilterNote& note, ptrdiff_t bytes) {
+    note.bytes += static_cast<int32_t>(std::min(bytes, kMostBytes));
+    if (note.bytes >= kManyBytes) forgetMany(note);
+  }
+  static void forgetMany(PrefilterNote& note);
   static void forget(PrefilterNote& note, PrefilterUse use);
   bool decide(const uint8_t* at);
   void turnOn(const uint8_t* at);
   void turnOff(PrefilterUse use);
 
-  static constexpr int32_t kNever = INT32_MAX;
-  static constexpr int32_t kMuchWork = 1 << 29;     // work counts so far
+  // More than is ever added before `use` is asked again: no attempt has more steps, nor a text more bytes.
+  static constexpr int32_t kPlenty = 1 << 30;
   static constexpr ptrdiff_t kManyBytes = 1 << 17;  // after which texts may have become others,
   static constexpr ptrdiff_t kMostBytes = 1 << 20;  // and where candidates have proved good
 
   MatchContext& m_;
-  ulkRegExpState& state_;
   bool isOn_;
-  int32_t work_;  // since
-  const uint8_t* since_;
-  int32_t nextLook_;  // the work at which to decide anew
+  bool counts_;
+  int32_t workLeft_;      // until to decide anew
+  const uint8_t* since_;  // is counted
   Candidates* candidates_;
 };
 

@@ -32,64 +32,68 @@ namespace {
 class Search {
  public:
   Search(ulkRegExpState& state, const uint8_t* text, const uint8_t* end)
-      : state_(state), starts_(m_, state), anchor_(startFilterOf(state).anchor), end_(end) {
+      : starts_(m_), anchor_(startFilterOf(state).anchor), end_(end) {
     prepareMatcher(m_, state, choices_);
     m_.textStart = text;
   }
 
-  ulkStatus find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
+  ULK_INLINE ulkStatus find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
 
   // The records that were written, also when the budget ran out.
   int32_t numWritten() const { return numWritten_; }
 
  private:
-  ulkStatus findOnce(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches, bool payExactly);
-  ulkStatus findOne(ulkRegExpFind* records, int32_t* numRecords);
+  ULK_INLINE ulkStatus findOnce(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
+  ULK_INLINE ulkStatus findOne(ulkRegExpFind* records, int32_t* numRecords);
   ulkStatus findAll(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches);
   ULK_INLINE bool findFrom(const uint8_t* start, const uint8_t* end);
+  ULK_INLINE const uint8_t* placeFrom(const uint8_t* at);
   bool outOfBudget() const { return m_.budget.isExhausted(); }
   void writeRecords(ulkRegExpFind* records, int32_t first, int32_t last);
 
-  ulkRegExpState& state_;
   MatchContext m_;
   Starts starts_;
   const Anchor anchor_;
   const uint8_t* const end_;
   const uint8_t* reached_;  // where attempts have been made or left out
-  int32_t numWritten_ = 0;
+  int32_t numWritten_;
   alignas(RunChoice) std::byte choices_[kSearchChoices];
 };
+
+// The first place from `at` on that needs an attempt, behind the text's end if there is none.
+const uint8_t* Search::placeFrom(const uint8_t* at) {
+  if (at > m_.textEnd) return at;
+  return anchor_ == Anchor::kNone ? starts_.next(at) : starts_.nextAnchored(at);
+}
 
 // Finds the first match that begins at `start` or later in a text that ends at `end`.
 bool Search::findFrom(const uint8_t* start, const uint8_t* end) {
   m_.textEnd = end;
-  const uint8_t* at = start;
-  bool found = false;
-  for (; at <= end; at = nextStart(m_, state_, at)) {
-    if (anchor_ == Anchor::kNone) at = starts_.next(at);
-    if (anchor_ == Anchor::kLineStart) at = starts_.nextLine(at);
+  // Without budget no later start can match.
+  const uint8_t* at = placeFrom(start);
+  for (; at <= end && !outOfBudget(); at = placeFrom(nextStart(m_, anchor_, at))) {
     const int32_t budget = m_.budget.left();
-    if (at <= end && budget >= 0 && matchAt(m_, state_, at)) {
+    if (matchAt(m_, at)) {
       starts_.noteMatch();
-      found = true;
-      break;
+      reached_ = at;
+      return true;
     }
-    starts_.noteFailure(at, static_cast<uint32_t>(budget) - static_cast<uint32_t>(m_.budget.left()));
-    // Without budget no later start can match.
-    if (anchor_ == Anchor::kTextStart || outOfBudget()) break;
+    if (outOfBudget()) break;
+    starts_.noteFailure(static_cast<uint32_t>(budget) - static_cast<uint32_t>(m_.budget.left()));
   }
+  starts_.noteEnd();
   reached_ = at;
-  return found;
+  return false;
 }
 
 // Copies slots [first, last) behind the records that are written already.
 void Search::writeRecords(ulkRegExpFind* records, int32_t first, int32_t last) {
-  copyCaptures(state_, first, last, records + numWritten_);
+  copyCaptures(*m_.state, first, last, records + numWritten_);
   numWritten_ += last - first;
 }
 
 ulkStatus Search::findOne(ulkRegExpFind* records, int32_t* numRecords) {
-  *numRecords = std::min(*numRecords, state_.numCaptures);
+  *numRecords = std::min(*numRecords, m_.state->numCaptures);
   if (findFrom(m_.textStart, end_)) {
     writeRecords(records, 0, *numRecords);
     return ulkOk;
@@ -99,25 +103,25 @@ ulkStatus Search::findOne(ulkRegExpFind* records, int32_t* numRecords) {
   return ulkOk;
 }
 
-ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches) {
+__attribute__((noinline)) ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches) {
   // An expression with groups reports its groups only, unless the whole matches are asked for as well.
-  const int32_t skip = !wholeMatches && state_.numCaptures > 1 ? 1 : 0;
+  const int32_t skip = !wholeMatches && m_.state->numCaptures > 1 ? 1 : 0;
   // The last index at which a match's records fit.
-  const int32_t lastFit = *numRecords - state_.numCaptures + skip;
+  const int32_t lastFit = *numRecords - m_.state->numCaptures + skip;
   const uint8_t* start = m_.textStart;
   while (numWritten_ <= lastFit && start <= end_) {
     if (!findFrom(start, end_)) break;
-    writeRecords(records, skip, state_.numCaptures);
+    writeRecords(records, skip, m_.state->numCaptures);
     if (outOfBudget()) return ulkErrMatchLimit;
 
-    const CaptureSlot match = state_.captures[0];
+    const CaptureSlot match = m_.state->captures[0];
     if (!staysInText(match.start, match.length, end_)) break;
     start = match.start + std::max(match.length, 1);
     if (match.length != 0 || numWritten_ >= lastFit || match.start >= end_) continue;
 
     // After an empty match, the next byte alone is searched for a match that is not empty.
     m_.nonEmpty = true;
-    if (findFrom(match.start, match.start + 1)) writeRecords(records, skip, state_.numCaptures);
+    if (findFrom(match.start, match.start + 1)) writeRecords(records, skip, m_.state->numCaptures);
     if (outOfBudget()) return ulkErrMatchLimit;
     m_.nonEmpty = false;
   }
@@ -125,15 +129,14 @@ ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords, bool whol
   return ulkOk;
 }
 
-ulkStatus Search::findOnce(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches, bool payExactly) {
-  m_.options = state_.options & kMatcherOptions;
+ulkStatus Search::findOnce(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches) {
+  m_.options = m_.state->options & kMatcherOptions;
   m_.nonEmpty = false;
-  m_.budget.start(state_.matchLimit, payExactly);
   m_.textEnd = end_;
   numWritten_ = 0;
   reached_ = m_.textStart;
   starts_.begin();
-  const bool global = state_.options & RX_OPT_GLOBAL;
+  const bool global = m_.state->options & RX_OPT_GLOBAL;
   const ulkStatus status = global ? findAll(records, numRecords, wholeMatches) : findOne(records, numRecords);
   starts_.end(reached_);
   return status;
@@ -141,32 +144,19 @@ ulkStatus Search::findOnce(ulkRegExpFind* records, int32_t* numRecords, bool who
 
 ulkStatus Search::find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches) {
   const int32_t capacity = *numRecords;
-  const ulkStatus status = findOnce(records, numRecords, wholeMatches, false);
-  if (!m_.budget.mayHaveSufficed()) return status;
-  *numRecords = capacity;
-  return findOnce(records, numRecords, wholeMatches, true);
-}
-
-// Whether a search of an empty text is known to find nothing, within the limit.
-bool failsInEmptyText(const ulkRegExpState& state) {
-  const StartFilter& filter = startFilterOf(state);
-  return filter.failsAtEnd && state.matchLimit >= std::max(filter.steps, filter.placeSteps);
+  for (bool exactly = false;; exactly = true) {
+    m_.budget.start(m_.state->matchLimit, exactly);
+    const ulkStatus status = findOnce(records, numRecords, wholeMatches);
+    if (!m_.budget.mayHaveSufficed()) return status;
+    *numRecords = capacity;
+  }
 }
 
 }  // namespace
 
-ulkStatus rxFind(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
-                 int32_t* pNumFind) {
-  if (!pSrc || !pRegExpState || !pFind) return ulkErrNullPtr;
-  if (srcLen < 0) return ulkErrLength;
-  if (*pNumFind < 1) return ulkErrSize;
-  if (pRegExpState->magic != kStateMagic) return ulkErrInvalidState;
-  const uint8_t* const end = pSrc + cutAtTrailingLiteral(*pRegExpState, pSrc, srcLen);
-  if (end == pSrc ? failsInEmptyText(*pRegExpState) : Prefilter::rejects(*pRegExpState, pSrc, end)) {
-    *pNumFind = 0;
-    return ulkOk;
-  }
-  return Search(*pRegExpState, pSrc, end).find(pFind, pNumFind, false);
+ulkStatus searchText(ulkRegExpState& state, const uint8_t* text, const uint8_t* end, ulkRegExpFind* records,
+                     int32_t* numRecords) {
+  return Search(state, text, end).find(records, numRecords, false);
 }
 
 int32_t rxFindForReplace(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState,

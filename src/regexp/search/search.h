@@ -5,15 +5,39 @@
 // the program there.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
+#include "regexp/search/attempt.h"
+#include "regexp/search/prefilter.h"
 #include "ulkch.h"
 
 namespace ulk {
 
-// ulksRegExpFind_8u, checks included.
-ulkStatus rxFind(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState, ulkRegExpFind* pFind,
-                 int32_t* pNumFind);
+// Searches what the cut has left of a text.
+ulkStatus searchText(ulkRegExpState& state, const uint8_t* text, const uint8_t* end, ulkRegExpFind* records,
+                     int32_t* numRecords);
+
+// Whether a search of an empty text is known to find nothing, within the limit.
+inline bool failsInEmptyText(const ulkRegExpState& state) {
+  const StartFilter& filter = startFilterOf(state);
+  return filter.failsAtEnd && state.matchLimit >= std::max(filter.steps, filter.placeSteps);
+}
+
+// ulksRegExpFind_8u, checks included. Texts in which a glance finds nothing are not searched.
+inline ulkStatus rxFind(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState,
+                        ulkRegExpFind* pFind, int32_t* pNumFind) {
+  if (!pSrc || !pRegExpState || !pFind) return ulkErrNullPtr;
+  if (srcLen < 0) return ulkErrLength;
+  if (*pNumFind < 1) return ulkErrSize;
+  if (pRegExpState->magic != kStateMagic) return ulkErrInvalidState;
+  const uint8_t* const end = pSrc + cutAtTrailingLiteral(*pRegExpState, pSrc, srcLen);
+  if (end == pSrc ? failsInEmptyText(*pRegExpState) : Prefilter::rejects(*pRegExpState, pSrc, end)) {
+    *pNumFind = 0;
+    return ulkOk;
+  }
+  return searchText(*pRegExpState, pSrc, end, pFind, pNumFind);
+}
 
 // The search of a replacement, for arguments that are checked already: a global search reports the whole
 // match before the groups of each. The status is of no interest. Returns how many records are to be used:

@@ -383,14 +383,14 @@ void SetScan::tryRange(Slot& slot, int32_t first, int32_t last) {
     const int32_t before = m_.budget.left();
     if (!isWorthAttempt(at)) {
       m_.budget.pay(startFilterOf(state).steps);
-    } else if (matchAt(m_, state, at)) {
+    } else if (matchAt(m_, at)) {
       at = takeMatch(slot);
       if (slot.isDone) return;
       continue;
     }
     slot.wasted += int64_t{before} - m_.budget.left();
     if (m_.budget.isExhausted() || slot.wasted > kMostWaste * (length_ + 1)) return searchAlone(slot);
-    at = nextStart(m_, state, at);
+    at = nextStart(m_, startFilterOf(state).anchor, at);
   }
   slot.at = static_cast<int32_t>(at - text_);
   slot.left = m_.budget.left();

@@ -16,11 +16,10 @@ namespace ulk {
 
 namespace {
 
-// The first byte in [at, end) that is in the set or not below 0x80. A function of its own, which keeps all it
-// needs in registers.
-__attribute__((noinline)) const uint8_t* passAsciiOutside(const uint8_t* at, const uint8_t* end,
-                                                          const ByteSet256& set) {
-  while (at < end && *at < 0x80 && !set.contains(*at)) ++at;
+// The first byte in [at, end) that is in the set. A function of its own, which keeps all it needs in registers.
+__attribute__((noinline)) ULK_IN_REGISTERS const uint8_t* passOutside(const uint8_t* at, const uint8_t* end,
+                                                                      const ByteSet256& set) {
+  while (at < end && !set.contains(*at)) ++at;
   return at;
 }
 
@@ -41,12 +40,12 @@ ptrdiff_t Starts::longStride() const {
   if (!m_.budget.paysExactly())
     return std::max<ptrdiff_t>(kLeastStride, m_.budget.left() / std::max(filter().steps, 1));
   const bool isString = filter().kind == StartKind::kString || filter().kind == StartKind::kCaselessString;
-  return isString ? std::max<ptrdiff_t>(kLeastStride, 4 * ptrdiff_t{stringLength(m_.nodes[filter().item])})
+  return isString ? std::max<ptrdiff_t>(kLeastStride, 4 * ptrdiff_t{stringLength(m_.nodes()[filter().item])})
                   : kLeastStride;
 }
 
 const uint8_t* Starts::characterAfter(const uint8_t* at) const {
-  return at + (state_.format == kFormatUtf8 ? decodeUtf8(at).length : 1);
+  return at + (m_.state->format == kFormatUtf8 ? decodeUtf8(at).length : 1);
 }
 
 // Where the ASCII text ends that begins at this place, or how far that is known.
@@ -71,7 +70,7 @@ int32_t Starts::passCharacters(const uint8_t*& at, const uint8_t* end) {
 // where characters are counted.
 const uint8_t* Starts::payForAll(const uint8_t* at, const uint8_t* end) {
   int64_t starts = end - at;
-  if (state_.format != kFormatUtf8) {
+  if (m_.state->format != kFormatUtf8) {
     pay(starts * filter().steps);
     return end;
   }
@@ -100,9 +99,9 @@ int32_t Starts::find(const uint8_t* at, int32_t length) const {
       break;
     case StartKind::kString:
     case StartKind::kCaselessString: {
-      const RxNode& literal = m_.nodes[filter().item];
-      const auto reach = static_cast<int32_t>(
-          std::min<int64_t>(int64_t{length} + stringLength(literal) - 1, m_.textEnd - at));
+      const RxNode& literal = m_.nodes()[filter().item];
+      const auto behind = static_cast<int32_t>(m_.textEnd - at) - length;
+      const int32_t reach = length + std::min(stringLength(literal) - 1, behind);
       found = filter().kind == StartKind::kString
                   ? findSubstring(at, reach, stringOf(literal), stringLength(literal))
                   : findCaseless(at, reach, stringOf(literal), stringLength(literal));
@@ -123,16 +122,12 @@ int32_t Starts::find(const uint8_t* at, int32_t length) const {
 // The first position in [at, end) with a byte of the set, the next one from `end` on if there is none. Pays
 // for those before it.
 const uint8_t* Starts::passOutsideSet(const uint8_t* at, const uint8_t* end) {
-  const uint8_t* const from = at;
-  ptrdiff_t further = 0;  // bytes of characters beyond the first
-  while ((at = passAsciiOutside(at, end, set())) < end && !set().contains(*at)) {
-    const uint8_t* const next = characterAfter(at);
-    further += next - at - 1;
-    at = next;
-  }
-  const auto starts = static_cast<int32_t>(at - from - further);
-  prefilter_.addWork(starts / kBytesPerWork);
-  pay(int64_t{starts} * filter().steps);
+  const uint8_t* found;
+  do {
+    found = passOutside(at, end, set());
+    prefilter_.addWork(static_cast<int32_t>(found - at) / kBytesPerWork);
+    at = payForAll(at, found);
+  } while (at != found && at < end);
   return at;
 }
 
@@ -183,8 +178,8 @@ const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) 
 
 // Whether none of the literals is at this place that a match begins with.
 bool Starts::lacksLiterals(const uint8_t* at) const {
-  if (itemLength(m_, m_.nodes[pair().firstLiteral], at) != kNoMatch) return false;
-  for (const RxNode* bar = m_.nodes + pair().literalBar; bar; bar = nextBar(*bar))
+  if (itemLength(m_, m_.nodes()[pair().firstLiteral], at) != kNoMatch) return false;
+  for (const RxNode* bar = m_.nodes() + pair().literalBar; bar; bar = nextBar(*bar))
     if (codeOf(bar[1]) != RX_ASSERT && itemLength(m_, bar[1], at) != kNoMatch) return false;
   return true;
 }
@@ -197,7 +192,7 @@ bool Starts::lacksLiterals(const uint8_t* at) const {
 // behind. Else returns `at`, and notes up to where attempts have such a place.
 const uint8_t* Starts::passRun(const uint8_t* at) {
   constexpr int64_t kPlenty = 1 << 17;  // the sum of the tries of so many attempts exhausts every budget
-  const Follow follow = followOf(m_, m_.nodes[filter().run], m_.options);
+  const Follow follow = followOf(m_, m_.nodes()[filter().run], m_.options);
   if (at >= runEnd_) {
     runEnd_ = at;
     while (runEnd_ < m_.textEnd && *runEnd_ < 0x80 && set().contains(*runEnd_)) ++runEnd_;
@@ -206,8 +201,8 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
   const uint8_t* const end = attemptsEnd_ = std::min(runEnd_, m_.textEnd);
   if (end == at || (end < m_.textEnd && set().contains(*end))) return at;
 
-  const int32_t least = minOf(m_.nodes[filter().run]);
-  if (maxOf(m_.nodes[filter().run]) != kUnbounded) return passBounded(at, end, follow);
+  const int32_t least = minOf(m_.nodes()[filter().run]);
+  if (maxOf(m_.nodes()[filter().run]) != kUnbounded) return passBounded(at, end, follow);
   const uint8_t* last = end;
   if (follow.note.disjoint()) {
     if (!follow.admits(m_, last)) last = at;
@@ -225,13 +220,13 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
 
 // As passRun, one attempt after the other, for a repeat with a bound.
 const uint8_t* Starts::passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow) {
-  const int32_t least = minOf(m_.nodes[filter().run]);
+  const int32_t least = minOf(m_.nodes()[filter().run]);
   // Where none of the items may follow the repeat, only the run's end is a place to go on from.
   const bool onlyAtEnd = follow.note.disjoint();
   const bool admitsEnd = follow.admits(m_, end);
   int64_t steps = 0;
   while (at < end && m_.budget.suffices(steps)) {
-    const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(maxOf(m_.nodes[filter().run]), end - at));
+    const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(maxOf(m_.nodes()[filter().run]), end - at));
     bool hopeless = true;
     if (onlyAtEnd) {
       hopeless = !admitsEnd || most < end - at || most < least;
@@ -328,10 +323,11 @@ int32_t Starts::stepsAtLastBoundary() const {
   return inWord != inByteSet(*end, kWord) ? filter().steps : filter().placeSteps;
 }
 
-const uint8_t* Starts::nextLine(const uint8_t* at) {
+const uint8_t* Starts::nextAnchored(const uint8_t* at) {
   if (!knowsLines() || !knowsOptions()) return at;
-  if (at != m_.textStart && at[-1] != '\n') return at;
-  for (; at < m_.textEnd && !set().contains(*at) && !m_.budget.isExhausted(); at = lineBehind(m_, at))
+  if (at != m_.textStart && (at[-1] != '\n' || filter().kind == StartKind::kTextStart)) return at;
+  for (; at < m_.textEnd && !set().contains(*at) && !m_.budget.isExhausted();
+       at = nextStart(m_, filter().anchor, at))
     pay(filter().placeSteps);
   return at;
 }

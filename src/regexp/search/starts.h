@@ -14,7 +14,7 @@ namespace ulk {
 // Goes over the start positions of one search.
 class Starts {
  public:
-  Starts(MatchContext& m, ulkRegExpState& state) : m_(m), state_(state), prefilter_(m, state) {}
+  explicit Starts(MatchContext& m) : m_(m), prefilter_(m) {}
 
   // The first position from `at` on that needs an attempt, beyond the text's end if there is none; pays for
   // those before it. Where the budget does not suffice, it is exhausted and the position returned does not
@@ -32,19 +32,19 @@ class Starts {
     return at;
   }
 
-  // The same where attempts are made at line starts only: the first line start that needs one. Other places
-  // cost nothing, but one at which the search begins is tried.
-  const uint8_t* nextLine(const uint8_t* at);
+  // The same where attempts are made at line starts only, or at the text's start: the first that needs one.
+  // Other places cost nothing, but one at which the search begins is tried.
+  const uint8_t* nextAnchored(const uint8_t* at);
 
-  // To be told of an attempt that has failed at a place, and of its steps; at the text's end or behind it, of
-  // a search that has found nothing.
-  void noteFailure(const uint8_t* at, uint32_t steps) {
+  // To be told of an attempt that has failed, and of its steps,
+  void noteFailure(uint32_t steps) {
     lastFailed_ = true;
-    const auto work = static_cast<int32_t>(steps / kStepsPerWork);
-    prefilter_.addWork(at < m_.textEnd ? kWorkPerAttempt + work : kWorkPerSearch);
+    prefilter_.addWork(kWorkPerAttempt + static_cast<int32_t>(steps / kStepsPerWork));
   }
-
+  // of one that has not,
   void noteMatch() { lastFailed_ = false; }
+  // and of having come to the text's end.
+  void noteEnd() { prefilter_.addWork(kWorkPerSearch); }
 
   // A search begins, whose text and budget are known,
   void begin() {
@@ -57,15 +57,18 @@ class Starts {
   void end(const uint8_t* at) { prefilter_.end(at); }
 
  private:
-  const StartFilter& filter() const { return startFilterOf(state_); }
-  const ByteSet256& set() const { return state_.frames[kStartSetFrame].bytes; }
-  const StartPair& pair() const { return state_.frames[kStartPairFrame].pair; }
+  const StartFilter& filter() const { return startFilterOf(*m_.state); }
+  const ByteSet256& set() const { return m_.state->frames[kStartSetFrame].bytes; }
+  const StartPair& pair() const { return m_.state->frames[kStartPairFrame].pair; }
   bool knowsOptions() const { return (filter().options & kMatcherOptions) == m_.options; }
   bool knowsEnd() const {
-    return filter().failsAtEnd && (knowsOptions() || m_.options == (state_.options & kMatcherOptions));
+    return filter().failsAtEnd && (knowsOptions() || m_.options == (m_.state->options & kMatcherOptions));
   }
-  // Whether the set tells which lines need an attempt.
-  bool knowsLines() const { return filter().kind == StartKind::kLineStart && filter().placeSteps > 0; }
+  // Whether the set tells at which anchored places an attempt is needed.
+  bool knowsLines() const {
+    return (filter().kind == StartKind::kLineStart || filter().kind == StartKind::kTextStart) &&
+           filter().placeSteps > 0;
+  }
   const uint8_t* skip(const uint8_t* at);
   int32_t stepsAtLastBoundary() const;
   const uint8_t* characterAfter(const uint8_t* at) const;
@@ -99,7 +102,6 @@ class Starts {
   static constexpr int32_t kBytesPerWorkOfScan = 64;  // many at a time
 
   MatchContext& m_;
-  const ulkRegExpState& state_;
   const uint8_t* asciiEnd_;     // of the ASCII text that was looked at last
   const uint8_t* runEnd_;       // of the run that was looked at last
   const uint8_t* attemptsEnd_;  // all positions before it need attempts
