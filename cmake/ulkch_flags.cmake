@@ -1,8 +1,10 @@
 # Flags that every target of the project is built with, as interface targets.
 
 # SSE3 is the contract with the processor, so 64-bit and 32-bit builds compute alike and run on the same machines.
+# Nothing is visible by accident; the tests' types, some of which hold the library's, are as hidden as those.
 add_library(ulkch_flags INTERFACE)
 target_compile_options(ulkch_flags INTERFACE -msse3 -mfpmath=sse -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+target_compile_options(ulkch_flags INTERFACE -fvisibility=hidden)
 if(ULKCH_WARNINGS_AS_ERRORS)
   target_compile_options(ulkch_flags INTERFACE -Werror)
 endif()
@@ -11,13 +13,12 @@ if(WIN32)
   target_link_options(ulkch_flags INTERFACE -static)
 endif()
 
-# The library itself: no exceptions, no run-time type information, no start-up work, nothing visible by accident.
+# The library itself: no exceptions, no run-time type information, no start-up work.
 add_library(ulkch_library_flags INTERFACE)
 target_link_libraries(ulkch_library_flags INTERFACE ulkch_flags)
 target_compile_options(
   ulkch_library_flags
-  INTERFACE -fvisibility=hidden
-            $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions>
+  INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions>
             $<$<COMPILE_LANGUAGE:CXX>:-fno-rtti>
             $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden>
             $<$<COMPILE_LANGUAGE:CXX>:-fno-threadsafe-statics>)

@@ -3,6 +3,8 @@
 
 #include "kernels/scan.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 template <class Unit>
@@ -47,3 +49,5 @@ int32_t findUnitRev(const Unit* text, int32_t length, Unit unit) {
 }
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

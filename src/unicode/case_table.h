@@ -10,6 +10,8 @@
 
 #include "kernels/vec16.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 inline constexpr uint16_t kDirectEnd = 0x2500;
@@ -63,3 +65,5 @@ constexpr ULK_INLINE uint16_t mapCaseDirect(uint16_t unit, const CaseTable& tabl
 }
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // General categories as the engine's programs hold them: the bit of a major class and, for a subcategory, one
@@ -63,3 +65,5 @@ struct Block {
 const Block* findBlock(const char* text, int32_t length);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -8,6 +8,8 @@
 
 #include "regexp/program/state.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 void analyse(ulkRegExpState& state, SpareWords spare);
@@ -25,3 +27,5 @@ void makeClassSets(ulkRegExpState& state, SpareWords spare);
 void chooseSteps(ulkRegExpState& state);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

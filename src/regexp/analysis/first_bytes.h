@@ -7,6 +7,8 @@
 #include "regexp/program/program.h"
 #include "regexp/program/state.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // How far the rest of the program is followed. Every repeat asks, so without a bound compiling were
@@ -68,3 +70,5 @@ void addFirstBytes(const RxNode& item, uint32_t options, ByteSet256& set);
 void addAllBytes(const RxNode& item, uint32_t options, ByteSet256& set);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

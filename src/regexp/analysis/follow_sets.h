@@ -7,6 +7,8 @@
 #include "regexp/program/program.h"
 #include "regexp/program/state.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // Hands out the frames that no group uses, from the last one down.
@@ -41,3 +43,5 @@ void makeFollowSets(ulkRegExpState& state, SpareFrames& frames);
 inline constexpr int32_t kMaxFollowSteps = 1 << 20;
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

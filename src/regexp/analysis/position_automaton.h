@@ -14,6 +14,8 @@
 
 #include "regexp/program/state.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // Sets of positions are bits of a word.
@@ -35,3 +37,5 @@ struct PositionAutomaton {
 bool makeAutomaton(const ulkRegExpState& state, PositionAutomaton& automaton);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -6,6 +6,8 @@
 #include "regexp/analysis/position_automaton.h"
 #include "regexp/program/small_set.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // Two at fixed distances from the start of the match; one alone stands twice.
@@ -28,3 +30,5 @@ struct RequiredBytes {
 bool findRequiredBytes(const PositionAutomaton& automaton, RequiredBytes& required);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

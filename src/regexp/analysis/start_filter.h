@@ -10,6 +10,8 @@
 
 #include "regexp/program/state.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // `hasFrames`: the frames for it and for what searches note belong to no group.
@@ -23,3 +25,5 @@ inline bool filtersAllAttempts(const ulkRegExpState& state) {
 }
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

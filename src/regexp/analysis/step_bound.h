@@ -10,6 +10,8 @@
 
 #include "regexp/program/state.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // The sets of bytes whose runs matter, and the longest run of each.
@@ -36,3 +38,5 @@ int64_t lookbehindBound(const ulkRegExpState& state);
 int64_t shortAttemptBound(const ulkRegExpState& state, int32_t mostBytes);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -6,6 +6,8 @@
 
 #include "regexp/program/state.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // Writes what no other search reads, once. Frames kWindowKeysFrame to kWindowFrame belong to no group.
@@ -17,3 +19,5 @@ inline const WindowKey* windowKeys(const ulkRegExpState& state) {
 }
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

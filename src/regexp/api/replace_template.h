@@ -7,6 +7,8 @@
 #include "regexp/program/program.h"
 #include "ulkch.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 struct ReplaceItem {
@@ -26,3 +28,5 @@ struct ulkRegExpReplaceState {
   ulk::ReplaceItem* items() { return reinterpret_cast<ulk::ReplaceItem*>(this + 1); }
 };
 static_assert(sizeof(void*) != 4 || sizeof(ulkRegExpReplaceState) == 12);
+
+#pragma GCC visibility pop

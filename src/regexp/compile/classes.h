@@ -4,9 +4,13 @@
 
 #include "regexp/compile/parse.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // With `in.at` on the "["; leaves it behind the "]".
 ulkStatus ownRegExpParseClass(Parse& in);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

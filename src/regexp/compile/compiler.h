@@ -9,6 +9,8 @@
 #include "regexp/program/state.h"
 #include "ulkch.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // Compiles into `state`, which is large enough for the pattern, and tells what the program leaves free of it.
@@ -17,3 +19,5 @@ ulkStatus compileProgram(const char* pattern, const char* options, ulkRegExpStat
                          int32_t& errOffset);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

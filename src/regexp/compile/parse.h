@@ -10,6 +10,8 @@
 #include "regexp/program/program.h"
 #include "ulkch.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // Set in the code of a class's last member until the program is finished, so that what follows a class does
@@ -75,3 +77,5 @@ inline bool isShorthand(uint8_t letter) {
 int32_t namedByte(uint8_t letter);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

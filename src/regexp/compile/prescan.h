@@ -8,9 +8,13 @@
 
 #include "regexp/compile/parse.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // `extended`: the x option as the options string sets it. Leaves `in.at` at the pattern's end.
 ulkStatus prescan(Parse& in, bool extended, int32_t& numCapturingGroups);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -5,6 +5,8 @@
 
 #include "regexp/program/program.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // `at` is on the "p" or "P"; negate is -1 for "\P", else 0. Appends one node, leaves `at` behind the property
@@ -15,3 +17,5 @@ int32_t ownRegExpParseProperty(const uint8_t*& at, RxNode* nodes, int32_t& numNo
 int32_t ownRegExpParseScript(const uint8_t*& at, RxNode* nodes, int32_t& numNodes, int32_t negate);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

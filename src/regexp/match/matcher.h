@@ -22,6 +22,8 @@
 #include "regexp/text/bytes.h"
 #include "regexp/text/lengths.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 struct MatchContext;
@@ -110,3 +112,5 @@ inline void prepareMatcher(MatchContext& m, ulkRegExpState& state, std::byte* me
 bool rxMatch(MatchContext& m, const RxNode* first);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // A set of bytes, one bit each.
@@ -29,3 +31,5 @@ void addAllHighBytes(ByteSet256& set);
 void addLeads(int32_t low, int32_t high, ByteSet256& set);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -5,6 +5,8 @@
 
 #include "regexp/program/program.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // Whether a code-point node accepts a character, without a member's negation.
@@ -14,3 +16,5 @@ bool codePointAccepts(const RxNode& node, int32_t codePoint, uint32_t options);
 bool propertyAccepts(const RxNode& node, int32_t codePoint);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -8,6 +8,8 @@
 #include "regexp/text/utf8.h"
 #include "unicode/unicode.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 inline constexpr int32_t kScriptWords = kMaxScripts / 32;
@@ -72,3 +74,5 @@ class ClassMembers {
 bool anyMemberAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -32,6 +32,8 @@
 #include "regexp/text/utf8.h"
 #include "unicode/unicode.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 inline constexpr int32_t kKindWords = kMaxKinds / 32;
@@ -110,3 +112,5 @@ void addAsciiOf(const RxNode& item, uint32_t options, ByteSet256& set);
 bool walkAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -13,6 +13,8 @@
 #include "regexp/program/step.h"
 #include "regexp/text/options.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // Every node code with what its operands hold.
@@ -222,3 +224,5 @@ int64_t fixedWidth(const RxNode* nodes, int32_t first, int32_t last);
 int64_t simpleWidth(const RxNode* nodes, int32_t first, int32_t last);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -5,6 +5,8 @@
 
 #include "regexp/program/byte_set.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // A small set of bytes: one, two, or up to four members, where three repeat the first; or up to two ranges of
@@ -19,3 +21,5 @@ struct SmallSet {
 bool describe(const ByteSet256& set, SmallSet& small);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

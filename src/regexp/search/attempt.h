@@ -9,6 +9,8 @@
 #include "regexp/match/matcher.h"
 #include "regexp/text/utf8.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // A match ends with the pattern's trailing literal, so nothing after its last occurrence is searched; where
@@ -64,3 +66,5 @@ inline void copyCaptures(const ulkRegExpState& state, int32_t first, int32_t las
 }
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -55,7 +55,8 @@ void AttemptBounds::limitNoBytes() {
 }
 
 void AttemptBounds::boundShortSearch() {
-  shortSearch_ = std::min((kShortText + 1) * std::min(few_, inShort_), kNoBound);
+  const int64_t bound = (kShortText + 1) * std::min({few_, inShort_, int64_t{INT32_MAX}});
+  shortSearch_ = static_cast<int32_t>(std::min<int64_t>(bound, INT32_MAX));
 }
 
 // The bound while no run is longer than so many bytes.
@@ -93,12 +94,10 @@ int64_t AttemptBounds::measured(const ulkRegExpState& state, const uint8_t* text
   return elsewhere + countStarts(state, text, end) * attempt_;
 }
 
-int64_t AttemptBounds::ofAll(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
-                             int64_t limit) {
+int64_t AttemptBounds::boundAll(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
+                                int64_t limit) {
   const int64_t attempts = end - text + 1;
-  const bool isShort = end - text <= kShortText;
-  if (isShort && shortSearch_ <= limit) return shortSearch_;
-  const int64_t known = attempts * (isShort ? std::min(few_, inShort_) : few_);
+  const int64_t known = attempts * (end - text <= kShortText ? std::min(few_, inShort_) : few_);
   if (known <= limit) return known;
   const int64_t found = measured(state, text, end, limit);
   if (found > limit) takeUsualRuns();

@@ -10,6 +10,8 @@
 
 #include "regexp/analysis/step_bound.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 class AttemptBounds {
@@ -23,18 +25,22 @@ class AttemptBounds {
 
   bool areKnown() const { return attempt_ < kNoBound || few_ < kNoBound; }
   // The bound for all attempts in [text, end). Where it is above the limit it may be too large.
-  int64_t ofAll(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end, int64_t limit);
+  int64_t ofAll(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end, int32_t limit) {
+    const bool isShort = end - text <= kShortText;
+    return isShort && shortSearch_ <= limit ? shortSearch_ : boundAll(state, text, end, limit);
+  }
 
  private:
   static constexpr ptrdiff_t kShortText = 256;
 
   void boundShortSearch();
+  int64_t boundAll(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end, int64_t limit);
   int64_t boundRuns(const ulkRegExpState& state, int32_t longest);
   bool measureRuns(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end);
   void takeUsualRuns();
   int64_t measured(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end, int64_t limit);
 
-  int64_t shortSearch_;  // of all attempts in a short text
+  int32_t shortSearch_;  // of all attempts in a short text, INT32_MAX if it is not below that
   // Of one attempt:
   int64_t few_;      // none of whose tries takes more bytes than it may
   int64_t inShort_;  // in a short text
@@ -44,3 +50,5 @@ class AttemptBounds {
 };
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -8,6 +8,8 @@
 
 #include "regexp/analysis/position_automaton.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 class BackwardAutomaton {
@@ -68,3 +70,5 @@ class BackwardAutomaton {
 };
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -36,19 +36,6 @@ void Candidates::choose(Way way) {
   blockBegin_ = blockEnd_ = nullptr;
 }
 
-bool Candidates::begin(const ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd,
-                       StepBudget& budget) {
-  textEnd_ = textEnd;
-  blockBegin_ = blockEnd_ = nullptr;
-  automaton_.begin();
-  // What remains of the budget has to do for the attempts that are made.
-  const int64_t limit = budget.left() - budget.left() / 4;
-  const int64_t bound = bounds_.ofAll(state, text, textEnd, limit);
-  if (bound > limit) return false;
-  budget.payBound(bound);
-  return true;
-}
-
 const uint8_t* Candidates::next(const uint8_t* at) {
   if (way_ == Way::kPair) return nextPair(at);
   while (at < textEnd_ && !givesUp()) {

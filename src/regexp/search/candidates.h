@@ -10,6 +10,8 @@
 #include "regexp/search/attempt_bounds.h"
 #include "regexp/search/backward_automaton.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 class Candidates {
@@ -25,7 +27,17 @@ class Candidates {
 
   // For the text from a place on. Pays for the attempts that are left out; false if they might take too much
   // of the budget.
-  bool begin(const ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd, StepBudget& budget);
+  bool begin(const ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd, StepBudget& budget) {
+    textEnd_ = textEnd;
+    blockBegin_ = blockEnd_ = nullptr;
+    automaton_.begin();
+    // What remains of the budget has to do for the attempts that are made.
+    const int32_t limit = budget.left() - budget.left() / 4;
+    const int64_t bound = bounds_.ofAll(state, text, textEnd, limit);
+    if (bound > limit) return false;
+    budget.payBound(bound);
+    return true;
+  }
 
   // Looking for candidates takes much less time than where all of the text is read in blocks.
   bool isQuick() const { return way_ != Way::kBlocks; }
@@ -65,3 +77,5 @@ class Candidates {
 };
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

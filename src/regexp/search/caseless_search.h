@@ -9,6 +9,8 @@
 #include "regexp/program/program.h"
 #include "regexp/text/bytes.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 inline uint8_t smallLetter(uint8_t byte) {
@@ -123,3 +125,5 @@ inline int32_t findRevCaseless(const uint8_t* text, int32_t length, const uint8_
 }
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -15,6 +15,8 @@
 #include "regexp/match/matcher.h"
 #include "regexp/search/candidates.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 class Prefilter {
@@ -89,3 +91,5 @@ class Prefilter {
 };
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -12,6 +12,8 @@
 #include "regexp/search/prefilter.h"
 #include "ulkch.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // Searches what the cut has left of a text.
@@ -47,3 +49,5 @@ int32_t rxFindForReplace(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pR
                          ulkRegExpFind* pFind, int32_t* pNumFind);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

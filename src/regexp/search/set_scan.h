@@ -13,6 +13,8 @@
 
 #include "ulkch.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // To be called before, by one thread alone: finds out what the pass needs to know of each expression, unless
@@ -26,3 +28,5 @@ void findTogether(const uint8_t* text, int32_t length, ulkRegExpState* const* ex
                   ulkRegExpMultiFind* results, int32_t first, int32_t last);
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

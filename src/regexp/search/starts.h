@@ -9,6 +9,8 @@
 #include "regexp/match/matcher.h"
 #include "regexp/search/prefilter.h"
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 // Goes over the start positions of one search.
@@ -111,3 +113,5 @@ class Starts {
 };
 
 }  // namespace ulk
+
+#pragma GCC visibility pop

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(hidden)
+
 namespace ulk {
 
 struct Utf8Char {
@@ -42,3 +44,5 @@ inline const uint8_t* characterFrom(const uint8_t* place, const uint8_t* at) {
 }
 
 }  // namespace ulk
+
+#pragma GCC visibility pop
