@@ -11,6 +11,7 @@ namespace {
 constexpr int32_t kBytesPerWork = 5;        // that the automaton reads in the time of an attempt in vain,
 constexpr int32_t kQuickBytesPerWork = 96;  // in which a quicker way finds candidates,
 constexpr int32_t kBytesMeasured = 256;     // and whose runs are measured then
+constexpr int32_t kPatience = 4;            // with candidates that are given up for good
 
 }  // namespace
 
@@ -46,7 +47,8 @@ bool Prefilter::decide(const uint8_t* at) {
 
 // Begins to count anew.
 void Prefilter::forget(PrefilterNote& note, PrefilterUse use) {
-  note = {use, note.foundNone, note.frame, kLeastPrefilterWork, kLeastPrefilterWork, 0};
+  const int32_t least = kLeastPrefilterWork * (use == PrefilterUse::kOn ? kPatience : 1);
+  note = {use, note.foundNone, note.frame, least, least, 0};
 }
 
 void Prefilter::forgetMany(PrefilterNote& note) {
