@@ -105,8 +105,11 @@ ULK_INLINE uint32_t BackwardAutomaton::readKnown(const uint8_t* chunk, int32_t l
                                                  uint32_t& place) const {
   uint32_t bits = 0;
   for (int32_t i = length - 1; i >= 0; --i) {
-    place = loadEntry(table_ + place + columnOf_[chunk[i]]);
-    bits = bits << 1 | (place & 1);
+    // The next byte waits for the place alone: left to itself, the compiler adds the table to it.
+    const uint8_t* column = table_ + columnOf_[chunk[i]];
+    asm("" : "+r"(column));
+    place = loadEntry(column + place);
+    bits = 2 * bits + (place & 1);
   }
   return bits;
 }
