@@ -1,5 +1,6 @@
 // Makes the records of classes (class_sets.h), and the sets of properties that are items.
 #include <algorithm>
+#include <new>
 
 #include "regexp/analysis/analysis.h"
 #include "regexp/program/class_members.h"
@@ -11,6 +12,12 @@ namespace {
 
 constexpr int32_t kNodeWords = sizeof(RxNode) / sizeof(uint32_t);
 constexpr int32_t kIntervalWords = sizeof(Interval) / sizeof(uint32_t);
+
+// Returns the end of the record.
+uint32_t* writeRecord(const Set128& ascii, uint32_t* at) {
+  new (at) AsciiRecord{ascii, AsciiRanges::of(ascii)};
+  return at + kRecordWords;
+}
 
 class RecordMaker {
  public:
@@ -69,7 +76,7 @@ void RecordMaker::chooseSets() {
 }
 
 bool RecordMaker::chooseParts(int64_t room) {
-  size_ = kWordsPerSet;
+  size_ = kRecordWords;
   if (!members_.anyMultibyte) {
     numPlain_ = bothCases_ || !caseless_ ? members_.numPlain : 0;
     numFolded_ = bothCases_ || caseless_ ? members_.numFolded : 0;
@@ -91,8 +98,7 @@ void RecordMaker::placeSets(int64_t room) {
 }
 
 void RecordMaker::writeSets(uint32_t* record) {
-  const Set128 ascii = inClass(members_.ascii(caseless_));
-  record = std::copy(ascii.words, ascii.words + kWordsPerSet, record);
+  record = writeRecord(inClass(members_.ascii(caseless_)), record);
   for (uint32_t set = 0; set < facts_.numStored; ++set)
     record = std::copy(further_[set].words, further_[set].words + kWordsPerSet, record);
   if (facts_.walk) return;
@@ -124,17 +130,19 @@ uint32_t* RecordMaker::make(uint32_t* at, int64_t room) {
   writeSets(at);
   setRecord(header_, at);
   classNote(header_) = ClassNote::pack(facts_);
-  return writeParts(at + size_t{kWordsPerSet} * (1 + facts_.numStored));
+  return writeParts(at + kRecordWords + size_t{kWordsPerSet} * facts_.numStored);
 }
 
-// A property has at least three bytes in the pattern, so that there is room. Returns the end of the set.
+// A property has at least three bytes in the pattern, so that there is room. Returns the end of the record.
 uint32_t* makePropertySet(RxNode& item, uint32_t* at, const uint32_t* end) {
   setRecord(item, nullptr);
-  if (end - at < kWordsPerSet) return at;
-  ByteSet256 ascii{};
-  addAsciiOf(item, 0, ascii);
+  if (end - at < kRecordWords) return at;
+  ByteSet256 bytes{};
+  addAsciiOf(item, 0, bytes);
+  Set128 ascii;
+  std::copy_n(bytes.words, kWordsPerSet, ascii.words);
   setRecord(item, at);
-  return std::copy_n(ascii.words, kWordsPerSet, at);
+  return writeRecord(ascii, at);
 }
 
 // Whether a search can find the caseless bit changed.

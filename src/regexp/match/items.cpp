@@ -131,7 +131,7 @@ Taken takeItems(const MatchContext& m, const RxNode& item, const uint8_t* at, in
         [&](const uint8_t* from, const uint8_t* end) { return behindBytes(from, end, m.byteSets, wanted); },
         [wanted](Utf8Char, uint8_t byte) { return inByteSet(byte, wanted); });
   }
-  const Set128* const set = isProperty(item)           ? recordOf(item)
+  const Set128* const set = isProperty(item)           ? firstSet(item)
                             : codeOf(item) == RX_CLASS ? classSet(item, options)
                                                        : nullptr;
   const auto behind = [set](const uint8_t* from, const uint8_t* end) { return behindBytes(from, end, *set); };
@@ -178,7 +178,7 @@ ULK_STEP stepShorthand(const uint8_t* at, const RxNode* node, MatchContext& m) {
 
 ULK_STEP stepSet(const uint8_t* at, const RxNode* node, MatchContext& m) {
   if (at >= m.textEnd || *at >= 0x80) return stepItem(at, node, m);
-  return recordOf(*node)->contains(*at) ? goOn(at + 1, afterItem(node), m) : fail(m);
+  return recordOf(*node)->set.contains(*at) ? goOn(at + 1, afterItem(node), m) : fail(m);
 }
 
 ULK_STEP stepBackref(const uint8_t* at, const RxNode* node, MatchContext& m) {

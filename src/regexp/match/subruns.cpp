@@ -89,7 +89,7 @@ ULK_INLINE int32_t lengthInPlace(const MatchContext& m, const RxNode* node, cons
       if (!(m.byteSets[*at] & byteSetOf(*node, m.options))) return kNoMatch;
       break;
     case Step::kSet:
-      if (*at < 0x80) return recordOf(*node)->contains(*at) ? 1 : kNoMatch;
+      if (*at < 0x80) return recordOf(*node)->set.contains(*at) ? 1 : kNoMatch;
       break;
     default:
       break;

@@ -1,6 +1,7 @@
 #include "regexp/match/take.h"
 
 #include "kernels/byte_sets.h"
+#include "regexp/program/ascii_record.h"
 
 namespace ulk {
 
@@ -78,6 +79,19 @@ ULK_IN_REGISTERS const uint8_t* behindBytes(const uint8_t* at, const uint8_t* en
   const int32_t other = onlyBit(set.words, ~0u, kNoCharacter);
   if (other >= 0) return behindOthers(at, end, static_cast<uint8_t>(other));
   return behindAccepted(at, end, accepts);
+}
+
+ULK_IN_REGISTERS const uint8_t* behindBytes(const uint8_t* at, const uint8_t* end,
+                                            const AsciiRecord& record) {
+  if (end - at < Bytes::kLanes || !record.ranges.areKnown()) return behindBytes(at, end, record.set);
+  const auto accepts = [&record](uint8_t byte) { return record.set.contains(byte); };
+  const uint32_t bounds = record.ranges.bounds();
+  const TwoRanges ranges(reinterpret_cast<const uint8_t*>(&bounds));
+  if (record.ranges.areExcluded())
+    return behindMany(
+        at, end, [&ranges](Bytes bytes) { return (ranges.contains(bytes) | bytes).mask(); }, accepts);
+  return behindMany(
+      at, end, [&ranges](Bytes bytes) { return allBut(ranges.contains(bytes).mask()); }, accepts);
 }
 
 }  // namespace ulk

@@ -10,13 +10,17 @@ namespace {
 
 // ---- The pieces of a record
 
+const Set128* furtherSets(const RxNode& header) {
+  return reinterpret_cast<const Set128*>(recordOf(header) + 1);
+}
+
 // Whether the further set is anywhere.
 bool isKept(ClassNote note, uint32_t set) { return set < note.numStored() || !note.walk(); }
 
 // A word of a further set that is kept.
 uint32_t furtherWord(const RxNode& header, uint32_t set, int32_t word) {
   const uint32_t stored = ClassNote(header).numStored();
-  if (set < stored) return recordOf(header)[1 + set].words[word];
+  if (set < stored) return furtherSets(header)[set].words[word];
   return wordIn((&header)[1 + size_t{kWordsPerSet} * (set - stored) + static_cast<uint32_t>(word)]);
 }
 
@@ -34,7 +38,7 @@ uint32_t otherAsciiPlace(ClassNote note) {
 
 // The parts of a record behind the sets.
 const uint32_t* partsOf(const RxNode& header) {
-  return recordOf(header)[1 + ClassNote(header).numStored()].words;
+  return furtherSets(header)[ClassNote(header).numStored()].words;
 }
 
 bool inIntervals(int32_t codePoint, const Interval* first, int32_t count) {
@@ -115,10 +119,9 @@ bool mayAcceptMultibyte(const RxNode& header, uint32_t options) {
 
 const Set128* otherClassSet(const RxNode& header) {
   const ClassNote note(header);
-  const Set128* const sets = recordOf(header);
-  if (!sets || !note.otherAscii()) return sets;
+  if (!recordOf(header) || !note.otherAscii()) return firstSet(header);
   const uint32_t place = otherAsciiPlace(note);
-  return place < note.numStored() ? sets + 1 + place : nullptr;
+  return place < note.numStored() ? furtherSets(header) + place : nullptr;
 }
 
 bool walkAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options) {

@@ -4,6 +4,7 @@
 // The sets of a class are its record, which the RX_CLASS node points to. It stands behind the literal text,
 // in so many 32-bit words:
 //  - 4: the ASCII characters that the class accepts, for the options that are in force where it stands
+//  - 1: the same as ranges
 //  - 4 each: further sets of 128, see ClassNote
 //  - 2, if a member is a category: the kinds of characters that the members accept
 //  - 3, if a member is a script: the scripts that the members accept
@@ -17,7 +18,7 @@
 //
 // There is always room. A state has the room of a node for each byte of the pattern. A class of n members,
 // from b bytes, has n + 1 nodes, so that of b - n - 1 nodes is left over: at least that of one, for the
-// brackets, where the first set goes. A member that is one byte in the pattern leaves nothing over, but needs
+// brackets, where the first set and its ranges go. A member that is one byte in the pattern leaves nothing over, but needs
 // nothing besides the sets. Any other leaves over the room of a node or more: enough for an interval in each
 // list if it is a code point, for more if it is anything else. The further sets may find no room behind such
 // members; then the members themselves hold them, one word each, but for scripts, which need the place.
@@ -26,6 +27,7 @@
 
 #include <cstdint>
 
+#include "regexp/program/ascii_record.h"
 #include "regexp/program/program.h"
 #include "regexp/program/state.h"
 #include "regexp/text/set128.h"
@@ -92,11 +94,16 @@ class ClassNote {
   uint32_t packed_;
 };
 
+// The first set of the record of a class or property, null if it has none.
+inline const Set128* firstSet(const RxNode& item) {
+  return recordOf(item) ? &recordOf(item)->set : nullptr;
+}
+
 // The ASCII characters that the class accepts, null where they do not stand in one place.
 const Set128* otherClassSet(const RxNode& header);
 inline const Set128* classSet(const RxNode& header, uint32_t options) {
   if (!ClassNote(header).isMadeFor(options)) return otherClassSet(header);
-  return recordOf(header);
+  return firstSet(header);
 }
 
 // Whether the class accepts a character; `byte` is its first byte.

@@ -74,9 +74,9 @@ inline constexpr int32_t kRepeatMarkNone = 0;
 inline constexpr int32_t kRepeatMarkBody = 1;       // the body is one quantified item of one character
 inline constexpr int32_t kRepeatMarkRepeated = -1;  // and the group itself is quantified
 
+struct AsciiRecord;
 struct ByteSet256;
 struct CodePointRange;
-struct Set128;
 
 struct RxNode {
   uint32_t code;  // an RxCode
@@ -132,7 +132,7 @@ inline const uint8_t* stringOf(const RxNode& node) { return static_cast<const ui
 inline const CodePointRange* rangesOf(const RxNode& script) {
   return static_cast<const CodePointRange*>(script.text);
 }
-inline const Set128* recordOf(const RxNode& item) { return static_cast<const Set128*>(item.text); }
+inline const AsciiRecord* recordOf(const RxNode& item) { return static_cast<const AsciiRecord*>(item.text); }
 inline const ByteSet256* followSet(const RxNode& quantifier) {
   return static_cast<const ByteSet256*>(quantifier.text);
 }
