@@ -184,6 +184,16 @@ bool Starts::lacksLiterals(const uint8_t* at) const {
   return true;
 }
 
+// Whether the one item that a match begins with does not accept a character that its first byte may begin. Not
+// told where the text's end might cut the character, which an attempt need not read.
+bool Starts::lacksItem(const uint8_t* at) const {
+  constexpr ptrdiff_t kLongest = 6;
+  if (*at < 0x80 || m_.textEnd - at < kLongest) return false;
+  if (filter().kind != StartKind::kSet && filter().kind != StartKind::kSmallSet) return false;
+  if (filter().item < 0) return false;
+  return itemLength(m_, m_.nodes()[filter().item], at) == kNoMatch;
+}
+
 // For expressions that begin with a repeat, while attempts fail. In "123 45x", an
 // attempt of `\d+x` at "1" takes all digits up to the space, tries in vain to go on behind the third, the
 // second and the first, and fails; so do those at "2" and "3". An attempt is hopeless like these when no
@@ -298,7 +308,7 @@ const uint8_t* Starts::skip(const uint8_t* at) {
   while (at < m_.textEnd && !m_.budget.isExhausted()) {
     if (prefilter_.use(at)) return prefilter_.next(at);
     if (!passFiltered(at, strideFrom(at))) continue;
-    if (filter().literals && lacksLiterals(at)) {
+    if ((filter().literals && lacksLiterals(at)) || (lastFailed_ && lacksItem(at))) {
       pay(filter().steps);
       at = characterAfter(at);
     } else if (knowsLines() && !set().contains(*at)) {

@@ -78,6 +78,7 @@ class Starts {
   const uint8_t* asciiEnd(const uint8_t* at);
   int32_t passCharacters(const uint8_t*& at, const uint8_t* end);
   bool lacksLiterals(const uint8_t* at) const;
+  bool lacksItem(const uint8_t* at) const;
   bool passFiltered(const uint8_t*& at, const uint8_t* end);
   const uint8_t* passRun(const uint8_t* at);
   const uint8_t* passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow);
