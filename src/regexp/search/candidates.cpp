@@ -31,6 +31,7 @@ int32_t Candidates::make(ulkRegExpState& state) {
 void Candidates::choose(Way way) {
   if (way == Way::kRequired && !findRequiredBytes(automaton_.positions(), required_)) way = Way::kBlocks;
   way_ = way;
+  areEarly_ = isOpen_ = false;
   if (way != Way::kPair) bounds_.limitNoBytes();
   automaton_.restart(way == Way::kBlocks);
   blockBegin_ = blockEnd_ = nullptr;
@@ -41,7 +42,10 @@ const uint8_t* Candidates::next(const uint8_t* at) {
   while (at < textEnd_ && !givesUp()) {
     if (at >= blockEnd_ && !(way_ == Way::kRequired ? readToRequired(at) : readBlock(at))) return textEnd_;
     const uint8_t* const found = nextInBlock(std::max(at, blockBegin_));
-    if (found < blockEnd_) return found;
+    if (found < blockEnd_) {
+      if (early_) noteFirst(found);
+      return found;
+    }
     at = blockEnd_;
   }
   return at;
@@ -75,10 +79,13 @@ void Candidates::readBack(const uint8_t* begin, uint16_t row) {
 
 // The next block, after what is a little ahead of it.
 bool Candidates::readBlock(const uint8_t* begin) {
-  blockEnd_ = textEnd_ - begin > kBlock ? begin + kBlock : textEnd_;
-  const bool seesEnd = textEnd_ - blockEnd_ <= kAhead;
+  const bool isEarly = areEarly_ && blockEnd_ == nullptr;
+  const int32_t size = isEarly ? kEarlyBlock : kBlock;
+  const int32_t ahead = isEarly ? kEarlyAhead : kAhead;
+  blockEnd_ = textEnd_ - begin > size ? begin + size : textEnd_;
+  const bool seesEnd = textEnd_ - blockEnd_ <= ahead;
   uint16_t row = seesEnd ? automaton_.rowAtEnd() : automaton_.rowOfAll();
-  for (const uint8_t* at = seesEnd ? textEnd_ : blockEnd_ + kAhead; at > blockEnd_;) {
+  for (const uint8_t* at = seesEnd ? textEnd_ : blockEnd_ + ahead; at > blockEnd_;) {
     const auto length = static_cast<int32_t>(std::min<ptrdiff_t>(kChunk, at - blockEnd_));
     automaton_.read(at -= length, length, row);
   }

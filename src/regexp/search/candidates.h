@@ -28,9 +28,8 @@ class Candidates {
   // For the text from a place on. Pays for the attempts that are left out; false if they might take too much
   // of the budget.
   bool begin(const ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd, StepBudget& budget) {
-    textEnd_ = textEnd;
-    blockBegin_ = blockEnd_ = nullptr;
-    automaton_.begin();
+    if (!isOpen_) open(text, textEnd);
+    isOpen_ = false;
     // What remains of the budget has to do for the attempts that are made.
     const int32_t limit = budget.left() - budget.left() / 4;
     const int64_t bound = bounds_.ofAll(state, text, textEnd, limit);
@@ -38,6 +37,9 @@ class Candidates {
     budget.payBound(bound);
     return true;
   }
+
+  // The next search is one of the same text: what is known of it is kept.
+  void keepOpen() { isOpen_ = true; }
 
   // Looking for candidates takes much less time than where all of the text is read in blocks.
   bool isQuick() const { return way_ != Way::kBlocks; }
@@ -55,12 +57,24 @@ class Candidates {
   enum class Way : uint8_t { kPair, kRequired, kBlocks };
   static constexpr int32_t kChunk = BackwardAutomaton::kChunk;
   static constexpr int32_t kAhead = 256;
+  static constexpr int32_t kEarlyBlock = 16;
+  static constexpr int32_t kEarlyAhead = 16;
 
   void choose(Way way);
+  void open(const uint8_t* text, const uint8_t* textEnd) {
+    textEnd_ = textEnd;
+    blockBegin_ = blockEnd_ = nullptr;
+    early_ = text + kEarlyBlock;
+    automaton_.begin();
+  }
   const uint8_t* nextPair(const uint8_t* at) const;
   const uint8_t* nextInBlock(const uint8_t* at) const;
   void readBack(const uint8_t* begin, uint16_t row);
   bool readBlock(const uint8_t* begin);
+  void noteFirst(const uint8_t* found) {
+    areEarly_ = found < early_;
+    early_ = nullptr;
+  }
   bool readToRequired(const uint8_t* begin);
 
   Way way_;
@@ -70,6 +84,10 @@ class Candidates {
 
   AttemptBounds bounds_;
 
+  // The first block of a text is a short one while the first candidates of texts are within it.
+  bool areEarly_;
+  const uint8_t* early_;  // where that one ends, null when the text's first candidate is known
+  bool isOpen_;
   const uint8_t* textEnd_;
   const uint8_t* blockBegin_;
   const uint8_t* blockEnd_;

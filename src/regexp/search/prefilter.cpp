@@ -92,10 +92,15 @@ bool Prefilter::findsNone(ulkRegExpState& state, const uint8_t* text, const uint
   Candidates& candidates = *Candidates::in(state, note.frame);
   StepBudget budget;
   budget.start(state.matchLimit, false);
-  note.foundNone = candidates.begin(state, text, textEnd, budget) && candidates.next(text) == textEnd &&
-                   !candidates.givesUp();
-  if (note.foundNone) addBytes(note, textEnd - text);
-  return note.foundNone;
+  note.foundNone = false;
+  if (!candidates.begin(state, text, textEnd, budget)) return false;
+  note.foundNone = candidates.next(text) == textEnd && !candidates.givesUp();
+  if (!note.foundNone) {
+    candidates.keepOpen();
+    return false;
+  }
+  addBytes(note, textEnd - text);
+  return true;
 }
 
 const uint8_t* Prefilter::next(const uint8_t* at) {
