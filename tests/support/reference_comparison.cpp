@@ -133,11 +133,13 @@ Outcome Comparison::library(const GeneratedSearch& search, int32_t limit) {
   ulksRegExpSetFormat(search.format, state());
   leaveNote(search.earlier);
   const auto length = static_cast<int32_t>(search.text.size());
-  return outcomeOf(text, search.capacity, [&](ulkRegExpFind* records, int32_t* count) -> ulkStatus {
+  const auto find = [&](ulkRegExpFind* records, int32_t* count) -> ulkStatus {
     // The number of records to be used stands for the status, which no one looks at.
     if (search.replace) return ulk::rxFindForReplace(text, length, state(), records, count);
     return ulksRegExpFind_8u(text, length, state(), records, count);
-  });
+  };
+  if (search.earlier == Earlier::kSameText) outcomeOf(text, search.capacity, find);
+  return outcomeOf(text, search.capacity, find);
 }
 
 std::string Comparison::row(const GeneratedSearch& search, int32_t limit) const {
