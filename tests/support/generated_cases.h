@@ -75,8 +75,8 @@ struct GeneratedExpression {
 GeneratedExpression generateExpression(Choices& choices);
 
 // What earlier searches have left in the state: nothing, so many attempts in vain that candidates are looked
-// for at once, that the text before had none, by a pair of bytes if there is one or by the automaton, or what a
-// search of the same text leaves then.
+// for at once, that the text before had none, by a pair of bytes if there is one or by the automaton, or what
+// a search of the same text leaves then.
 enum class Earlier {
   kNothing,
   kInVain,

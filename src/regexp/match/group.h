@@ -14,7 +14,8 @@ ULK_INLINE GroupFrame& frameOf(const MatchContext& m, const RxNode* open) {
 
 // The node that opens the group of a bar, or the open node itself.
 ULK_INLINE const RxNode* openOf(const MatchContext& m, const RxNode* barOrOpen) {
-  return codeOf(*barOrOpen) == RX_ALT ? m.nodes() + m.state->frames[serialOf(*barOrOpen)].group.openNode : barOrOpen;
+  return codeOf(*barOrOpen) == RX_ALT ? m.nodes() + m.state->frames[serialOf(*barOrOpen)].group.openNode
+                                      : barOrOpen;
 }
 
 // A slot as a choice remembers it.

@@ -111,8 +111,8 @@ ULK_INLINE Outcome runAlternative(const uint8_t* at, MatchContext& m, const RxNo
 ULK_STEP enterConditional(const uint8_t* at, const RxNode* node, MatchContext& m) {
   const RxNode* const condition = node + 1;
   if (codeOf(*condition) != RX_BACKREF) return runCondition(at, condition, m);
-  const bool holds =
-      referredCapture(*condition) < m.state->numCaptures && m.state->captures[referredCapture(*condition)].length != -1;
+  const bool holds = referredCapture(*condition) < m.state->numCaptures &&
+                     m.state->captures[referredCapture(*condition)].length != -1;
   return holds ? conditionHolds(at, node, m) : conditionFails(at, node, m);
 }
 

@@ -53,17 +53,23 @@ ULK_IN_REGISTERS const uint8_t* behindBytes(const uint8_t* at, const uint8_t* en
   const auto accepts = [=](uint8_t byte) { return (sets[byte] & wanted) != 0; };
   switch (wanted) {
     case kDigit:
-      return behindMany(at, end, [](Bytes bytes) { return allBut(digits(bytes).mask()); }, accepts);
+      return behindMany(
+          at, end, [](Bytes bytes) { return allBut(digits(bytes).mask()); }, accepts);
     case kNotDigit:
-      return behindMany(at, end, [](Bytes bytes) { return (digits(bytes) | bytes).mask(); }, accepts);
+      return behindMany(
+          at, end, [](Bytes bytes) { return (digits(bytes) | bytes).mask(); }, accepts);
     case kWord:
-      return behindMany(at, end, [](Bytes bytes) { return allBut(wordBytes(bytes).mask()); }, accepts);
+      return behindMany(
+          at, end, [](Bytes bytes) { return allBut(wordBytes(bytes).mask()); }, accepts);
     case kNotWord:
-      return behindMany(at, end, [](Bytes bytes) { return (wordBytes(bytes) | bytes).mask(); }, accepts);
+      return behindMany(
+          at, end, [](Bytes bytes) { return (wordBytes(bytes) | bytes).mask(); }, accepts);
     case kSpace:
-      return behindMany(at, end, [](Bytes bytes) { return allBut(spaces(bytes).mask()); }, accepts);
+      return behindMany(
+          at, end, [](Bytes bytes) { return allBut(spaces(bytes).mask()); }, accepts);
     case kNotSpace:
-      return behindMany(at, end, [](Bytes bytes) { return (spaces(bytes) | bytes).mask(); }, accepts);
+      return behindMany(
+          at, end, [](Bytes bytes) { return (spaces(bytes) | bytes).mask(); }, accepts);
     case kNotNewline:
       return behindOthers(at, end, '\n');
     default:

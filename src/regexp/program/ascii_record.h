@@ -1,5 +1,5 @@
-// What the record of a class or property begins with (class_sets.h): the ASCII characters that it accepts, one
-// by one, and as ranges if they are few.
+// What the record of a class or property begins with (class_sets.h): the ASCII characters that it accepts,
+// one by one, and as ranges if they are few.
 #pragma once
 
 #include <cstdint>

@@ -18,11 +18,11 @@
 //
 // There is always room. A state has the room of a node for each byte of the pattern. A class of n members,
 // from b bytes, has n + 1 nodes, so that of b - n - 1 nodes is left over: at least that of one, for the
-// brackets, where the first set and its ranges go. A member that is one byte in the pattern leaves nothing over, but needs
-// nothing besides the sets. Any other leaves over the room of a node or more: enough for an interval in each
-// list if it is a code point, for more if it is anything else. The further sets may find no room behind such
-// members; then the members themselves hold them, one word each, but for scripts, which need the place.
-// Where there are not enough of them for that, a walk over them is fast enough.
+// brackets, where the first set and its ranges go. A member that is one byte in the pattern leaves nothing
+// over, but needs nothing besides the sets. Any other leaves over the room of a node or more: enough for an
+// interval in each list if it is a code point, for more if it is anything else. The further sets may find no
+// room behind such members; then the members themselves hold them, one word each, but for scripts, which need
+// the place. Where there are not enough of them for that, a walk over them is fast enough.
 #pragma once
 
 #include <cstdint>
@@ -95,9 +95,7 @@ class ClassNote {
 };
 
 // The first set of the record of a class or property, null if it has none.
-inline const Set128* firstSet(const RxNode& item) {
-  return recordOf(item) ? &recordOf(item)->set : nullptr;
-}
+inline const Set128* firstSet(const RxNode& item) { return recordOf(item) ? &recordOf(item)->set : nullptr; }
 
 // The ASCII characters that the class accepts, null where they do not stand in one place.
 const Set128* otherClassSet(const RxNode& header);

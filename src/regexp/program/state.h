@@ -126,8 +126,8 @@ struct PrefilterNote {
   int32_t bytes;     // since that was last decided, in so many bytes
 };
 inline constexpr int32_t kLeastPrefilterWork = 512;  // that says anything, and outweighs making an automaton
-inline constexpr PrefilterNote kNewPrefilterNote{
-    PrefilterUse::kUndecided, false, 0, kLeastPrefilterWork, kLeastPrefilterWork, 0};
+inline constexpr PrefilterNote kNewPrefilterNote{PrefilterUse::kUndecided, false, 0, kLeastPrefilterWork,
+                                                 kLeastPrefilterWork,      0};
 
 // One frame of the work area. Frame 0 and those above the highest serial belong to no group; what the
 // compiler finds out to make searching fast is kept there: the start filter in frame 0, byte sets from the

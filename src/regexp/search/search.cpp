@@ -103,7 +103,8 @@ ulkStatus Search::findOne(ulkRegExpFind* records, int32_t* numRecords) {
   return ulkOk;
 }
 
-__attribute__((noinline)) ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords, bool wholeMatches) {
+__attribute__((noinline)) ulkStatus Search::findAll(ulkRegExpFind* records, int32_t* numRecords,
+                                                    bool wholeMatches) {
   // An expression with groups reports its groups only, unless the whole matches are asked for as well.
   const int32_t skip = !wholeMatches && m_.state->numCaptures > 1 ? 1 : 0;
   // The last index at which a match's records fit.

@@ -16,7 +16,8 @@ namespace ulk {
 
 namespace {
 
-// The first byte in [at, end) that is in the set. A function of its own, which keeps all it needs in registers.
+// The first byte in [at, end) that is in the set. A function of its own, which keeps all it needs in
+// registers.
 __attribute__((noinline)) ULK_IN_REGISTERS const uint8_t* passOutside(const uint8_t* at, const uint8_t* end,
                                                                       const ByteSet256& set) {
   while (at < end && !set.contains(*at)) ++at;
@@ -184,8 +185,8 @@ bool Starts::lacksLiterals(const uint8_t* at) const {
   return true;
 }
 
-// Whether the one item that a match begins with does not accept a character that its first byte may begin. Not
-// told where the text's end might cut the character, which an attempt need not read.
+// Whether the one item that a match begins with does not accept a character that its first byte may begin.
+// Not told where the text's end might cut the character, which an attempt need not read.
 bool Starts::lacksItem(const uint8_t* at) const {
   constexpr ptrdiff_t kLongest = 6;
   if (*at < 0x80 || m_.textEnd - at < kLongest) return false;
