@@ -48,8 +48,10 @@ class Prefilter {
     addBytes(note(), bytesInBlocks(at));
   }
 
-  // Attempts in vain, and what takes as long.
-  void addWork(int32_t work) { workLeft_ -= work; }
+  // Attempts in vain, and what takes as long. Where no one asks what is left of the work, it may go round.
+  void addWork(int32_t work) {
+    workLeft_ = static_cast<int32_t>(static_cast<uint32_t>(workLeft_) - static_cast<uint32_t>(work));
+  }
   // Whether candidates are to be used from this place on.
   bool use(const uint8_t* at) { return workLeft_ > 0 ? isOn_ : decide(at); }
 
