@@ -62,7 +62,8 @@ Step StepChooser::item(int32_t index) const {
 Step StepChooser::repeat(const RxNode& node, const RxNode& quantifier) const {
   if (quantifier.code == RX_REPEAT_LAZY) return Step::kLazyItem;
   if (node.code == RX_CHARTYPE) return Step::kGreedyShorthand;
-  return hasOneSet(node) ? Step::kGreedySet : Step::kGreedyItem;
+  const bool hasRanges = hasOneSet(node) && (isProperty(node) || ClassNote(node).ranges());
+  return hasRanges ? Step::kGreedySet : Step::kGreedyItem;
 }
 
 Step StepChooser::assertion(int32_t index) const {

@@ -13,7 +13,10 @@ namespace {
 constexpr int32_t kNodeWords = sizeof(RxNode) / sizeof(uint32_t);
 constexpr int32_t kIntervalWords = sizeof(Interval) / sizeof(uint32_t);
 
-// Returns the end of the record.
+// Returns the end of the set, or of its ranges.
+uint32_t* writeSet(const Set128& ascii, uint32_t* at) {
+  return std::copy(ascii.words, ascii.words + kWordsPerSet, at);
+}
 uint32_t* writeRecord(const Set128& ascii, uint32_t* at) {
   new (at) AsciiRecord{ascii, AsciiRanges::of(ascii)};
   return at + kRecordWords;
@@ -32,7 +35,7 @@ class RecordMaker {
   void chooseSets();
   bool chooseParts(int64_t room);
   void placeSets(int64_t room);
-  void writeSets(uint32_t* record);
+  uint32_t* writeSets(uint32_t* record);
   uint32_t* writeParts(uint32_t* at);
   Set128 inClass(const Set128& set) const { return classNegation(header_) != 0 ? inverse(set) : set; }
 
@@ -76,7 +79,7 @@ void RecordMaker::chooseSets() {
 }
 
 bool RecordMaker::chooseParts(int64_t room) {
-  size_ = kRecordWords;
+  size_ = kWordsPerSet;
   if (!members_.anyMultibyte) {
     numPlain_ = bothCases_ || !caseless_ ? members_.numPlain : 0;
     numFolded_ = bothCases_ || caseless_ ? members_.numFolded : 0;
@@ -87,6 +90,8 @@ bool RecordMaker::chooseParts(int64_t room) {
     if (facts_.scripts) size_ += kScriptWords;
     if (facts_.lists) size_ += kListLengths + int64_t{kIntervalWords} * (numPlain_ + numFolded_);
   }
+  facts_.ranges = size_ < room;
+  if (facts_.ranges) ++size_;
   return size_ <= room;
 }
 
@@ -97,14 +102,16 @@ void RecordMaker::placeSets(int64_t room) {
   facts_.walk = kWordsPerSet * static_cast<int32_t>(numFurther_ - facts_.numStored) > memberCount(header_);
 }
 
-void RecordMaker::writeSets(uint32_t* record) {
-  record = writeRecord(inClass(members_.ascii(caseless_)), record);
-  for (uint32_t set = 0; set < facts_.numStored; ++set)
-    record = std::copy(further_[set].words, further_[set].words + kWordsPerSet, record);
-  if (facts_.walk) return;
+// Returns the end of those in the record.
+uint32_t* RecordMaker::writeSets(uint32_t* record) {
+  const Set128 ascii = inClass(members_.ascii(caseless_));
+  record = facts_.ranges ? writeRecord(ascii, record) : writeSet(ascii, record);
+  for (uint32_t set = 0; set < facts_.numStored; ++set) record = writeSet(further_[set], record);
+  if (facts_.walk) return record;
   RxNode* member = &header_ + 1;
   for (uint32_t set = facts_.numStored; set < numFurther_; ++set)
     for (const uint32_t word : further_[set].words) setWord(*member++, word);
+  return record;
 }
 
 uint32_t* RecordMaker::writeParts(uint32_t* at) {
@@ -127,10 +134,9 @@ uint32_t* RecordMaker::make(uint32_t* at, int64_t room) {
   setRecord(header_, nullptr);
   if (!chooseParts(room)) return at;
   placeSets(room);
-  writeSets(at);
   setRecord(header_, at);
   classNote(header_) = ClassNote::pack(facts_);
-  return writeParts(at + kRecordWords + size_t{kWordsPerSet} * facts_.numStored);
+  return writeParts(writeSets(at));
 }
 
 // A property has at least three bytes in the pattern, so that there is room. Returns the end of the record.

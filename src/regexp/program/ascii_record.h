@@ -31,7 +31,7 @@ class AsciiRanges {
 
 struct AsciiRecord {
   Set128 set;
-  AsciiRanges ranges;
+  AsciiRanges ranges;  // not always there
 };
 inline constexpr int32_t kRecordWords = kWordsPerSet + 1;
 static_assert(sizeof(AsciiRecord) == kRecordWords * sizeof(uint32_t));

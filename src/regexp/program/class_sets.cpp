@@ -11,7 +11,8 @@ namespace {
 // ---- The pieces of a record
 
 const Set128* furtherSets(const RxNode& header) {
-  return reinterpret_cast<const Set128*>(recordOf(header) + 1);
+  const AsciiRecord* const record = recordOf(header);
+  return ClassNote(header).ranges() ? reinterpret_cast<const Set128*>(record + 1) : &record->set + 1;
 }
 
 // Whether the further set is anywhere.

@@ -4,7 +4,7 @@
 // The sets of a class are its record, which the RX_CLASS node points to. It stands behind the literal text,
 // in so many 32-bit words:
 //  - 4: the ASCII characters that the class accepts, for the options that are in force where it stands
-//  - 1: the same as ranges
+//  - 1, where there is room: the same as ranges
 //  - 4 each: further sets of 128, see ClassNote
 //  - 2, if a member is a category: the kinds of characters that the members accept
 //  - 3, if a member is a script: the scripts that the members accept
@@ -18,7 +18,7 @@
 //
 // There is always room. A state has the room of a node for each byte of the pattern. A class of n members,
 // from b bytes, has n + 1 nodes, so that of b - n - 1 nodes is left over: at least that of one, for the
-// brackets, where the first set and its ranges go. A member that is one byte in the pattern leaves nothing
+// brackets, where the first set goes. A member that is one byte in the pattern leaves nothing
 // over, but needs nothing besides the sets. Any other leaves over the room of a node or more: enough for an
 // interval in each list if it is a code point, for more if it is anything else. The further sets may find no
 // room behind such members; then the members themselves hold them, one word each, but for scripts, which need
@@ -54,8 +54,9 @@ class ClassNote {
     HighBytes highBytes;   //   one more if this is kOwnSet
     bool otherAscii;       //   the first set with the other caseless bit, unless it is the same
     uint32_t numStored;    // so many of them stand in the record
-    bool walk;   // the others are nowhere, and the members are asked one by one; else in the members
-    bool kinds;  // the record has these parts
+    bool walk;    // the others are nowhere, and the members are asked one by one; else in the members
+    bool ranges;  // the record has these parts
+    bool kinds;
     bool scripts;
     bool lists;
     bool anyMultibyte;  // the members accept all characters of several bytes, nothing of this is asked
@@ -65,8 +66,8 @@ class ClassNote {
     return static_cast<int32_t>(facts.caseless | (facts.otherAscii ? kOtherAscii : 0) |
                                 (facts.walk ? kWalk : 0) | (facts.kinds ? kKinds : 0) |
                                 (facts.scripts ? kScripts : 0) | (facts.lists ? kLists : 0) |
-                                (facts.anyMultibyte ? kAnyMultibyte : 0) | facts.numCharSets << 8 |
-                                facts.highBytes << 10 | facts.numStored << 12);
+                                (facts.anyMultibyte ? kAnyMultibyte : 0) | (facts.ranges ? kRanges : 0) |
+                                facts.numCharSets << 8 | facts.highBytes << 10 | facts.numStored << 12);
   }
 
   explicit ClassNote(const RxNode& header) : packed_(static_cast<uint32_t>(classNote(header))) {}
@@ -76,6 +77,7 @@ class ClassNote {
   bool otherAscii() const { return packed_ & kOtherAscii; }
   uint32_t numStored() const { return packed_ >> 12 & 7; }
   bool walk() const { return packed_ & kWalk; }
+  bool ranges() const { return packed_ & kRanges; }
   bool kinds() const { return packed_ & kKinds; }
   bool scripts() const { return packed_ & kScripts; }
   bool lists() const { return packed_ & kLists; }
@@ -89,6 +91,7 @@ class ClassNote {
   static constexpr uint32_t kScripts = 16;
   static constexpr uint32_t kLists = 32;
   static constexpr uint32_t kAnyMultibyte = 64;
+  static constexpr uint32_t kRanges = 128;
   static_assert(RX_OPT_CASELESS == 4);
 
   uint32_t packed_;
