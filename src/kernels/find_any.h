@@ -14,8 +14,6 @@
 #include "kernels/find_unit.h"
 #include "kernels/unrolled.h"
 
-#pragma GCC visibility push(hidden)
-
 namespace ulk {
 
 // Four members or more, each in a vector of its own; in fours, the last of which are the set's last four
@@ -302,5 +300,3 @@ int32_t findAnyRev(const Unit* text, int32_t length, const Unit* set, int32_t se
 }
 
 }  // namespace ulk
-
-#pragma GCC visibility pop

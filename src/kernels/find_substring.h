@@ -16,8 +16,6 @@
 #include "kernels/first_difference.h"
 #include "kernels/two_way.h"
 
-#pragma GCC visibility push(hidden)
-
 namespace ulk {
 
 // How common a unit is in text, 0 for all that are rare: a ranking by ear, good enough to keep spaces and
@@ -251,5 +249,3 @@ int32_t findSubstringRev(const Unit* text, int32_t textLength, const Unit* patte
 }
 
 }  // namespace ulk
-
-#pragma GCC visibility pop

@@ -3,8 +3,6 @@
 
 #include "kernels/scan.h"
 
-#pragma GCC visibility push(hidden)
-
 namespace ulk {
 
 template <class Unit>
@@ -49,5 +47,3 @@ int32_t findUnitRev(const Unit* text, int32_t length, Unit unit) {
 }
 
 }  // namespace ulk
-
-#pragma GCC visibility pop

@@ -199,11 +199,11 @@ bool describeAssertion(ulkRegExpState& state, StartFilter& filter) {
   const RxNode* const quantifier = quantifierOf(nodes, state.numNodes, first);
   if (quantifier && minOf(*quantifier) == 0) return false;
   filter.kind = kindOfAssertion(assertionOf(nodes[first]), options);
+  if (filter.kind == StartKind::kAny) return false;
   filter.steps = first + 1;
   filter.options = static_cast<uint8_t>(options);
-  if ((filter.kind == StartKind::kLineStart || filter.kind == StartKind::kTextStart) && filter.hasFrames)
-    describeLine(state, first + (quantifier ? 2 : 1), filter);
-  return filter.kind != StartKind::kAny;
+  if (filter.hasFrames) describeLine(state, first + (quantifier ? 2 : 1), filter);
+  return true;
 }
 
 // The filter, kAny where the first byte does not decide. It is for attempts that begin with the options that

@@ -8,16 +8,16 @@
 #include "regexp/analysis/first_bytes.h"
 #include "regexp/program/class_sets.h"
 #include "regexp/text/folded.h"
+#include "regexp/text/utf8.h"
 
 namespace ulk {
 
 namespace {
 
-constexpr int32_t kMaxWays = 16;      // from the start of a match to its window
-constexpr int32_t kMaxLooks = 160;    // at nodes, on all ways together
-constexpr int32_t kMaxPlaces = 24;    // bytes of a way that are looked at
-constexpr int32_t kMaxProduct = 32;   // keys of one window
-constexpr int32_t kMaxCharacter = 6;  // bytes
+constexpr int32_t kMaxWays = 16;     // from the start of a match to its window
+constexpr int32_t kMaxLooks = 160;   // at nodes, on all ways together
+constexpr int32_t kMaxPlaces = 24;   // bytes of a way that are looked at
+constexpr int32_t kMaxProduct = 32;  // keys of one window
 constexpr int32_t kFarAway = 1 << 16;
 constexpr int64_t kTooCostly = 1 << 20;
 
@@ -223,13 +223,13 @@ WindowFinder::After WindowFinder::passItem(int32_t node, Way& way, uint32_t opti
     for (int32_t i = 0; i < least && way.numPlaces < kMaxPlaces; ++i) addPlace(node, i == 0, set, way);
     if (way.numPlaces == kMaxPlaces) return After::kEnd;
   } else if (least > 0) {
-    if (least > kFarAway / kMaxCharacter) return After::kEnd;
+    if (least > kFarAway / kLongestUtf8) return After::kEnd;
     way.joined = false;
     way.least += least;
-    way.most = std::min(way.most + least * kMaxCharacter, kFarAway);
+    way.most = std::min(way.most + least * kLongestUtf8, kFarAway);
   }
   if (!quantifier || minOf(*quantifier) == maxOf(*quantifier)) return After::kNext;
-  if (repeat(*quantifier, oneByte ? 1 : kMaxCharacter, way) == After::kEnd) return After::kEnd;
+  if (repeat(*quantifier, oneByte ? 1 : kLongestUtf8, way) == After::kEnd) return After::kEnd;
   if (oneByte) addLast(node, std::min(least, 3), set, way);
   return After::kNext;
 }

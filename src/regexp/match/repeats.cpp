@@ -10,6 +10,7 @@
 #include "regexp/match/items.h"
 #include "regexp/match/steps.h"
 #include "regexp/match/take.h"
+#include "regexp/text/utf8.h"
 #include "unicode/unicode.h"
 
 namespace ulk {
@@ -32,9 +33,8 @@ ULK_INLINE void payForTries(MatchContext& m, const Follow& follow, int32_t tries
 // continuation byte always starts a character; a continuation byte belongs to the nearest such byte before it
 // if that one's sequence reaches here, and is a character by itself if not.
 const uint8_t* previousCharacter(const uint8_t* from, const uint8_t* at) {
-  const uint8_t* lead = at - 1;
-  if (*lead < 0x80) return lead;
-  while (lead > from && at - lead < 6 && isContinuation(*lead)) --lead;
+  if (at[-1] < 0x80) return at - 1;
+  const uint8_t* const lead = leadBefore(at, from);
   return lead + decodeUtf8(lead).length == at ? lead : at - 1;
 }
 

@@ -128,8 +128,7 @@ ULK_INLINE Outcome lookaroundInPlace(const uint8_t* at, const RxNode* node, Matc
 // The start of the character that ends at or reaches beyond `at`, when characters are decoded from the text
 // start on.
 const uint8_t* characterBefore(const MatchContext& m, const uint8_t* at) {
-  const uint8_t* lead = at - 1;
-  while (lead > m.textStart && at - lead < 6 && isContinuation(*lead)) --lead;
+  const uint8_t* const lead = leadBefore(at, m.textStart);
   return lead + decodeUtf8(lead).length >= at ? lead : at - 1;
 }
 

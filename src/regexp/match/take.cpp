@@ -18,33 +18,46 @@ ULK_INLINE const uint8_t* behindAccepted(const uint8_t* at, const uint8_t* end, 
   return at;
 }
 
-// The same where `areOthers` tells of many bytes which of them are not accepted or no ASCII characters.
-template <class AreOthers, class Accepts>
-ULK_INLINE const uint8_t* behindMany(const uint8_t* at, const uint8_t* end, AreOthers areOthers,
-                                     Accepts accepts) {
+// The same for bytes of a set, many at a time where there are as many: `accepts` tells of one.
+template <class Set, class Accepts>
+ULK_INLINE const uint8_t* behindMembers(const uint8_t* at, const uint8_t* end, const Set& set,
+                                        Accepts accepts) {
   for (; end - at >= Bytes::kLanes; at += Bytes::kLanes) {
-    const LaneMask<uint8_t> others = areOthers(Bytes::load(at));
+    const LaneMask<uint8_t> others(set.contains(Bytes::load(at)).mask().bits() ^ 0xFFFF);
+    if (others.any()) return at + others.first();
+  }
+  return behindAccepted(at, end, accepts);
+}
+
+// The same for ASCII characters that are not in the set.
+template <class Set, class Accepts>
+ULK_INLINE const uint8_t* behindOthers(const uint8_t* at, const uint8_t* end, const Set& set,
+                                       Accepts accepts) {
+  for (; end - at >= Bytes::kLanes; at += Bytes::kLanes) {
+    const Bytes bytes = Bytes::load(at);
+    const LaneMask<uint8_t> others = (set.contains(bytes) | bytes).mask();
     if (others.any()) return at + others.first();
   }
   return behindAccepted(at, end, accepts);
 }
 
 // Where the ASCII characters end that are not this one.
-const uint8_t* behindOthers(const uint8_t* at, const uint8_t* end, uint8_t one) {
-  const auto ones = Bytes::splat(one);
-  return behindMany(
-      at, end, [ones](Bytes bytes) { return (bytes.equal(ones) | bytes).mask(); },
-      [one](uint8_t byte) { return byte != one; });
+const uint8_t* behindAllBut(const uint8_t* at, const uint8_t* end, uint8_t one) {
+  return behindOthers(at, end, OneByte(&one), [one](uint8_t byte) { return byte != one; });
 }
 
-LaneMask<uint8_t> allBut(LaneMask<uint8_t> lanes) { return LaneMask<uint8_t>(lanes.bits() ^ 0xFFFF); }
-
-ULK_INLINE Bytes digits(Bytes bytes) { return UnitRange<uint8_t>{'0', '9'}.contains(bytes); }
-
-ULK_INLINE Bytes spaces(Bytes bytes) {
-  return bytes.equal(Bytes::splat(' ')) | UnitRange<uint8_t>{9, 10}.contains(bytes) |
-         UnitRange<uint8_t>{12, 13}.contains(bytes);
-}
+struct Digits {
+  ULK_INLINE static Bytes contains(Bytes bytes) { return UnitRange<uint8_t>{'0', '9'}.contains(bytes); }
+};
+struct WordCharacters {
+  ULK_INLINE static Bytes contains(Bytes bytes) { return wordBytes(bytes); }
+};
+struct Spaces {
+  ULK_INLINE static Bytes contains(Bytes bytes) {
+    return bytes.equal(Bytes::splat(' ')) | UnitRange<uint8_t>{9, 10}.contains(bytes) |
+           UnitRange<uint8_t>{12, 13}.contains(bytes);
+  }
+};
 
 }  // namespace
 
@@ -53,27 +66,21 @@ ULK_IN_REGISTERS const uint8_t* behindBytes(const uint8_t* at, const uint8_t* en
   const auto accepts = [=](uint8_t byte) { return (sets[byte] & wanted) != 0; };
   switch (wanted) {
     case kDigit:
-      return behindMany(
-          at, end, [](Bytes bytes) { return allBut(digits(bytes).mask()); }, accepts);
+      return behindMembers(at, end, Digits(), accepts);
     case kNotDigit:
-      return behindMany(
-          at, end, [](Bytes bytes) { return (digits(bytes) | bytes).mask(); }, accepts);
+      return behindOthers(at, end, Digits(), accepts);
     case kWord:
-      return behindMany(
-          at, end, [](Bytes bytes) { return allBut(wordBytes(bytes).mask()); }, accepts);
+      return behindMembers(at, end, WordCharacters(), accepts);
     case kNotWord:
-      return behindMany(
-          at, end, [](Bytes bytes) { return (wordBytes(bytes) | bytes).mask(); }, accepts);
+      return behindOthers(at, end, WordCharacters(), accepts);
     case kSpace:
-      return behindMany(
-          at, end, [](Bytes bytes) { return allBut(spaces(bytes).mask()); }, accepts);
+      return behindMembers(at, end, Spaces(), accepts);
     case kNotSpace:
-      return behindMany(
-          at, end, [](Bytes bytes) { return (spaces(bytes) | bytes).mask(); }, accepts);
+      return behindOthers(at, end, Spaces(), accepts);
     case kNotNewline:
-      return behindOthers(at, end, '\n');
+      return behindAllBut(at, end, '\n');
     default:
-      return behindOthers(at, end, kNoCharacter);
+      return behindAllBut(at, end, kNoCharacter);
   }
 }
 
@@ -83,7 +90,7 @@ ULK_IN_REGISTERS const uint8_t* behindBytes(const uint8_t* at, const uint8_t* en
   at = behindAccepted(at, near, accepts);
   if (at < near || near == end) return at;
   const int32_t other = onlyBit(set.words, ~0u, kNoCharacter);
-  if (other >= 0) return behindOthers(at, end, static_cast<uint8_t>(other));
+  if (other >= 0) return behindAllBut(at, end, static_cast<uint8_t>(other));
   return behindAccepted(at, end, accepts);
 }
 
@@ -93,11 +100,8 @@ ULK_IN_REGISTERS const uint8_t* behindBytes(const uint8_t* at, const uint8_t* en
   const auto accepts = [&record](uint8_t byte) { return record.set.contains(byte); };
   const uint32_t bounds = record.ranges.bounds();
   const TwoRanges ranges(reinterpret_cast<const uint8_t*>(&bounds));
-  if (record.ranges.areExcluded())
-    return behindMany(
-        at, end, [&ranges](Bytes bytes) { return (ranges.contains(bytes) | bytes).mask(); }, accepts);
-  return behindMany(
-      at, end, [&ranges](Bytes bytes) { return allBut(ranges.contains(bytes).mask()); }, accepts);
+  return record.ranges.areExcluded() ? behindOthers(at, end, ranges, accepts)
+                                     : behindMembers(at, end, ranges, accepts);
 }
 
 }  // namespace ulk

@@ -188,8 +188,7 @@ bool Starts::lacksLiterals(const uint8_t* at) const {
 // Whether the one item that a match begins with does not accept a character that its first byte may begin.
 // Not told where the text's end might cut the character, which an attempt need not read.
 bool Starts::lacksItem(const uint8_t* at) const {
-  constexpr ptrdiff_t kLongest = 6;
-  if (*at < 0x80 || m_.textEnd - at < kLongest) return false;
+  if (*at < 0x80 || m_.textEnd - at < kLongestUtf8) return false;
   if (filter().kind != StartKind::kSet && filter().kind != StartKind::kSmallSet) return false;
   if (filter().item < 0) return false;
   return itemLength(m_, m_.nodes()[filter().item], at) == kNoMatch;

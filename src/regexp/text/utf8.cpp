@@ -10,7 +10,7 @@ Utf8Char decodeLongMultibyte(const uint8_t* at) {
   const uint8_t lead = *at;
   const Utf8Char alone{static_cast<int8_t>(lead), 1};
   const int continuations = std::countl_one(static_cast<uint8_t>(lead << 1));
-  if (continuations == 0 || continuations >= 6) return alone;
+  if (continuations == 0 || continuations >= kLongestUtf8) return alone;
   int32_t value = lead & (0x3F >> continuations);
   for (int i = 1; i <= continuations; ++i) {
     if (!isContinuation(at[i])) return alone;
@@ -21,9 +21,8 @@ Utf8Char decodeLongMultibyte(const uint8_t* at) {
 }
 
 const uint8_t* characterFromMultibyte(const uint8_t* place, const uint8_t* at) {
-  const uint8_t* lead = place;
-  while (lead > at && place - lead < 6 && isContinuation(lead[-1])) --lead;
-  return lead > at ? std::max(place, lead - 1 + decodeUtf8(lead - 1).length) : place;
+  const uint8_t* const lead = leadBefore(place, at);
+  return std::max(place, lead + decodeUtf8(lead).length);
 }
 
 }  // namespace ulk

@@ -8,9 +8,11 @@
 
 namespace ulk {
 
+constexpr int32_t kLongestUtf8 = 6;  // bytes of a character
+
 struct Utf8Char {
   int32_t value;   // the code point; a byte that is a character by itself counts as a signed char
-  int32_t length;  // bytes, 1 to 6
+  int32_t length;  // bytes, 1 to kLongestUtf8
 };
 
 inline bool isContinuation(uint8_t byte) { return (byte & 0xC0) == 0x80; }
@@ -35,7 +37,15 @@ inline Utf8Char decodeUtf8(const uint8_t* at) {
   return decodeMultibyte(at);
 }
 
-// The same where the byte before the place is 0x80 or more.
+// The last byte before `at` that is no continuation byte, or the first one that is near enough for a
+// character to reach from there to `at`. At least one byte lies between `from` and `at`.
+inline const uint8_t* leadBefore(const uint8_t* at, const uint8_t* from) {
+  const uint8_t* lead = at - 1;
+  while (lead > from && at - lead < kLongestUtf8 && isContinuation(*lead)) --lead;
+  return lead;
+}
+
+// `characterFrom` where the byte before the place is 0x80 or more.
 const uint8_t* characterFromMultibyte(const uint8_t* place, const uint8_t* at);
 
 // The first place at `place` or behind it where a character begins or ends, if one begins at `at` before it.
