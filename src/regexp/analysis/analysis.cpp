@@ -37,6 +37,7 @@ void analyse(ulkRegExpState& state, SpareWords spare) {
   makeFollowSets(state, frames);
   makeStartFilter(state, hasFrames);
   chooseSteps(state);
+  findHead(state);
 }
 
 }  // namespace ulk

@@ -26,6 +26,9 @@ void makeClassSets(ulkRegExpState& state, SpareWords spare);
 // Chooses how each node is run; the codes of the nodes hold more than before from then on.
 void chooseSteps(ulkRegExpState& state);
 
+// Finds the program's head (match/head.cpp).
+void findHead(ulkRegExpState& state);
+
 }  // namespace ulk
 
 #pragma GCC visibility pop

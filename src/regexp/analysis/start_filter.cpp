@@ -13,16 +13,13 @@ bool containsAll(const ByteSet256& set) {
   return std::all_of(set.words, set.words + 8, [](uint32_t word) { return word == ~0u; });
 }
 
-// The quantifier of an item that is repeated without bound, and of which it is known what may follow; 0 for
-// others.
-int32_t runOf(const RxNode* nodes, int32_t numNodes, int32_t item, uint32_t options) {
-  if (item < 0 || nodes[item].code == RX_XSEQ) return 0;
+// Whether the item is repeated, and it is known what may follow.
+bool isRun(const RxNode* nodes, int32_t numNodes, int32_t item, uint32_t options) {
+  if (item < 0 || nodes[item].code == RX_XSEQ) return false;
   const RxNode* const quantifier = quantifierOf(nodes, numNodes, item);
-  if (!quantifier || quantifier->code != RX_REPEAT || minOf(*quantifier) < 1 || !followSet(*quantifier))
-    return 0;
-  return FollowNote(followNote(*quantifier)).options() == (options & kMatcherOptions)
-             ? static_cast<int32_t>(quantifier - nodes)
-             : 0;
+  if (!quantifier || quantifier->code != RX_REPEAT || minOf(*quantifier) < 1) return false;
+  return followSet(*quantifier) &&
+         FollowNote(followNote(*quantifier)).options() == (options & kMatcherOptions);
 }
 
 StartKind kindOf(const FirstBytes& items, const RxNode* nodes, StartFilter& filter) {
@@ -234,7 +231,7 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   filter.kind = kindOf(items, nodes, filter);
   // Of the bytes of a run one is at a word boundary.
   if (filter.kind != StartKind::kBoundary)
-    filter.run = runOf(nodes, state.numNodes, filter.item, filter.options);
+    filter.runs = isRun(nodes, state.numNodes, filter.item, filter.options);
   filter.literals = beginsWithLiterals(state, filter);
   if (filter.kind != StartKind::kAny) state.frames[kStartSetFrame].bytes = items.set;
   StartPair& pair = state.frames[kStartPairFrame].pair;

@@ -147,9 +147,9 @@ ULK_INLINE bool finish(MatchContext& m, Outcome outcome) {
 }  // namespace
 
 // An attempt that fails leaves the context as it was: no choices, and no run within the program's.
-bool rxMatch(MatchContext& m, const RxNode* first) {
+bool rxMatch(MatchContext& m, const uint8_t* at, const RxNode* first) {
   m.surplus.clear();
-  const Outcome outcome = run(goOn(m.matchStart, first, m), m);
+  const Outcome outcome = run(goOn(at, first, m), m);
   return outcome == Outcome::kNoMatch ? false : finish(m, outcome);
 }
 

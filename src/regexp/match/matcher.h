@@ -108,8 +108,12 @@ inline void prepareMatcher(MatchContext& m, ulkRegExpState& state, std::byte* me
   m.byteSets = kByteSets.data();
 }
 
-// Runs the program from `first` on at m.matchStart. True for a match, which ends at m.at.
-bool rxMatch(MatchContext& m, const RxNode* first);
+// Runs the program from `first` on at a place. True for a match, which ends at m.at.
+bool rxMatch(MatchContext& m, const uint8_t* at, const RxNode* first);
+
+// The same for all of the program, which has a head that ends there (head.cpp), at m.matchStart. No more
+// steps than that are ever taken in a head; so many must be left.
+bool rxMatchHead(MatchContext& m, int32_t headEnd);
 
 }  // namespace ulk
 

@@ -17,7 +17,11 @@ ULK_IN_REGISTERS const uint8_t* behindBytes(const uint8_t* at, const uint8_t* en
 
 ULK_INLINE const uint8_t* behindShorthand(const MatchContext& m, const RxNode& item, const uint8_t* at,
                                           const uint8_t* end) {
-  return behindBytes(at, end, m.byteSets, byteSetOf(item, m.options));
+  constexpr ptrdiff_t kFew = 4;
+  const uint8_t wanted = byteSetOf(item, m.options);
+  if (end - at > kFew) return behindBytes(at, end, m.byteSets, wanted);
+  while (at < end && *at < 0x80 && (m.byteSets[*at] & wanted)) ++at;
+  return at;
 }
 
 }  // namespace ulk

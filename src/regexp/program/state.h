@@ -93,14 +93,15 @@ struct StartFilter {
   bool hasPair : 1;     // frame kStartPairFrame tells what comes behind the first byte, which is ASCII
   bool failsAtEnd : 1;  // an attempt at the text's end fails as one elsewhere does, also the first
   bool candidates : 1;  // they may be looked for instead (prefilter.h)
+  bool runs : 1;        // `item` is repeated, and runs of it can be passed over
   WindowState window : 2;
   SmallSet small;  // the set, where it is one
   int32_t steps;   // that an attempt elsewhere costs
   int32_t
       placeSteps;    // that it costs where there is no word boundary; or at a line start without such a byte
   int32_t item;      // the node of the one item that every match begins with, -1 if there are several
-  int32_t run;       // the quantifier of that item, if runs of it can be passed over, 0 if not
   int32_t firstBar;  // the first top-level bar, -1 without one
+  int32_t headEnd;   // the node behind the head (match/head.cpp), 0 without one
 };
 inline constexpr int32_t kStartSetFrame = kNumFrames - 1;
 inline constexpr int32_t kStartPairFrame = kNumFrames - 2;

@@ -42,20 +42,27 @@ inline bool matchFurtherAlternative(MatchContext& m, int32_t firstBar) {
     m.setOptions(optionsBehind(*bar));
     if (!m.budget.isExhausted() && bar + 1 != m.programEnd && failsAtLiteral(m, bar + 1, m.matchStart)) {
       m.budget.payStep();
-    } else if (rxMatch(m, bar + 1)) {
+    } else if (rxMatch(m, m.matchStart, bar + 1)) {
       return true;
     }
   }
   return false;
 }
 
+// Tries the program up to its first top-level bar.
+ULK_INLINE bool matchFirstAlternative(MatchContext& m) {
+  const int32_t headEnd = startFilterOf(*m.state).headEnd;
+  const bool hasHead = headEnd > 0 && !m.nonEmpty && m.budget.suffices(headEnd);
+  return hasHead ? rxMatchHead(m, headEnd) : rxMatch(m, m.matchStart, m.nodes());
+}
+
 // Whether the program matches at `start`; then the captures tell where, the whole match in slot 0.
-inline bool matchAt(MatchContext& m, const uint8_t* start) {
+ULK_INLINE bool matchAt(MatchContext& m, const uint8_t* start) {
   ulkRegExpState& state = *m.state;
   const int32_t firstBar = startFilterOf(state).firstBar;
   m.matchStart = start;
   for (int32_t i = 1; i < state.numCaptures; ++i) state.captures[i] = {nullptr, -1};
-  if (!rxMatch(m, m.nodes()) && (firstBar < 0 || !matchFurtherAlternative(m, firstBar))) return false;
+  if (!matchFirstAlternative(m) && (firstBar < 0 || !matchFurtherAlternative(m, firstBar))) return false;
   state.captures[0] = {start, m.lengthTo(m.at)};
   return true;
 }

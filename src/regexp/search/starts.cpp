@@ -5,7 +5,6 @@
 
 #include "kernels/find_any.h"
 #include "kernels/find_substring.h"
-#include "regexp/match/items.h"
 #include "regexp/search/attempt.h"
 #include "regexp/search/caseless_search.h"
 #include "regexp/search/small_set_vectors.h"
@@ -202,7 +201,7 @@ bool Starts::lacksItem(const uint8_t* at) const {
 // behind. Else returns `at`, and notes up to where attempts have such a place.
 const uint8_t* Starts::passRun(const uint8_t* at) {
   constexpr int64_t kPlenty = 1 << 17;  // the sum of the tries of so many attempts exhausts every budget
-  const Follow follow = followOf(m_, m_.nodes()[filter().run], m_.options);
+  const Follow follow = followOf(m_, runQuantifier(), m_.options);
   if (at >= runEnd_) {
     runEnd_ = at;
     while (runEnd_ < m_.textEnd && *runEnd_ < 0x80 && set().contains(*runEnd_)) ++runEnd_;
@@ -211,8 +210,8 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
   const uint8_t* const end = attemptsEnd_ = std::min(runEnd_, m_.textEnd);
   if (end == at || (end < m_.textEnd && set().contains(*end))) return at;
 
-  const int32_t least = minOf(m_.nodes()[filter().run]);
-  if (maxOf(m_.nodes()[filter().run]) != kUnbounded) return passBounded(at, end, follow);
+  const int32_t least = minOf(runQuantifier());
+  if (maxOf(runQuantifier()) != kUnbounded) return passBounded(at, end, follow);
   const uint8_t* last = end;
   if (follow.note.disjoint()) {
     if (!follow.admits(m_, last)) last = at;
@@ -230,13 +229,13 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
 
 // As passRun, one attempt after the other, for a repeat with a bound.
 const uint8_t* Starts::passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow) {
-  const int32_t least = minOf(m_.nodes()[filter().run]);
+  const int32_t least = minOf(runQuantifier());
   // Where none of the items may follow the repeat, only the run's end is a place to go on from.
   const bool onlyAtEnd = follow.note.disjoint();
   const bool admitsEnd = follow.admits(m_, end);
   int64_t steps = 0;
   while (at < end && m_.budget.suffices(steps)) {
-    const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(maxOf(m_.nodes()[filter().run]), end - at));
+    const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(maxOf(runQuantifier()), end - at));
     bool hopeless = true;
     if (onlyAtEnd) {
       hopeless = !admitsEnd || most < end - at || most < least;
@@ -314,7 +313,7 @@ const uint8_t* Starts::skip(const uint8_t* at) {
     } else if (knowsLines() && !set().contains(*at)) {
       pay(filter().placeSteps);
       at = characterAfter(at);
-    } else if (filter().run > 0 && lastFailed_) {
+    } else if (filter().runs && lastFailed_) {
       const uint8_t* const next = passRun(at);
       if (next == at) break;
       at = next;

@@ -6,6 +6,7 @@
 #include "kernels/byte_sets.h"
 #include "regexp/analysis/start_filter.h"
 #include "regexp/match/follow.h"
+#include "regexp/match/items.h"
 #include "regexp/match/matcher.h"
 #include "regexp/search/prefilter.h"
 
@@ -62,6 +63,7 @@ class Starts {
   const StartFilter& filter() const { return startFilterOf(*m_.state); }
   const ByteSet256& set() const { return m_.state->frames[kStartSetFrame].bytes; }
   const StartPair& pair() const { return m_.state->frames[kStartPairFrame].pair; }
+  const RxNode& runQuantifier() const { return *afterItem(m_.nodes() + filter().item); }
   bool knowsOptions() const { return (filter().options & kMatcherOptions) == m_.options; }
   bool knowsEnd() const {
     return filter().failsAtEnd && (knowsOptions() || m_.options == (m_.state->options & kMatcherOptions));
