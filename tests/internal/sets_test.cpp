@@ -105,10 +105,12 @@ class WatchedSet {
                                   static_cast<int32_t>(text_.size()), results_.data(), set_);
   }
 
-  // In the handler: whether the address is on one of the pages.
+  // In the handler: whether the address is in the first record of one of the pages.
   bool note(const void* address, int order) {
     for (size_t i = 0; i < pages_.size(); ++i) {
-      if (address != pages_[i]->begin()) continue;
+      const auto offset =
+          reinterpret_cast<uintptr_t>(address) - reinterpret_cast<uintptr_t>(pages_[i]->begin());
+      if (offset >= sizeof(ulkRegExpFind)) continue;
       visits_[i] = {order, omp_get_thread_num(), omp_get_num_threads(), pthread_self(), results_[i]};
       return mprotect(pages_[i]->begin(), 1, PROT_READ | PROT_WRITE) == 0;
     }

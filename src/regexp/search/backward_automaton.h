@@ -38,6 +38,7 @@ class BackwardAutomaton {
  private:
   static constexpr PositionSet kAllPositions = ~PositionSet{0};
   static constexpr int32_t kMaxColumns = 64;
+  static constexpr int32_t kMaxPairColumns = 16;  // with which there is room for all their pairs
   static constexpr int32_t kMaxStates = 255;
   static constexpr int32_t kTableBytes = 16384;
   static constexpr int32_t kMaxFlushes = 4;
@@ -47,9 +48,12 @@ class BackwardAutomaton {
   uint16_t rowOf(PositionSet alive);
   uint16_t addRow(PositionSet alive, int32_t slot);
   uint16_t entry(uint16_t row, uint8_t byte);
+  uint16_t pairEntry(uint16_t row, const uint8_t* pair, uint32_t& bits);
+  int32_t columnOfPair(const uint8_t* pair) const { return pairColumns_[pair[1]] + 2 * columnOf_[pair[0]]; }
   PositionSet aliveIn(uint16_t row) const;
   PositionSet before(PositionSet alive, int32_t column) const;
   uint32_t readKnown(const uint8_t* chunk, int32_t length, uint32_t& place) const;
+  uint32_t readKnownPairs(const uint8_t* chunk, int32_t length, uint32_t& place) const;
   uint32_t readSlowly(const uint8_t* chunk, int32_t length, uint16_t& row);
 
   PositionAutomaton positions_;
@@ -58,8 +62,14 @@ class BackwardAutomaton {
   PositionSet columns_[kMaxColumns];  // the positions that take the bytes of a column
   uint8_t columnOf_[256];             // twice its number
 
+  uint16_t pairColumns_[256];  // where those of the pairs with this last byte begin
+  bool hasPairs_;
+
   // A row for each state: the number of the state, then two bytes for each column: the place of the row that
-  // the state before has, 0 while that is not known. Rows of states with candidates lie at odd places.
+  // the state before has, 0 while that is not known. Rows of states with candidates lie at odd places. While
+  // there is room, four bytes follow for each pair of columns: the place of the row before both, and which of
+  // the two bytes are candidates.
+  int32_t rowBytes_;
   int32_t numStates_;
   int32_t tableEnd_;
   int32_t numFlushes_;
