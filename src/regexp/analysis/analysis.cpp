@@ -27,6 +27,19 @@ void resolveScripts(ulkRegExpState& state) {
 
 }  // namespace
 
+std::optional<uint32_t> constantOptions(const ulkRegExpState& state) {
+  const RxNode* const nodes = state.nodes();
+  auto options = state.options;
+  int32_t i = 0;
+  for (; i < state.numNodes && codeOf(nodes[i]) == RX_OPTIONS; ++i)
+    options = static_cast<uint32_t>(newOptions(nodes[i]));
+  for (; i < state.numNodes; i = nextNode(nodes, i)) {
+    const bool changes = codeOf(nodes[i]) == RX_OPTIONS || codeOf(nodes[i]) == RX_OPTGROUP;
+    if (changes || ((optionsAfter(nodes[i], options) ^ options) & kMatcherOptions)) return std::nullopt;
+  }
+  return options & kMatcherOptions;
+}
+
 void analyse(ulkRegExpState& state, SpareWords spare) {
   SpareFrames frames(state);
   const bool hasFrames = frames.takeFrom(kLastFreeFrame + 1);

@@ -6,6 +6,8 @@
 // Nothing of it changes what the program matches, nor how many steps that takes.
 #pragma once
 
+#include <optional>
+
 #include "regexp/program/state.h"
 
 #pragma GCC visibility push(hidden)
@@ -14,7 +16,11 @@ namespace ulk {
 
 void analyse(ulkRegExpState& state, SpareWords spare);
 
-// Its stages, in their order.
+// The options in force at every node, but for the RX_OPTIONS nodes that the program may begin with; none if
+// they change further on.
+std::optional<uint32_t> constantOptions(const ulkRegExpState& state);
+
+// The stages of the analysis, in their order.
 
 // Links every bar to the next one of its group, every open node to the group's first bar, and the ends of
 // plain groups to their open nodes.

@@ -1,6 +1,4 @@
 // Chooses how each node is run (program/step.h).
-#include <algorithm>
-
 #include "regexp/analysis/analysis.h"
 #include "regexp/program/class_sets.h"
 #include "regexp/text/bytes.h"
@@ -12,12 +10,7 @@ namespace {
 class StepChooser {
  public:
   explicit StepChooser(const ulkRegExpState& state)
-      : nodes_(state.nodes()),
-        numNodes_(state.numNodes),
-        options_(state.options),
-        changesOptions_(std::any_of(nodes_, nodes_ + numNodes_, [](const RxNode& node) {
-          return node.code == RX_OPTIONS || node.code == RX_OPTGROUP;
-        })) {}
+      : nodes_(state.nodes()), numNodes_(state.numNodes), options_(constantOptions(state)) {}
 
   Step of(int32_t index) const;
 
@@ -26,7 +19,7 @@ class StepChooser {
   // Whether a class or a property has a set of its ASCII characters that holds for the whole search.
   bool hasOneSet(const RxNode& node) const {
     if (isProperty(node)) return recordOf(node);
-    return node.code == RX_CLASS && !changesOptions_ && recordOf(node) && ClassNote(node).isMadeFor(options_);
+    return node.code == RX_CLASS && options_ && recordOf(node) && ClassNote(node).isMadeFor(*options_);
   }
   Step item(int32_t index) const;
   Step repeat(const RxNode& node, const RxNode& quantifier) const;
@@ -38,18 +31,17 @@ class StepChooser {
 
   const RxNode* const nodes_;
   const int32_t numNodes_;
-  const uint32_t options_;
-  const bool changesOptions_;
+  const std::optional<uint32_t> options_;
 };
 
 Step StepChooser::item(int32_t index) const {
   const RxNode& node = nodes_[index];
   switch (node.code) {
     case RX_CHAR:
-      if (changesOptions_) return Step::kItem;
-      return (options_ & RX_OPT_CASELESS) && isAsciiLetter(byteOf(node)) ? Step::kLetter : Step::kByte;
+      if (!options_) return Step::kItem;
+      return (*options_ & RX_OPT_CASELESS) && isAsciiLetter(byteOf(node)) ? Step::kLetter : Step::kByte;
     case RX_STRING:
-      return changesOptions_ || (options_ & RX_OPT_CASELESS) ? Step::kItem : Step::kString;
+      return !options_ || (*options_ & RX_OPT_CASELESS) ? Step::kItem : Step::kString;
     case RX_CHARTYPE:
       return Step::kShorthand;
     case RX_BACKREF:
@@ -77,11 +69,11 @@ bool StepChooser::holdsItems(int32_t open) const {
   const int32_t end = open + bodyLength(nodes_[open]) + 1;
   for (int32_t i = open + 1; i < end; i = nextItem(nodes_, i))
     if (nodes_[i].code != RX_ALT && (!isItem(nodes_[i]) || quantifierAt(i))) return false;
-  return !changesOptions_;
+  return options_.has_value();
 }
 
 bool StepChooser::holdsOneRepeat(int32_t open) const {
-  if (changesOptions_ || quantifierAt(open) || !isItem(nodes_[open + 1])) return false;
+  if (!options_ || quantifierAt(open) || !isItem(nodes_[open + 1])) return false;
   const RxNode* const quantifier = quantifierAt(open + 1);
   return quantifier && quantifier->code == RX_REPEAT && quantifier[1].code == RX_END;
 }

@@ -45,9 +45,7 @@ class Links {
 Links::Links(ulkRegExpState& state)
     : state_(state),
       nodes_(state.nodes()),
-      changesOptions_(std::any_of(
-          nodes_, nodes_ + state.numNodes,
-          [](const RxNode& node) { return node.code == RX_OPTIONS || node.code == RX_OPTGROUP; })),
+      changesOptions_(!constantOptions(state)),
       makesSurplus_(std::any_of(nodes_, nodes_ + state.numNodes, [](const RxNode& node) {
         const bool isLazyByte = node.code == RX_REPEAT_LAZY && (&node)[-1].code == RX_CHAR;
         return isLazyByte || node.code == RX_LOOKBEHIND || node.code == RX_NLOOKBEHIND;

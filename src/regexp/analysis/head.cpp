@@ -12,22 +12,19 @@ namespace {
 
 class HeadFinder {
  public:
-  explicit HeadFinder(const ulkRegExpState& state) : state_(state), nodes_(state.nodes()) {}
+  explicit HeadFinder(const ulkRegExpState& state)
+      : state_(state), nodes_(state.nodes()), options_(constantOptions(state)) {}
 
   int32_t end() const;
 
  private:
-  bool changesOptions() const {
-    return std::any_of(nodes_, nodes_ + state_.numNodes, [](const RxNode& node) {
-      return codeOf(node) == RX_OPTIONS || codeOf(node) == RX_OPTGROUP;
-    });
-  }
   bool leavesNoChoice(int32_t node) const;
   bool neverGivesBack(int32_t quantifier) const;
   bool onlyEndsFollow(int32_t node) const;
 
   const ulkRegExpState& state_;
   const RxNode* const nodes_;
+  const std::optional<uint32_t> options_;
 };
 
 // Whether nothing can fail from the node on.
@@ -43,7 +40,7 @@ bool HeadFinder::neverGivesBack(int32_t index) const {
   const RxNode& quantifier = nodes_[index];
   if (minOf(quantifier) == maxOf(quantifier) || onlyEndsFollow(index + 1)) return true;
   const FollowNote note(followNote(quantifier));
-  return followSet(quantifier) && note.disjoint() && note.options() == (state_.options & kMatcherOptions);
+  return followSet(quantifier) && note.disjoint() && note.options() == *options_;
 }
 
 bool HeadFinder::leavesNoChoice(int32_t index) const {
@@ -60,6 +57,7 @@ bool HeadFinder::leavesNoChoice(int32_t index) const {
     case Step::kEndPlain:
     case Step::kEndCapture:
       return true;
+    case Step::kOptions:
     case Step::kAssertion:
       return !quantifierOf(nodes_, state_.numNodes, index);
     case Step::kOpenPassed:
@@ -77,7 +75,7 @@ bool HeadFinder::leavesNoChoice(int32_t index) const {
 
 int32_t HeadFinder::end() const {
   constexpr int32_t kLeast = 2;
-  if (startFilterOf(state_).firstBar >= 0 || changesOptions()) return 0;
+  if (startFilterOf(state_).firstBar >= 0 || !options_) return 0;
   int32_t index = 0;
   while (index < state_.numNodes && leavesNoChoice(index)) {
     index = nextNode(nodes_, index);

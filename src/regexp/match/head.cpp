@@ -17,7 +17,7 @@ namespace {
 
 class HeadRun {
  public:
-  explicit HeadRun(const MatchContext& m) : m_(m), at_(m.matchStart), node_(m.nodes()) {}
+  explicit HeadRun(MatchContext& m) : m_(m), at_(m.matchStart), node_(m.nodes()) {}
 
   // Whether all steps before that node succeed.
   ULK_INLINE bool reaches(const RxNode* end) {
@@ -43,6 +43,7 @@ class HeadRun {
   ULK_INLINE bool goOnInText(const uint8_t* at, const RxNode* node) {
     return (at <= m_.textEnd || node == m_.programEnd) && goOn(at, node);
   }
+  ULK_INLINE bool setOptions();
   ULK_INLINE bool openCapture();
   ULK_INLINE bool endCapture();
   ULK_INLINE bool takeByte();
@@ -52,12 +53,18 @@ class HeadRun {
   template <class Behind>
   ULK_INLINE bool repeatAscii(const RxNode* quantifier, Behind behind);
 
-  const MatchContext& m_;
+  MatchContext& m_;
   const uint8_t* at_;
   const RxNode* node_;
   int32_t steps_ = 0;
   int64_t tries_ = 0;
 };
+
+// They stay, also if the attempt fails.
+bool HeadRun::setOptions() {
+  m_.setOptions(newOptions(*node_));
+  return goOn(at_, node_ + 1);
+}
 
 bool HeadRun::openCapture() {
   m_.state->captures[captureNumber(*node_)] = {at_, 0};
@@ -123,6 +130,8 @@ bool HeadRun::succeeds() {
       const RxNode* const quantifier = afterItem(node_);
       return repeat(quantifier, takeItems(m_, *node_, at_, mostItems(m_, *quantifier, at_)));
     }
+    case Step::kOptions:
+      return setOptions();
     case Step::kByte:
       return takeByte();
     case Step::kSet:
