@@ -8,10 +8,16 @@
 
 namespace ulk {
 
-// One member, of which `members` has four copies.
+// Each is made of four bytes.
+
+// One member, of which there are four copies.
 class OneByte {
  public:
-  ULK_INLINE explicit OneByte(const uint8_t* members) : member_(Vec16<uint8_t>::splat(members[0])) {}
+  ULK_INLINE explicit OneByte(const uint8_t* members) {
+    Vec16<uint8_t> copies[4];
+    Vec16<uint8_t>::splatFour(members, copies);
+    member_ = copies[0];
+  }
   ULK_INLINE Vec16<uint8_t> contains(Vec16<uint8_t> bytes) const { return bytes.equal(member_); }
 
  private:
@@ -20,8 +26,12 @@ class OneByte {
 
 class TwoBytes {
  public:
-  ULK_INLINE explicit TwoBytes(const uint8_t* members)
-      : first_(Vec16<uint8_t>::splat(members[0])), second_(Vec16<uint8_t>::splat(members[1])) {}
+  ULK_INLINE explicit TwoBytes(const uint8_t* members) {
+    Vec16<uint8_t> copies[4];
+    Vec16<uint8_t>::splatFour(members, copies);
+    first_ = copies[0];
+    second_ = copies[1];
+  }
   ULK_INLINE Vec16<uint8_t> contains(Vec16<uint8_t> bytes) const {
     return bytes.equal(first_) | bytes.equal(second_);
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 #include "regexp/analysis/first_bytes.h"
 #include "regexp/program/follow_note.h"
@@ -50,6 +51,20 @@ class OptionalRow {
   int32_t left_ = 0;  // items of it that are still to come
 };
 
+// Whether a repeat, which is not empty, is all of a plain group, and a reference to that group comes next.
+bool isFollowedByItself(const ulkRegExpState& state, int32_t item, int32_t quantifier) {
+  const RxNode* const nodes = state.nodes();
+  const RxNode& repeat = nodes[quantifier];
+  if (repeat.code != RX_REPEAT || minOf(repeat) == 0 || item == 0 || quantifier + 2 >= state.numNodes)
+    return false;
+  const RxNode& open = nodes[item - 1];
+  const RxNode& end = nodes[quantifier + 1];
+  const RxNode& reference = nodes[quantifier + 2];
+  return open.code == RX_CAPTURE && end.code == RX_END && linkedOpen(end) == &open &&
+         reference.code == RX_BACKREF && referredCapture(reference) == captureNumber(open) &&
+         !quantifierOf(nodes, state.numNodes, quantifier + 2);
+}
+
 }  // namespace
 
 SpareFrames::SpareFrames(const ulkRegExpState& state)
@@ -87,14 +102,20 @@ void makeFollowSets(ulkRegExpState& state, SpareFrames& frames) {
     ByteSet256 taken{};
     addFirstBytes(*item, options, taken);
     FirstBytes follow(state);
-    const bool afterWord = minOf(node) > 0 && isSubset(taken, words);
-    if (!follow.ofRest(i + 1, options, afterWord) || follow.steps > kMaxFollowSteps) continue;
+    const bool itself = isFollowedByItself(state, static_cast<int32_t>(item - nodes), i);
+    if (itself) {
+      std::memset(&follow.set, 0xFF, sizeof follow.set);  // a search sees what it is
+      follow.steps = 2;                                   // for the group's end and the reference
+    } else {
+      const bool afterWord = minOf(node) > 0 && isSubset(taken, words);
+      if (!follow.ofRest(i + 1, options, afterWord) || follow.steps > kMaxFollowSteps) continue;
+    }
     const bool disjoint = !intersect(taken, follow.set);
     ByteSet256& set = state.frames[frames.take()].bytes;
     set = follow.set;
     setFollowSet(node, &set);
     followNote(node) = FollowNote::pack(
-        {options & kMatcherOptions, follow.steps, follow.entersGroup, disjoint, follow.atEnd});
+        {options & kMatcherOptions, follow.steps, follow.entersGroup, disjoint, follow.atEnd, itself});
   }
 }
 

@@ -18,8 +18,8 @@ bool isRun(const RxNode* nodes, int32_t numNodes, int32_t item, uint32_t options
   if (item < 0 || nodes[item].code == RX_XSEQ) return false;
   const RxNode* const quantifier = quantifierOf(nodes, numNodes, item);
   if (!quantifier || quantifier->code != RX_REPEAT || minOf(*quantifier) < 1) return false;
-  return followSet(*quantifier) &&
-         FollowNote(followNote(*quantifier)).options() == (options & kMatcherOptions);
+  const FollowNote note(followNote(*quantifier));
+  return followSet(*quantifier) && !note.itself() && note.options() == (options & kMatcherOptions);
 }
 
 StartKind kindOf(const FirstBytes& items, const RxNode* nodes, StartFilter& filter) {

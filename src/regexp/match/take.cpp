@@ -43,7 +43,8 @@ ULK_INLINE const uint8_t* behindOthers(const uint8_t* at, const uint8_t* end, co
 
 // Where the ASCII characters end that are not this one.
 const uint8_t* behindAllBut(const uint8_t* at, const uint8_t* end, uint8_t one) {
-  return behindOthers(at, end, OneByte(&one), [one](uint8_t byte) { return byte != one; });
+  const uint8_t members[] = {one, one, one, one};
+  return behindOthers(at, end, OneByte(members), [one](uint8_t byte) { return byte != one; });
 }
 
 struct Digits {

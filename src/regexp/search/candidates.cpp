@@ -37,8 +37,7 @@ void Candidates::choose(Way way) {
   blockBegin_ = blockEnd_ = nullptr;
 }
 
-const uint8_t* Candidates::next(const uint8_t* at) {
-  if (way_ == Way::kPair) return nextPair(at);
+const uint8_t* Candidates::nextInBlocks(const uint8_t* at) {
   while (at < textEnd_ && !givesUp()) {
     if (at >= blockEnd_ && !(way_ == Way::kRequired ? readToRequired(at) : readBlock(at))) return textEnd_;
     const uint8_t* const found = nextInBlock(std::max(at, blockBegin_));

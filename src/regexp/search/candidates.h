@@ -49,7 +49,7 @@ class Candidates {
   // A candidate is the beginning of what a match must have, which lies so many bytes before the match.
   int32_t bytesBefore() const { return automaton_.positions().bytesBefore; }
   // The first candidate from `at` on, the text's end if there is none.
-  const uint8_t* next(const uint8_t* at);
+  const uint8_t* next(const uint8_t* at) { return way_ == Way::kPair ? nextPair(at) : nextInBlocks(at); }
   // Candidates tell nothing any more: the automaton has too many states.
   bool givesUp() const { return automaton_.hasTooManyStates(); }
 
@@ -68,6 +68,7 @@ class Candidates {
     automaton_.begin();
   }
   const uint8_t* nextPair(const uint8_t* at) const;
+  const uint8_t* nextInBlocks(const uint8_t* at);
   const uint8_t* nextInBlock(const uint8_t* at) const;
   void readBack(const uint8_t* begin, uint16_t row);
   bool readBlock(const uint8_t* begin);

@@ -79,7 +79,7 @@ void Prefilter::turnOn(const uint8_t* at) {
 }
 
 // What candidates are told by may begin before the match does.
-const uint8_t* Prefilter::candidateFrom(const uint8_t* at) const {
+ULK_INLINE const uint8_t* Prefilter::candidateFrom(const uint8_t* at) const {
   const ptrdiff_t before = candidates_->bytesBefore();
   const uint8_t* const found = candidates_->next(at - std::min(before, at - m_.textStart));
   return std::max(at, before < m_.textEnd - found ? found + before : m_.textEnd);

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "kernels/vec16.h"
 #include "regexp/analysis/start_filter.h"
 #include "regexp/match/matcher.h"
 #include "regexp/search/candidates.h"
@@ -62,7 +63,7 @@ class Prefilter {
   static bool findsNone(ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd);
   PrefilterNote& note() { return m_.state->frames[kPrefilterFrame].prefilter; }
   const PrefilterNote& note() const { return m_.state->frames[kPrefilterFrame].prefilter; }
-  const uint8_t* candidateFrom(const uint8_t* at) const;
+  ULK_INLINE const uint8_t* candidateFrom(const uint8_t* at) const;
   // What the automaton has to read until the search has come to this place.
   ptrdiff_t bytesInBlocks(const uint8_t* at) const {
     return std::min<ptrdiff_t>(at - since_ + Candidates::kBlock, m_.textEnd - since_);
