@@ -21,6 +21,7 @@ class HeadFinder {
   bool leavesNoChoice(int32_t node) const;
   bool neverGivesBack(int32_t quantifier) const;
   bool onlyEndsFollow(int32_t node) const;
+  bool isWorthwhile(int32_t end) const;
 
   const ulkRegExpState& state_;
   const RxNode* const nodes_;
@@ -73,15 +74,19 @@ bool HeadFinder::leavesNoChoice(int32_t index) const {
   }
 }
 
+// A single step is run as quickly by themselves, but for a capture, which would leave a choice.
+bool HeadFinder::isWorthwhile(int32_t end) const {
+  return end > 1 || (end == 1 && stepOf(nodes_[0]) == Step::kOpenCapture);
+}
+
 int32_t HeadFinder::end() const {
-  constexpr int32_t kLeast = 2;
   if (startFilterOf(state_).firstBar >= 0 || !options_) return 0;
   int32_t index = 0;
   while (index < state_.numNodes && leavesNoChoice(index)) {
     index = nextNode(nodes_, index);
     if (index < state_.numNodes && isQuantifier(nodes_[index])) ++index;
   }
-  return index < kLeast ? 0 : index;
+  return isWorthwhile(index) ? index : 0;
 }
 
 }  // namespace

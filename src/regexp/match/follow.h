@@ -13,15 +13,13 @@ namespace ulk {
 
 struct Follow {
   const ByteSet256* set;  // null: nothing is known
-  const RxNode* literal;  // the string that follows at once, null if none does
-  const uint8_t* start;   // of the repeat, which must follow once more; null if that is not so
+  const RxNode* next;  // what follows at once where it tells more: a string, or the end of the repeat's group
   FollowNote note;
 
   // Whether a try at this place, not beyond the end of the text, has to be made.
   bool admits(const MatchContext& m, const uint8_t* at) const {
     if (at == m.textEnd) return note.atEnd();
-    if (!set->contains(*at) || (literal && !beginsWithLiteral(m, at))) return false;
-    return !start || isRepeated(m, at);
+    return set->contains(*at) && (!next || (note.itself() ? isRepeated(m, at) : beginsWithLiteral(m, at)));
   }
 
   bool excludes(const MatchContext& m, const uint8_t* at) const {
@@ -34,17 +32,18 @@ struct Follow {
  private:
   // A string that does not match fails in the step that its first byte would fail in.
   bool beginsWithLiteral(const MatchContext& m, const uint8_t* at) const {
-    return stringLength(*literal) <= m.textEnd - at &&
-           std::memcmp(stringOf(*literal), at, static_cast<size_t>(stringLength(*literal))) == 0;
+    return stringLength(*next) <= m.textEnd - at &&
+           std::memcmp(stringOf(*next), at, static_cast<size_t>(stringLength(*next))) == 0;
   }
   bool isRepeated(const MatchContext& m, const uint8_t* at) const {
+    const uint8_t* const start = m.state->captures[captureNumber(*linkedOpen(*next))].start;
     const auto length = static_cast<int32_t>(at - start);
     return length <= m.textEnd - at && sameBytes(start, at, length, m.options);
   }
 };
 
 inline Follow noFollow(const RxNode& quantifier) {
-  return {nullptr, nullptr, nullptr, FollowNote(followNote(quantifier))};
+  return {nullptr, nullptr, FollowNote(followNote(quantifier))};
 }
 
 // With the options in force, which must be those that the repeat's items were taken with.
@@ -53,9 +52,7 @@ inline Follow followOf(const MatchContext& m, const RxNode& quantifier, uint32_t
   if (!followSet(quantifier) || note.options() != options) return noFollow(quantifier);
   const RxNode* const next = &quantifier + 1;
   const bool isLiteral = next != m.programEnd && codeOf(*next) == RX_STRING && !(options & RX_OPT_CASELESS);
-  const uint8_t* const start =
-      note.itself() ? m.state->captures[captureNumber(*linkedOpen(*next))].start : nullptr;
-  return {followSet(quantifier), isLiteral ? next : nullptr, start, note};
+  return {followSet(quantifier), isLiteral || note.itself() ? next : nullptr, note};
 }
 
 }  // namespace ulk

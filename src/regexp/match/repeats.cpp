@@ -266,6 +266,27 @@ const uint8_t* takeOneMore(const MatchContext& m, LazyChoice& choice, const RxNo
 
 int32_t stillAllowed(const LazyChoice& choice) { return choice.most - choice.count.number(); }
 
+// Where items of one byte end before which nothing that may follow begins. `accepts` tells of one that it is
+// an item, `behind` where many in a row end: they are used up to the next place of the byte that may follow,
+// if it is only one, and not a near one.
+template <class Accepts, class Behind>
+ULK_INLINE const uint8_t* behindHopeless(const MatchContext& m, const Follow& follow, const uint8_t* at,
+                                         const uint8_t* end, Accepts accepts, Behind behind) {
+  constexpr ptrdiff_t kNear = 12;
+  const auto isHopeless = [&] { return *at < 0x80 && !follow.admits(m, at) && accepts(*at); };
+  const uint8_t* const near = at + std::min(end - at, kNear);
+  while (at < near && isHopeless()) ++at;
+  if (at < near || at == end) return at;
+  const int32_t only = onlyByte(*follow.set);
+  while (at < end && isHopeless()) {
+    ++at;
+    if (only < 0) continue;
+    const int32_t found = findUnit(at, static_cast<int32_t>(end - at), static_cast<uint8_t>(only));
+    at = behind(at, found < 0 ? end : at + found);
+  }
+  return at;
+}
+
 // Takes items of one byte as long as what follows cannot begin before them, and pays for the tries.
 const uint8_t* takeHopelessItems(MatchContext& m, LazyChoice& choice, const RxNode& item, const uint8_t* from,
                                  const Follow& follow) {
@@ -273,15 +294,16 @@ const uint8_t* takeHopelessItems(MatchContext& m, LazyChoice& choice, const RxNo
   const int32_t most = std::min({stillAllowed(choice), m.remaining(from), affordable});
   const uint8_t* const end = from + std::max(most, 0);
   const uint8_t* at = from;
-  const auto take = [&](auto accepts) {
-    while (at < end && *at < 0x80 && !follow.admits(m, at) && accepts(*at)) ++at;
-  };
   const Set128* const set = codeOf(item) == RX_CLASS ? classSet(item, m.options) : nullptr;
   if (set) {
-    take([set](uint8_t byte) { return set->contains(byte); });
+    at = behindHopeless(
+        m, follow, from, end, [set](uint8_t byte) { return set->contains(byte); },
+        [set](auto* first, auto* last) { return behindBytes(first, last, *set); });
   } else if (codeOf(item) == RX_CHARTYPE) {
     const uint8_t wanted = byteSetOf(item, m.options);
-    take([wanted](uint8_t byte) { return inByteSet(byte, wanted); });
+    at = behindHopeless(
+        m, follow, from, end, [wanted](uint8_t byte) { return inByteSet(byte, wanted); },
+        [&m, wanted](auto* first, auto* last) { return behindBytes(first, last, m.byteSets, wanted); });
   }
   const auto taken = static_cast<int32_t>(at - from);
   choice.count += taken;
