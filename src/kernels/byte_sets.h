@@ -113,6 +113,12 @@ struct Place {
   int32_t singles;  // places before it that had a part of what is searched for
 };
 
+// The number of lanes, which are seldom several; to count those, these processors have no instruction.
+ULK_INLINE int32_t countSparse(LaneMask<uint8_t> lanes) {
+  const uint32_t bits = lanes.bits();
+  return (bits & (bits - 1)) == 0 ? (bits != 0 ? 1 : 0) : std::popcount(bits);
+}
+
 // The first place with a byte of one set before a byte of another, in the first `length` bytes. The last few
 // places, up to 16, are left undecided.
 template <class First, class Second>
@@ -127,9 +133,9 @@ Place findPair(const uint8_t* text, int32_t length, First first, Second second) 
     const LaneMask<uint8_t> pairs(firsts.bits() & seconds.bits());
     if (pairs.any()) {
       const int32_t lane = pairs.first();
-      return {at + lane, true, singles + std::popcount(firsts.below(lane).bits())};
+      return {at + lane, true, singles + countSparse(firsts.below(lane))};
     }
-    singles += std::popcount(firsts.bits());
+    singles += countSparse(firsts);
   }
   return {at, false, singles};
 }

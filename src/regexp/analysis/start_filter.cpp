@@ -183,6 +183,7 @@ void describeLine(ulkRegExpState& state, int32_t node, StartFilter& filter) {
   FirstBytes items(state);
   if (!items.ofRest(node, filter.options, false)) return;
   state.frames[kStartSetFrame].bytes = items.set;
+  describe(items.set, filter.small);
   filter.placeSteps = filter.steps + items.steps;
 }
 

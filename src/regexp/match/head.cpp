@@ -28,6 +28,9 @@ class HeadRun {
     return true;
   }
 
+  // Whether it has failed, but something could come of giving back.
+  bool isCut() const { return isCut_; }
+
   const uint8_t* at() const { return at_; }
   int32_t steps() const { return steps_; }  // that have been taken
   int64_t tries() const { return tries_; }  // steps of the tries that are made if the rest fails
@@ -39,14 +42,17 @@ class HeadRun {
     node_ = node;
     return true;
   }
-  // As goOn, behind characters that the text's end may cut: no step begins there.
+  // As goOn, behind characters that the text's end may cut: no step begins there, also none that cannot fail.
   ULK_INLINE bool goOnInText(const uint8_t* at, const RxNode* node) {
-    return (at <= m_.textEnd || node == m_.programEnd) && goOn(at, node);
+    isCut_ = at > m_.textEnd && node != m_.programEnd;
+    return !isCut_ && goOn(at, node);
   }
   ULK_INLINE bool setOptions();
   ULK_INLINE bool openCapture();
   ULK_INLINE bool endCapture();
   ULK_INLINE bool takeByte();
+  ULK_INLINE bool takeString();
+  ULK_INLINE bool takeShorthand();
   ULK_INLINE bool takeFromSet();
   ULK_INLINE bool takeItem();
   ULK_INLINE bool repeat(const RxNode* quantifier, Taken taken);
@@ -58,6 +64,7 @@ class HeadRun {
   const RxNode* node_;
   int32_t steps_ = 0;
   int64_t tries_ = 0;
+  bool isCut_ = false;
 };
 
 // They stay, also if the attempt fails.
@@ -79,6 +86,15 @@ bool HeadRun::endCapture() {
 }
 
 bool HeadRun::takeByte() { return at_ < m_.textEnd && *at_ == byteOf(*node_) && goOn(at_ + 1, node_ + 1); }
+
+bool HeadRun::takeString() {
+  return isStringAt(m_, *node_, at_) && goOn(at_ + stringLength(*node_), node_ + 1);
+}
+
+bool HeadRun::takeShorthand() {
+  if (at_ == m_.textEnd || *at_ >= 0x80) return takeItem();
+  return (m_.byteSets[*at_] & byteSetOf(*node_, m_.options)) && goOn(at_ + 1, node_ + 1);
+}
 
 bool HeadRun::takeFromSet() {
   if (at_ == m_.textEnd || *at_ >= 0x80) return takeItem();
@@ -134,6 +150,10 @@ bool HeadRun::succeeds() {
       return setOptions();
     case Step::kByte:
       return takeByte();
+    case Step::kString:
+      return takeString();
+    case Step::kShorthand:
+      return takeShorthand();
     case Step::kSet:
       return takeFromSet();
     default:
@@ -147,6 +167,7 @@ bool rxMatchHead(MatchContext& m, int32_t headEnd) {
   const RxNode* const end = m.nodes() + headEnd;
   HeadRun head(m);
   const bool succeeds = head.reaches(end);
+  if (head.isCut()) return rxMatch(m, m.matchStart, m.nodes());
   m.budget.pay(head.steps());
   if (succeeds && end == m.programEnd) {
     m.surplus.clear();

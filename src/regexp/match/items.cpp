@@ -1,7 +1,6 @@
 #include "regexp/match/items.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "kernels/find_unit.h"
 #include "regexp/match/steps.h"
@@ -30,12 +29,8 @@ int32_t backrefLength(const MatchContext& m, const RxNode& item, const uint8_t* 
 
 int32_t lengthOfString(const MatchContext& m, const RxNode& item, const uint8_t* at, uint32_t options) {
   const int32_t length = stringLength(item);
-  if (length > m.textEnd - at) return kNoMatch;
-  const uint8_t* const text = stringOf(item);
-  const bool same = options & RX_OPT_CASELESS
-                        ? sameBytes(text, at, length, options)
-                        : *text == *at && std::memcmp(text, at, static_cast<size_t>(length)) == 0;
-  return same ? length : kNoMatch;
+  if (!(options & RX_OPT_CASELESS)) return isStringAt(m, item, at) ? length : kNoMatch;
+  return length <= m.textEnd - at && sameBytes(stringOf(item), at, length, options) ? length : kNoMatch;
 }
 
 // No ASCII character is a mark.
@@ -159,11 +154,7 @@ ULK_STEP stepByte(const uint8_t* at, const RxNode* node, MatchContext& m) {
 }
 
 ULK_STEP stepString(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  const uint8_t* const text = stringOf(*node);
-  const int32_t length = stringLength(*node);
-  if (length > m.remaining(at) || *at != *text) return fail(m);
-  if (std::memcmp(at, text, static_cast<size_t>(length)) != 0) return fail(m);
-  return goOn(at + length, node + 1, m);
+  return isStringAt(m, *node, at) ? goOn(at + stringLength(*node), node + 1, m) : fail(m);
 }
 
 ULK_STEP stepLetter(const uint8_t* at, const RxNode* node, MatchContext& m) {

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
+#include "kernels/vec16.h"
 #include "regexp/match/matcher.h"
 #include "regexp/program/characters.h"
 #include "regexp/program/class_sets.h"
@@ -19,6 +21,13 @@ inline constexpr int32_t kNoMatch = -1;
 // How many bytes the item matches at `at`, kNoMatch if it does not. Never matches at the end of the text; may
 // read on inside a UTF-8 sequence that the text's end cuts.
 int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at);
+
+// The same for a string in one case.
+ULK_INLINE bool isStringAt(const MatchContext& m, const RxNode& item, const uint8_t* at) {
+  const uint8_t* const text = stringOf(item);
+  const int32_t length = stringLength(item);
+  return length <= m.textEnd - at && *at == *text && std::memcmp(at, text, static_cast<size_t>(length)) == 0;
+}
 
 // The node after the item, where its quantifier stands if it has one.
 inline const RxNode* afterItem(const RxNode* item) {

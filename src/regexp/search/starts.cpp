@@ -289,6 +289,9 @@ ULK_INLINE bool Starts::passFiltered(const uint8_t*& at, const uint8_t* end) {
     case StartKind::kSet:
       if (!set().contains(*at)) at = passOutsideSet(at, end);
       return at < end;
+    case StartKind::kLineStart:
+    case StartKind::kTextStart:
+      return passFar(at, end);
     default:
       break;
   }
@@ -332,12 +335,30 @@ int32_t Starts::stepsAtLastBoundary() const {
   return inWord != inByteSet(*end, kWord) ? filter().steps : filter().placeSteps;
 }
 
+// The next line start, of which those far away are looked for that have a byte of the set; pays for those
+// before it.
+const uint8_t* Starts::nextLine(const uint8_t* at) {
+  constexpr ptrdiff_t kFar = 256;
+  if (filter().anchor == Anchor::kLineStart && filter().small.form != SmallSetForm::kNone &&
+      m_.textEnd - at > kFar) {
+    constexpr uint8_t kNewlines[] = {'\n', '\n', '\n', '\n'};
+    const auto length = static_cast<int32_t>(strideFrom(at) - at);
+    const Place place = withSmallSet(
+        filter().small, [&](auto second) { return findPair(at, length, OneByte(kNewlines), second); });
+    pay(int64_t{place.singles} * filter().placeSteps);
+    at += place.at;
+    if (place.found) return at + 1;
+  }
+  return nextStart(m_, filter().anchor, at);
+}
+
 const uint8_t* Starts::nextAnchored(const uint8_t* at) {
   if (!knowsLines() || !knowsOptions()) return at;
   if (at != m_.textStart && (at[-1] != '\n' || filter().kind == StartKind::kTextStart)) return at;
-  for (; at < m_.textEnd && !set().contains(*at) && !m_.budget.isExhausted();
-       at = nextStart(m_, filter().anchor, at))
+  while (at < m_.textEnd && !set().contains(*at) && !m_.budget.isExhausted()) {
     pay(filter().placeSteps);
+    at = nextLine(at);
+  }
   return at;
 }
 

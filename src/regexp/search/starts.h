@@ -84,6 +84,7 @@ class Starts {
   bool passFiltered(const uint8_t*& at, const uint8_t* end);
   const uint8_t* passRun(const uint8_t* at);
   const uint8_t* passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow);
+  const uint8_t* nextLine(const uint8_t* at);
   const uint8_t* passOutsideSet(const uint8_t* at, const uint8_t* end);
   const uint8_t* passNonBoundaries(const uint8_t* at, const uint8_t* end);
   bool passFar(const uint8_t*& at, const uint8_t* end);
