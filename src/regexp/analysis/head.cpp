@@ -18,8 +18,8 @@ class HeadFinder {
   int32_t end() const;
 
  private:
-  bool leavesNoChoice(int32_t node) const;
-  bool neverGivesBack(int32_t quantifier) const;
+  bool leavesNoChoice(int32_t index) const;
+  bool neverGivesBack(int32_t index) const;
   bool onlyEndsFollow(int32_t node) const;
   bool isWorthwhile(int32_t end) const;
 
@@ -74,7 +74,7 @@ bool HeadFinder::leavesNoChoice(int32_t index) const {
   }
 }
 
-// A single step is run as quickly by themselves, but for a capture, which would leave a choice.
+// A single step is run as quickly by itself, but for a capture, which would leave a choice.
 bool HeadFinder::isWorthwhile(int32_t end) const {
   return end > 1 || (end == 1 && stepOf(nodes_[0]) == Step::kOpenCapture);
 }

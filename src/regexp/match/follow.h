@@ -3,9 +3,8 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 
-#include "regexp/match/matcher.h"
+#include "regexp/match/items.h"
 #include "regexp/program/byte_set.h"
 #include "regexp/program/follow_note.h"
 
@@ -19,7 +18,8 @@ struct Follow {
   // Whether a try at this place, not beyond the end of the text, has to be made.
   bool admits(const MatchContext& m, const uint8_t* at) const {
     if (at == m.textEnd) return note.atEnd();
-    return set->contains(*at) && (!next || (note.itself() ? isRepeated(m, at) : beginsWithLiteral(m, at)));
+    // A string that does not match fails in the step that its first byte would fail in.
+    return set->contains(*at) && (!next || (note.itself() ? isRepeated(m, at) : isStringAt(m, *next, at)));
   }
 
   bool excludes(const MatchContext& m, const uint8_t* at) const {
@@ -30,11 +30,6 @@ struct Follow {
   int64_t cost(int64_t tries) const { return note.steps() * tries; }
 
  private:
-  // A string that does not match fails in the step that its first byte would fail in.
-  bool beginsWithLiteral(const MatchContext& m, const uint8_t* at) const {
-    return stringLength(*next) <= m.textEnd - at &&
-           std::memcmp(stringOf(*next), at, static_cast<size_t>(stringLength(*next))) == 0;
-  }
   bool isRepeated(const MatchContext& m, const uint8_t* at) const {
     const uint8_t* const start = m.state->captures[captureNumber(*linkedOpen(*next))].start;
     const auto length = static_cast<int32_t>(at - start);
