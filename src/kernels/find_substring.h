@@ -10,6 +10,7 @@
 // linear bound.
 #pragma once
 
+#include <algorithm>
 #include <array>
 
 #include "kernels/find_unit.h"
@@ -19,13 +20,15 @@
 namespace ulk {
 
 // How common a unit is in text, 0 for all that are rare: a ranking by ear, good enough to keep spaces and
-// vowels out of the filter. Zero is there for the high bytes of wider data.
+// vowels out of the filter. Zero is there for the high bytes of wider data. In a text of another script every
+// character begins with one of a few bytes from 0xC0 on.
 inline constexpr auto kCommonness = [] {
   constexpr char kRarestFirst[] = "\"'()-0123456789TSIAjqxzkv.,bywgpfm\nculdhrsnioat\0e ";
   std::array<uint8_t, 256> ranks{};
   for (size_t i = 0; i + 1 < sizeof(kRarestFirst); ++i) {
     ranks[static_cast<uint8_t>(kRarestFirst[i])] = static_cast<uint8_t>(i + 1);
   }
+  std::fill(ranks.begin() + 0xC0, ranks.end(), uint8_t{sizeof(kRarestFirst)});
   return ranks;
 }();
 

@@ -5,6 +5,7 @@
 // of its record, one byte, in blocks of 128; equal blocks (most are empty) are kept once. A lookup is three
 // dependent loads, and the tables take 28 KB: 8.5 KB block numbers, 19 KB blocks, 0.7 KB records.
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <iterator>
@@ -60,6 +61,10 @@ struct Kinds {
   std::array<CharacterRecord, kMaxKinds> records{};
   uint32_t ascii[kMaxKinds][4]{};  // the characters of each kind
   uint64_t inAscii = 0;            // the kinds that have any
+  uint64_t withBit[16]{};          // the kinds of characters that are known whose category has that bit
+  uint64_t known = 0;              // all of these
+  uint64_t unlisted = 0;           // the kinds up to the last line that no line of their own tells of
+  uint64_t leads[kMaxKinds];       // the bytes from 0xC0 on that characters of each kind begin with
   int32_t count = 0;
 
   constexpr Kinds() {
@@ -77,9 +82,29 @@ struct Kinds {
       ascii[kind][c >> 5] |= 1u << (c & 31);
       inAscii |= uint64_t{1} << kind;
     }
+    for (int32_t kind = 0; kind < count; ++kind) addToSets(kind);
+    std::fill(leads, leads + kMaxKinds, kLeadsFromFourBytes);
+    for (uint32_t c = 0x80; c < 0x10000; c += kPiece) addLeads(c);
   }
 
  private:
+  static constexpr uint64_t kLeadsFromFourBytes = ~uint64_t{0} << 0x30;
+  static constexpr uint32_t kPiece = 64;  // no block nor the characters of a first byte end within so many
+
+  constexpr void addLeads(uint32_t c) {
+    const uint64_t lead = uint64_t{1} << (c < 0x800 ? c >> 6 : 0x20 + (c >> 12));
+    const size_t place = kBlockOf[c >> kBlockShift] * 0x80u + c % 0x80;
+    for (size_t i = 0; i < kPiece; ++i) leads[of[kRecordOf[place + i]]] |= lead;
+  }
+  constexpr void addToSets(int32_t kind) {
+    const CharacterRecord& record = records[static_cast<size_t>(kind)];
+    const uint64_t bit = uint64_t{1} << kind;
+    if (record.source != kListed && kind > kUnlistedBeyond) unlisted |= bit;
+    if (record.source == kUnlisted) return;
+    known |= bit;
+    for (uint32_t i = 0; i < 16; ++i)
+      if (record.mask >> i & 1) withBit[i] |= bit;
+  }
   static constexpr bool same(const CharacterRecord& a, const CharacterRecord& b) {
     return a.source == b.source && a.mask == b.mask;
   }
@@ -99,13 +124,23 @@ int32_t kindOf(int32_t codePoint) {
   return kRecords[number].source == kRanged ? Kinds::kPrivateBeyond : Kinds::kUnlistedBeyond;
 }
 
+// As accepts() does, for all kinds at once.
 uint64_t acceptedKinds(uint32_t mask, bool negated) {
-  uint64_t kinds = 0;
-  for (int32_t kind = 0; kind < kKinds.count; ++kind) {
-    const CharacterRecord& record = kKinds.records[static_cast<size_t>(kind)];
-    if (accepts(record, kind <= Kinds::kUnlistedBeyond, mask, negated)) kinds |= uint64_t{1} << kind;
-  }
-  return kinds;
+  const auto withAnyBit = [](uint32_t bits) {
+    uint64_t kinds = 0;
+    for (; bits; bits &= bits - 1) kinds |= kKinds.withBit[std::countr_zero(bits)];
+    return kinds;
+  };
+  uint64_t kinds = withAnyBit(mask & ~kSubcategoryBits);
+  if (mask & kSubcategoryBits) kinds &= withAnyBit(mask & kSubcategoryBits);
+  if (negated) kinds ^= kKinds.known;
+  return mask == kUnassigned ? kinds | kKinds.unlisted : kinds;
+}
+
+uint64_t leadsOfKinds(uint64_t kinds) {
+  uint64_t leads = 0;
+  for (; kinds; kinds &= kinds - 1) leads |= kKinds.leads[std::countr_zero(kinds)];
+  return leads;
 }
 
 void addAsciiOfKinds(uint64_t kinds, uint32_t (&words)[4]) {

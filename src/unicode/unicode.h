@@ -33,6 +33,8 @@ int32_t kindOf(int32_t codePoint);
 // The kinds that acceptsCategory accepts, one bit each, and the ASCII characters of some kinds.
 uint64_t acceptedKinds(uint32_t mask, bool negated);
 void addAsciiOfKinds(uint64_t kinds, uint32_t (&words)[4]);
+// The bytes from 0xC0 on that their characters begin with in UTF-8, one bit each, and perhaps others.
+uint64_t leadsOfKinds(uint64_t kinds);
 
 // True for a combining mark: Mn, Mc or Me.
 bool isMark(int32_t codePoint);

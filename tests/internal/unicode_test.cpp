@@ -247,6 +247,11 @@ TEST(Categories, AcceptWholeKinds) {
     addAsciiOfKinds(kinds.accepted, words);
     for (int32_t c = 0; c < 0x80; ++c)
       ASSERT_EQ((words[c / 32] >> c % 32 & 1) != 0, acceptsCategory(c, kinds.mask, kinds.negated)) << c;
+
+    uint64_t leads = 0;
+    for (int32_t c = 0x80; c < 0x10000; ++c)
+      if (kinds.accepted >> kindOf(c) & 1) leads |= uint64_t{1} << (c < 0x800 ? c >> 6 : 0x20 + (c >> 12));
+    ASSERT_EQ(leadsOfKinds(kinds.accepted) & ~(~uint64_t{0} << 0x30), leads) << std::hex << kinds.mask;
   }
 }
 

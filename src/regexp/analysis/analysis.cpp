@@ -25,9 +25,7 @@ void resolveScripts(ulkRegExpState& state) {
     if (node->code == RX_SCRIPT) scriptNumber(*node) = scriptOf(static_cast<int32_t>(rangesOf(*node)->first));
 }
 
-}  // namespace
-
-std::optional<uint32_t> constantOptions(const ulkRegExpState& state) {
+ConstantOptions constantOptions(const ulkRegExpState& state) {
   const RxNode* const nodes = state.nodes();
   auto options = state.options;
   int32_t i = 0;
@@ -40,17 +38,20 @@ std::optional<uint32_t> constantOptions(const ulkRegExpState& state) {
   return options & kMatcherOptions;
 }
 
+}  // namespace
+
 void analyse(ulkRegExpState& state, SpareWords spare) {
   SpareFrames frames(state);
   const bool hasFrames = frames.takeFrom(kLastFreeFrame + 1);
+  const ConstantOptions options = constantOptions(state);
   resolveShorthands(state);
   resolveScripts(state);
-  linkGroups(state);
+  linkGroups(state, options);
   makeClassSets(state, spare);
   makeFollowSets(state, frames);
   makeStartFilter(state, hasFrames);
-  chooseSteps(state);
-  findHead(state);
+  chooseSteps(state, options);
+  findHead(state, options);
 }
 
 }  // namespace ulk

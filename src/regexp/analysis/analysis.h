@@ -18,22 +18,22 @@ void analyse(ulkRegExpState& state, SpareWords spare);
 
 // The options in force at every node, but for the RX_OPTIONS nodes that the program may begin with; none if
 // they change further on.
-std::optional<uint32_t> constantOptions(const ulkRegExpState& state);
+using ConstantOptions = std::optional<uint32_t>;
 
 // The stages of the analysis, in their order.
 
 // Links every bar to the next one of its group, every open node to the group's first bar, and the ends of
 // plain groups to their open nodes.
-void linkGroups(ulkRegExpState& state);
+void linkGroups(ulkRegExpState& state, ConstantOptions options);
 
 // Makes the records of all classes.
 void makeClassSets(ulkRegExpState& state, SpareWords spare);
 
 // Chooses how each node is run; the codes of the nodes hold more than before from then on.
-void chooseSteps(ulkRegExpState& state);
+void chooseSteps(ulkRegExpState& state, ConstantOptions options);
 
 // Finds the program's head (match/head.cpp).
-void findHead(ulkRegExpState& state);
+void findHead(ulkRegExpState& state, ConstantOptions options);
 
 }  // namespace ulk
 

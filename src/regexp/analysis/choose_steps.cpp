@@ -9,8 +9,8 @@ namespace {
 
 class StepChooser {
  public:
-  explicit StepChooser(const ulkRegExpState& state)
-      : nodes_(state.nodes()), numNodes_(state.numNodes), options_(constantOptions(state)) {}
+  StepChooser(const ulkRegExpState& state, ConstantOptions options)
+      : nodes_(state.nodes()), numNodes_(state.numNodes), options_(options) {}
 
   Step of(int32_t index) const;
 
@@ -31,7 +31,7 @@ class StepChooser {
 
   const RxNode* const nodes_;
   const int32_t numNodes_;
-  const std::optional<uint32_t> options_;
+  const ConstantOptions options_;
 };
 
 Step StepChooser::item(int32_t index) const {
@@ -64,11 +64,12 @@ Step StepChooser::assertion(int32_t index) const {
   return assertionOf(nodes_[index]) == 'b' ? Step::kWordBoundary : Step::kAssertion;
 }
 
-// Whether all alternatives of the lookaround are rows of items that are not quantified.
+// Whether all alternatives of the lookaround are rows of items and assertions that are not quantified.
 bool StepChooser::holdsItems(int32_t open) const {
+  const auto isSimple = [](const RxNode& node) { return isItem(node) || node.code == RX_ASSERT; };
   const int32_t end = open + bodyLength(nodes_[open]) + 1;
   for (int32_t i = open + 1; i < end; i = nextItem(nodes_, i))
-    if (nodes_[i].code != RX_ALT && (!isItem(nodes_[i]) || quantifierAt(i))) return false;
+    if (nodes_[i].code != RX_ALT && (!isSimple(nodes_[i]) || quantifierAt(i))) return false;
   return options_.has_value();
 }
 
@@ -131,8 +132,8 @@ Step StepChooser::of(int32_t index) const {
 
 }  // namespace
 
-void chooseSteps(ulkRegExpState& state) {
-  const StepChooser chooser(state);
+void chooseSteps(ulkRegExpState& state, ConstantOptions options) {
+  const StepChooser chooser(state, options);
   RxNode* const nodes = state.nodes();
   for (int32_t i = 0; i < state.numNodes; i = nextNode(nodes, i)) setStep(nodes[i], chooser.of(i));
 }

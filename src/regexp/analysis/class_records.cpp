@@ -22,6 +22,11 @@ uint32_t* writeRecord(const Set128& ascii, uint32_t* at) {
   return at + kRecordWords;
 }
 
+uint32_t* writeKinds(uint64_t kinds, uint32_t* at) {
+  for (int i = 0; i < kKindWords; ++i) *at++ = static_cast<uint32_t>(kinds >> 32 * i);
+  return at;
+}
+
 class RecordMaker {
  public:
   RecordMaker(RxNode& header, uint32_t caseless, bool bothCases)
@@ -115,8 +120,7 @@ uint32_t* RecordMaker::writeSets(uint32_t* record) {
 }
 
 uint32_t* RecordMaker::writeParts(uint32_t* at) {
-  if (facts_.kinds)
-    for (int i = 0; i < kKindWords; ++i) *at++ = static_cast<uint32_t>(members_.kinds >> 32 * i);
+  if (facts_.kinds) at = writeKinds(members_.kinds, at);
   if (facts_.scripts) at = std::copy(members_.scripts, members_.scripts + kScriptWords, at);
   if (!facts_.lists) return at;
   auto* const list = reinterpret_cast<Interval*>(at + kListLengths);
@@ -142,13 +146,14 @@ uint32_t* RecordMaker::make(uint32_t* at, int64_t room) {
 // A property has at least three bytes in the pattern, so that there is room. Returns the end of the record.
 uint32_t* makePropertySet(RxNode& item, uint32_t* at, const uint32_t* end) {
   setRecord(item, nullptr);
-  if (end - at < kRecordWords) return at;
+  if (end - at < kRecordWords + kKindWords) return at;
   ByteSet256 bytes{};
   addAsciiOf(item, 0, bytes);
-  Set128 ascii;
-  std::copy_n(bytes.words, kWordsPerSet, ascii.words);
   setRecord(item, at);
-  return writeRecord(ascii, at);
+  at = writeRecord(asciiOf(bytes), at);
+  if (item.code != RX_CATEGORY) return at;
+  return writeKinds(acceptedKinds(static_cast<uint32_t>(categoryMask(item)), propertyNegation(item) != 0),
+                    at);
 }
 
 // Whether a search can find the caseless bit changed.

@@ -17,11 +17,12 @@ void addHighBytesOf(const RxNode& item, uint32_t options, ByteSet256& set) {
     return addLeads(codePointOf(item), codePointOf(item), set);
   if (codeOf(item) == RX_UNIRANGE && memberNegation(item) == 0)
     return addLeads(lowOf(item), highOf(item), set);
-  if (codeOf(item) == RX_SCRIPT && propertyNegation(item) == 0) {
-    const uint64_t leads = leadsOfScript(scriptNumber(item));
-    set.words[6] |= static_cast<uint32_t>(leads);
-    set.words[7] |= static_cast<uint32_t>(leads >> 32);
-    return;
+  if (codeOf(item) == RX_SCRIPT && propertyNegation(item) == 0)
+    return addLeads(leadsOfScript(scriptNumber(item)), set);
+  if (codeOf(item) == RX_CATEGORY) {
+    const auto mask = static_cast<uint32_t>(categoryMask(item));
+    const uint64_t kinds = acceptedKinds(mask, propertyNegation(item) != 0);
+    if (!(kinds >> kindOf(-1) & 1)) return addLeads(leadsOfKinds(kinds), set);
   }
   addAllHighBytes(set);
 }
@@ -58,8 +59,7 @@ void addAllBytes(const RxNode& item, uint32_t options, ByteSet256& set) {
   }
   ByteSet256 first{};
   addFirstBytes(item, options, first);
-  const bool isByte = codeOf(item) == RX_CHAR || codeOf(item) == RX_BYTE;
-  if (!isByte && hasHighBytes(first)) addAllHighBytes(first);
+  if (!takesByte(item) && hasHighBytes(first)) addAllHighBytes(first);
   addAll(first, set);
 }
 
@@ -118,11 +118,28 @@ FirstBytes::Way FirstBytes::assertion(int32_t kind) {
       }
       if (before_ != Before::kStart || depth_ > 0 || numItems_ > 0 || boundarySteps > 0)
         return Way::kUndecided;
+      // Behind a lookaround that fails the boundary is not tested, nor the byte read that stands there.
+      if (boundsSteps) return Way::kUndecided;
       boundarySteps = steps;
       return Way::kOpen;
     default:
       return Way::kUndecided;
   }
+}
+
+// Passes a lookaround of simple alternatives that the program begins with: whatever it finds, where the item
+// behind it does not match, an attempt fails after no more steps than there are nodes.
+bool FirstBytes::passLookaround(int32_t open) {
+  const RxNode& lookaround = nodes_[open];
+  const bool tellsNothing = isLookaround(lookaround) && lookaround.code != RX_LOOKAHEAD;
+  if (!tellsNothing || before_ != Before::kStart || depth_ > 0) return false;
+  const int32_t end = open + 1 + bodyLength(lookaround);
+  for (int32_t i = open + 1; i < end; i = nextNode(nodes_, i)) {
+    const RxCode code = codeOf(nodes_[i]);
+    if (!isItem(nodes_[i]) && code != RX_ALT && code != RX_ASSERT) return false;
+  }
+  steps += bodyLength(lookaround);
+  return boundsSteps = true;
 }
 
 void FirstBytes::noteItem(int32_t node, uint32_t options) {
@@ -152,6 +169,10 @@ FirstBytes::Way FirstBytes::sequence(int32_t& node, int32_t end, uint32_t& optio
       // One that may be left out is not tested.
       if (!quantifier || minOf(*quantifier) > 0) way = assertion(assertionOf(item));
       node = next + (quantifier ? 1 : 0);
+      continue;
+    }
+    if (!quantifier && passLookaround(node)) {
+      node = next;
       continue;
     }
     const bool isGroup = isRepeatableGroup(item);

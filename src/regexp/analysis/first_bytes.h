@@ -36,6 +36,7 @@ class FirstBytes {
   int32_t boundarySteps = 0;  // that it costs where a \b fails that the program begins with; 0 without one
   int32_t soleItem = -1;      // the one item that must come first, -1 where there are several
   uint32_t itemOptions = 0;   // in force at that item
+  bool boundsSteps = false;   // it may cost less, as it may fail in a lookaround before that item
   bool entersGroup = false;   // it fails in a group, which leaves no surplus behind
   uint32_t exitOptions = 0;   // in force when an attempt of the whole program has failed
 
@@ -46,6 +47,7 @@ class FirstBytes {
   bool alternatives(int32_t first, const RxNode* bar, int32_t end, uint32_t options);
   Way sequence(int32_t& node, int32_t end, uint32_t& options);
   int32_t groupEnd(int32_t node) const;
+  bool passLookaround(int32_t open);
   Way assertion(int32_t kind);
   bool group(int32_t open, uint32_t options);
   void noteItem(int32_t node, uint32_t options);

@@ -19,7 +19,7 @@ constexpr int32_t kNoSerial = 0;
 // keep what is known of groups.
 class Links {
  public:
-  explicit Links(ulkRegExpState& state);
+  Links(ulkRegExpState& state, bool changesOptions);
 
   void add(int32_t index);
 
@@ -42,10 +42,10 @@ class Links {
   int32_t numAtOnce_ = 0;          // repeats passed that can match at once
 };
 
-Links::Links(ulkRegExpState& state)
+Links::Links(ulkRegExpState& state, bool changesOptions)
     : state_(state),
       nodes_(state.nodes()),
-      changesOptions_(!constantOptions(state)),
+      changesOptions_(changesOptions),
       makesSurplus_(std::any_of(nodes_, nodes_ + state.numNodes, [](const RxNode& node) {
         const bool isLazyByte = node.code == RX_REPEAT_LAZY && (&node)[-1].code == RX_CHAR;
         return isLazyByte || node.code == RX_LOOKBEHIND || node.code == RX_NLOOKBEHIND;
@@ -123,8 +123,8 @@ void Links::add(int32_t index) {
 
 }  // namespace
 
-void linkGroups(ulkRegExpState& state) {
-  Links links(state);
+void linkGroups(ulkRegExpState& state, ConstantOptions options) {
+  Links links(state, !options);
   for (int32_t i = 0; i < state.numNodes; i = nextNode(state.nodes(), i)) links.add(i);
 }
 

@@ -12,8 +12,8 @@ namespace {
 
 class HeadFinder {
  public:
-  explicit HeadFinder(const ulkRegExpState& state)
-      : state_(state), nodes_(state.nodes()), options_(constantOptions(state)) {}
+  HeadFinder(const ulkRegExpState& state, ConstantOptions options)
+      : state_(state), nodes_(state.nodes()), options_(options) {}
 
   int32_t end() const;
 
@@ -25,7 +25,7 @@ class HeadFinder {
 
   const ulkRegExpState& state_;
   const RxNode* const nodes_;
-  const std::optional<uint32_t> options_;
+  const ConstantOptions options_;
 };
 
 // Whether nothing can fail from the node on.
@@ -91,6 +91,8 @@ int32_t HeadFinder::end() const {
 
 }  // namespace
 
-void findHead(ulkRegExpState& state) { state.frames[0].start.headEnd = HeadFinder(state).end(); }
+void findHead(ulkRegExpState& state, ConstantOptions options) {
+  state.frames[0].start.headEnd = HeadFinder(state, options).end();
+}
 
 }  // namespace ulk

@@ -97,8 +97,7 @@ Part Builder::item(const RxNode& node, uint32_t options) {
   const int32_t at = add();
   if (at < 0) return kUnknown;
   addFirstBytes(node, options, automaton_.bytes[at]);
-  const bool isByte = codeOf(node) == RX_CHAR || codeOf(node) == RX_BYTE;
-  if (isByte || !hasHighBytes(automaton_.bytes[at])) return {bit(at), bit(at), false, false};
+  if (takesByte(node) || !hasHighBytes(automaton_.bytes[at])) return {bit(at), bit(at), false, false};
   const int32_t tail = add();
   if (tail < 0) return kUnknown;
   automaton_.bytes[tail] = kContinuations;
@@ -267,11 +266,12 @@ Part Builder::alternatives(int32_t first, int32_t end, int32_t serial, uint32_t 
   return whole;
 }
 
-// Whether each alternative of a group of unquantified items takes so many characters.
+// Whether each alternative of a group of unquantified items and assertions takes so many characters.
 bool Builder::hasWidth(int32_t open, int32_t width) const {
   const int32_t end = open + 1 + bodyLength(nodes_[open]);
   int64_t taken = 0;
   for (int32_t i = open + 1; i < end; i = nextNode(nodes_, i)) {
+    if (codeOf(nodes_[i]) == RX_ASSERT) continue;
     if (codeOf(nodes_[i]) != RX_ALT) {
       taken += codeOf(nodes_[i]) == RX_STRING ? stringLength(nodes_[i]) : 1;
     } else if (taken == width) {

@@ -1,5 +1,6 @@
 #include "regexp/analysis/rare_bytes.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace ulk {
@@ -13,6 +14,7 @@ constexpr int32_t kMaxDistance = 16;
 int32_t frequencyOf(uint8_t byte) {
   constexpr uint8_t kLetters[] = {60, 10, 25, 28, 90, 16, 14, 30, 55, 2,  6, 32, 20,
                                   55, 60, 18, 2,  50, 50, 65, 22, 8,  12, 3, 12, 2};
+  if (byte >= 0xC0) return 60;  // in a text of another script
   if (byte >= 0x80) return 10;
   if (byte >= 'a' && byte <= 'z') return kLetters[byte - 'a'];
   if (byte >= 'A' && byte <= 'Z') return 3;
@@ -59,9 +61,10 @@ int32_t onlyByteAt(const PositionAutomaton& automaton, PositionSet position) {
 
 }  // namespace
 
-bool findRequiredBytes(const PositionAutomaton& automaton, RequiredBytes& required) {
+RequiredBytes findRequiredBytes(const PositionAutomaton& automaton) {
   constexpr int32_t kRare = 10000;  // of a million places
-  int32_t least = kRare + 1;
+  RequiredBytes required{};
+  int32_t least = INT32_MAX;
   for (int32_t p = 0; p < automaton.count; ++p) {
     const PositionSet position = PositionSet{1} << p;
     const int32_t first = onlyByteAt(automaton, position);
@@ -70,10 +73,11 @@ bool findRequiredBytes(const PositionAutomaton& automaton, RequiredBytes& requir
     const int32_t frequency = frequencyOf(static_cast<uint8_t>(first)) *
                               (second < 0 ? 1000 : frequencyOf(static_cast<uint8_t>(second)));
     if (frequency >= least || canDoWithout(automaton, position)) continue;
-    required = {second < 0 ? 1 : 2, {static_cast<uint8_t>(first), static_cast<uint8_t>(second)}};
+    required = {
+        second < 0 ? 1 : 2, {static_cast<uint8_t>(first), static_cast<uint8_t>(second)}, frequency <= kRare};
     least = frequency;
   }
-  return least <= kRare;
+  return required;
 }
 
 bool findRarePair(const PositionAutomaton& automaton, RarePair& pair) {
@@ -81,8 +85,8 @@ bool findRarePair(const PositionAutomaton& automaton, RarePair& pair) {
   constexpr int32_t kNone = 1000;   // of a thousand
   int32_t first = kNone;
   int32_t second = kNone;
+  int32_t endsAt = kMaxDistance;
   PositionSet positions = automaton.first;
-  pair.mayEnd = false;
   for (int32_t at = 0; at < kMaxDistance; ++at) {
     const ByteSet256 bytes = bytesOf(automaton, positions);
     const int32_t frequency = frequencyOf(bytes);
@@ -101,7 +105,7 @@ bool findRarePair(const PositionAutomaton& automaton, RarePair& pair) {
         second = frequency;
       }
     }
-    if (positions & automaton.atEnd) pair.mayEnd = true;
+    if (positions & automaton.atEnd) endsAt = std::min(endsAt, at);
     if (positions & automaton.accepting) break;
     positions = followOf(automaton, positions);
   }
@@ -109,6 +113,7 @@ bool findRarePair(const PositionAutomaton& automaton, RarePair& pair) {
     pair.second = pair.first;
     pair.secondAt = pair.firstAt;
   }
+  pair.mayEnd = endsAt <= std::max(pair.firstAt, pair.secondAt);
   return first * second <= kRare;
 }
 

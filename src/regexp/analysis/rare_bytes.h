@@ -22,12 +22,13 @@ struct RarePair {
 // The rarest. False if it is not rare, or there is none.
 bool findRarePair(const PositionAutomaton& automaton, RarePair& pair);
 
-// One that stands anywhere in the match, or two of which one follows the other. False if there is none.
+// One that stands anywhere in the match, or two of which one follows the other: the rarest, or none.
 struct RequiredBytes {
   int32_t count;
   uint8_t bytes[2];
+  bool areRare;
 };
-bool findRequiredBytes(const PositionAutomaton& automaton, RequiredBytes& required);
+RequiredBytes findRequiredBytes(const PositionAutomaton& automaton);
 
 }  // namespace ulk
 

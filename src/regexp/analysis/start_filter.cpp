@@ -225,6 +225,7 @@ StartFilter filterFor(ulkRegExpState& state, bool hasFrames) {
   }
   filter.steps = items.steps;
   filter.placeSteps = items.boundarySteps;
+  filter.boundsSteps = items.boundsSteps;
   // One that is made leaves the options that it changes, which the next one sees unless it sets them first.
   const bool startsAlike = filter.options == state.options || nodes[0].code == RX_OPTIONS;
   filter.failsAtEnd = !items.atEnd && startsAlike;

@@ -216,8 +216,7 @@ WindowFinder::After WindowFinder::passItem(int32_t node, Way& way, uint32_t opti
   // A lazy repeat of these takes, and matches, more than they stand for.
   const bool isProperty = codeOf(item) >= RX_CODEPOINT;
   if (quantifier && quantifier->code == RX_REPEAT_LAZY && isProperty) return After::kEnd;
-  const bool oneByte =
-      codeOf(item) == RX_CHAR || codeOf(item) == RX_BYTE || (!isProperty && !hasHighBytes(set));
+  const bool oneByte = takesByte(item) || (!isProperty && !hasHighBytes(set));
   const int32_t least = quantifier ? minOf(*quantifier) : 1;
   if (oneByte) {
     for (int32_t i = 0; i < least && way.numPlaces < kMaxPlaces; ++i) addPlace(node, i == 0, set, way);

@@ -22,6 +22,12 @@ ULK_INLINE int32_t wordChange(const MatchContext& m, const uint8_t* at) {
   return wordValue(byteBefore(m, at)) ^ wordValue(*at);
 }
 
+ULK_INLINE bool isWordBoundary(const MatchContext& m, const uint8_t* at) {
+  const bool before = at != m.textStart && (m.byteSets[at[-1]] & kWord);
+  const bool after = m.byteSets[*at] & kWord;
+  return before != after;
+}
+
 ULK_INLINE bool assertionHolds(const MatchContext& m, const uint8_t* at, int32_t assertion) {
   const bool multiline = m.options & RX_OPT_MULTILINE;
   const bool atEnd = at == m.textEnd;
@@ -38,7 +44,7 @@ ULK_INLINE bool assertionHolds(const MatchContext& m, const uint8_t* at, int32_t
     case 'z':
       return atEnd;
     case 'b':
-      return wordChange(m, at) < 0;
+      return isWordBoundary(m, at);
     case 'B':
       return wordChange(m, at) >= -1;  // -1 is a boundary for both
     case kLeadingDotStar:
@@ -46,12 +52,6 @@ ULK_INLINE bool assertionHolds(const MatchContext& m, const uint8_t* at, int32_t
     default:
       return false;
   }
-}
-
-ULK_INLINE bool isWordBoundary(const MatchContext& m, const uint8_t* at) {
-  const bool before = at != m.textStart && (m.byteSets[at[-1]] & kWord);
-  const bool after = m.byteSets[*at] & kWord;
-  return before != after;
 }
 
 }  // namespace ulk

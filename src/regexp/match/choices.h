@@ -212,6 +212,8 @@ class Choices {
 
   // Whether there is room for all that another step or retry may leave.
   bool hasRoom() const { return top_ <= full_; }
+  // So many bytes may be left before that is to be asked again; fewer than none where there is no room.
+  ptrdiff_t room() const { return full_ - top_; }
   uint32_t used() const { return static_cast<uint32_t>(top_ - memory_); }
 
   ChoiceTag& tag() const { return *std::launder(reinterpret_cast<ChoiceTag*>(top_) - 1); }

@@ -18,6 +18,16 @@ ULK_INLINE const RxNode* openOf(const MatchContext& m, const RxNode* barOrOpen) 
                                       : barOrOpen;
 }
 
+// What a capturing group that is plain notes where its body begins and ends.
+ULK_INLINE void openCapture(const uint8_t* at, const RxNode* open, const MatchContext& m) {
+  frameOf(m, open).remainingAtIteration = m.remaining(at);
+  m.state->captures[captureNumber(*open)] = {at, 0};
+}
+ULK_INLINE void endCapture(const uint8_t* at, const RxNode* open, const MatchContext& m) {
+  const int32_t length = frameOf(m, open).remainingAtIteration - m.remaining(at);
+  m.state->captures[captureNumber(*open)] = {at - length, length};
+}
+
 // A slot as a choice remembers it.
 struct SavedSlot {
   int32_t at;

@@ -6,7 +6,10 @@
 // runs the body again. Each of the two steps leaves one choice that remembers the frame, the capture slot and
 // the options as the step found them: when everything the step can do has failed, all of them are put back,
 // so that the choices made before find the group as they left it.
+#include <algorithm>
+
 #include "regexp/match/group.h"
+#include "regexp/match/take.h"
 
 namespace ulk {
 
@@ -122,6 +125,62 @@ ULK_INLINE Outcome enterBody(const uint8_t* at, const RxNode* open, MatchContext
   return runAlternative(at, m, open, open + 1);
 }
 
+// The first alternative that no literal rules out, or the last one; those before it have been tried.
+ULK_INLINE const RxNode* passHopeless(const uint8_t* at, const RxNode* open, MatchContext& m) {
+  const RxNode* way = open;
+  const RxNode* bar = nextBar(*open);
+  for (; bar && !m.budget.isExhausted() && failsAtLiteral(m, way + 1, at); bar = nextBar(*bar)) {
+    m.budget.payStep();
+    m.surplus.clear();
+    m.setOptions(optionsBehind(*bar));
+    way = bar;
+  }
+  return way;
+}
+
+// Whether the first alternative is one character of a set.
+ULK_INLINE bool beginsWithSoleSet(const RxNode* open) {
+  const RxNode* const item = open + 1;
+  if (stepOf(*item) != Step::kSet && stepOf(*item) != Step::kShorthand) return false;
+  const RxNode* const next = afterItem(item);
+  return codeOf(*next) == RX_ALT || codeOf(*next) == RX_END;
+}
+
+// Runs the iterations of a group that its first alternative makes, each of one byte, as many as there are.
+// Each comes to two steps and leaves its choice, as any other does. Returns where they end.
+ULK_INLINE const uint8_t* iterateBytes(const uint8_t* at, const RxNode* open, MatchContext& m) {
+  GroupFrame& frame = frameOf(m, open);
+  const int32_t most = std::min({m.remaining(at), frame.maxLeft, m.budget.left() / 2,
+                                 static_cast<int32_t>(m.choices.room() / ptrdiff_t{sizeof(GroupChoice)})});
+  if (most <= 0) return at;
+  const RxNode& item = open[1];
+  const uint8_t* const end = stepOf(item) == Step::kSet ? behindBytes(at, at + most, *recordOf(item))
+                                                        : behindShorthand(m, item, at, at + most);
+  const int32_t index = m.indexOf(open);
+  for (const uint8_t* next = at; next != end; ++next) {
+    m.choices.tag() = {ChoiceKind::kAlternative, index};
+    m.choices.push<GroupChoice>() = {
+        {ChoiceKind::kLeft, index}, m.offsetOf(next + 1), true, frame.maxLeft, m.remaining(next), m.options};
+    --frame.maxLeft;
+    --frame.minLeft;
+  }
+  frame.remainingAtIteration = m.remaining(end);
+  m.budget.pay(2 * (end - at));
+  return end;
+}
+
+// Runs the body of a group that does not ask first whether to leave it.
+ULK_INLINE Outcome iterate(const uint8_t* at, const RxNode* open, const Group& group, MatchContext& m) {
+  if (codeOf(*open) == RX_COND) return enterConditional(at, open, m);
+  const RxNode* way = passHopeless(at, open, m);
+  if (way == open && beginsWithSoleSet(open) && codeOf(*open) == RX_GROUP && !group.lazy) {
+    at = iterateBytes(at, open, m);
+    if (frameOf(m, open).maxLeft < 1) return leave(at, group, m);
+    way = passHopeless(at, open, m);
+  }
+  return runAlternative(at, m, way, way + 1);
+}
+
 // Passes over a group that is to be matched no times.
 ULK_INLINE Outcome passOver(const uint8_t* at, const Group& group, MatchContext& m) {
   auto& choice = m.choices.push<OptionsChoice>();
@@ -146,7 +205,7 @@ ULK_STEP stepOpenGroup(const uint8_t* at, const RxNode* node, MatchContext& m) {
 
   if (CaptureSlot* const slot = slotOf(m, node)) *slot = {at, 0};
   setBodyOptions(m, node, m.options);
-  return enterBody(at, node, m);
+  return iterate(at, node, group, m);
 }
 
 // The body has reached the group's end.
@@ -169,7 +228,7 @@ ULK_STEP stepEndGroup(const uint8_t* at, const RxNode* node, MatchContext& m) {
     return leave(at, group, m);
   }
   setBodyOptions(m, open, m.options);
-  return enterBody(at, open, m);
+  return iterate(at, open, group, m);
 }
 
 // The end of an alternative: the group ends, in the same step.

@@ -48,14 +48,13 @@ class HeadRun {
     return !isCut_ && goOn(at, node);
   }
   ULK_INLINE bool setOptions();
-  ULK_INLINE bool openCapture();
-  ULK_INLINE bool endCapture();
   ULK_INLINE bool takeByte();
   ULK_INLINE bool takeString();
   ULK_INLINE bool takeShorthand();
   ULK_INLINE bool takeFromSet();
   ULK_INLINE bool takeItem();
   ULK_INLINE bool repeat(const RxNode* quantifier, Taken taken);
+  ULK_INLINE bool repeatItem(const RxNode* quantifier);
   template <class Behind>
   ULK_INLINE bool repeatAscii(const RxNode* quantifier, Behind behind);
 
@@ -70,18 +69,6 @@ class HeadRun {
 // They stay, also if the attempt fails.
 bool HeadRun::setOptions() {
   m_.setOptions(newOptions(*node_));
-  return goOn(at_, node_ + 1);
-}
-
-bool HeadRun::openCapture() {
-  m_.state->captures[captureNumber(*node_)] = {at_, 0};
-  frameOf(m_, node_).remainingAtIteration = m_.remaining(at_);
-  return goOn(at_, node_ + 1);
-}
-
-bool HeadRun::endCapture() {
-  CaptureSlot& slot = m_.state->captures[captureNumber(*linkedOpen(*node_))];
-  slot.length = static_cast<int32_t>(at_ - slot.start);
   return goOn(at_, node_ + 1);
 }
 
@@ -113,22 +100,28 @@ bool HeadRun::repeat(const RxNode* quantifier, Taken taken) {
   return goOnInText(taken.end, quantifier + 1);
 }
 
+bool HeadRun::repeatItem(const RxNode* quantifier) {
+  return repeat(quantifier, takeItems(m_, *node_, at_, mostItems(m_, *quantifier, at_)));
+}
+
 // Repeats an item that is mostly ASCII characters: `behind` tells where those end.
 template <class Behind>
 bool HeadRun::repeatAscii(const RxNode* quantifier, Behind behind) {
   const uint8_t* const end = at_ + std::min(maxOf(*quantifier), m_.remaining(at_));
   const uint8_t* const next = behind(end);
   if (next == end || *next < 0x80) return repeat(quantifier, {next, static_cast<int32_t>(next - at_)});
-  return repeat(quantifier, takeItems(m_, *node_, at_, mostItems(m_, *quantifier, at_)));
+  return repeatItem(quantifier);
 }
 
 // The step at the node.
 bool HeadRun::succeeds() {
   switch (stepOf(*node_)) {
     case Step::kOpenCapture:
-      return openCapture();
+      openCapture(at_, node_, m_);
+      return goOn(at_, node_ + 1);
     case Step::kEndCapture:
-      return endCapture();
+      endCapture(at_, linkedOpen(*node_), m_);
+      return goOn(at_, node_ + 1);
     case Step::kOpenPassed:
     case Step::kOpenPlain:
     case Step::kEndPlain:
@@ -142,10 +135,8 @@ bool HeadRun::succeeds() {
     case Step::kGreedySet:
       return repeatAscii(afterItem(node_),
                          [this](auto* end) { return behindBytes(at_, end, *recordOf(*node_)); });
-    case Step::kGreedyItem: {
-      const RxNode* const quantifier = afterItem(node_);
-      return repeat(quantifier, takeItems(m_, *node_, at_, mostItems(m_, *quantifier, at_)));
-    }
+    case Step::kGreedyItem:
+      return repeatItem(afterItem(node_));
     case Step::kOptions:
       return setOptions();
     case Step::kByte:

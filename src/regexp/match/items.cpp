@@ -16,11 +16,6 @@ int32_t charTypeLength(const RxNode& item, const uint8_t* at, uint32_t options) 
   return decodeUtf8(at).length;
 }
 
-int32_t classLength(const RxNode& item, const uint8_t* at, uint32_t options) {
-  const Utf8Char character = decodeUtf8(at);
-  return classAccepts(item, character, *at, options) ? character.length : kNoMatch;
-}
-
 int32_t backrefLength(const MatchContext& m, const RxNode& item, const uint8_t* at, uint32_t options) {
   const CaptureSlot& group = m.state->captures[referredCapture(item)];
   if (group.length < 0 || group.length > m.textEnd - at) return kNoMatch;
@@ -97,21 +92,15 @@ int32_t itemLength(const MatchContext& m, const RxNode& item, const uint8_t* at)
       return 1;
     case RX_BACKREF:
       return backrefLength(m, item, at, options);
-    case RX_CLASS:
-      return classLength(item, at, options);
     case RX_CHARTYPE:
       return charTypeLength(item, at, options);
     case RX_XSEQ:
       return sequenceLength(m, at);
     case RX_STRING:
       return lengthOfString(m, item, at, options);
-    case RX_CODEPOINT: {
-      const Utf8Char character = decodeUtf8(at);
-      return codePointAccepts(item, character.value, options) ? character.length : kNoMatch;
-    }
     default: {
       const Utf8Char character = decodeUtf8(at);
-      return propertyAccepts(item, character.value) ? character.length : kNoMatch;
+      return acceptsCharacter(item, character, *at, options) ? character.length : kNoMatch;
     }
   }
 }
@@ -130,14 +119,12 @@ Taken takeItems(const MatchContext& m, const RxNode& item, const uint8_t* at, in
                             : codeOf(item) == RX_CLASS ? classSet(item, options)
                                                        : nullptr;
   const auto behind = [set](const uint8_t* from, const uint8_t* end) { return behindBytes(from, end, *set); };
-  if (set && codeOf(item) == RX_CLASS)
-    return takeCharacters(m, at, most, behind, [&](Utf8Char character, uint8_t byte) {
-      return classAccepts(item, character, byte, options);
+  if (set) {
+    const CharacterTest test(item, options);
+    return takeCharacters(m, at, most, behind, [&test](Utf8Char character, uint8_t byte) {
+      return test.accepts(character, byte);
     });
-  if (set)
-    return takeCharacters(m, at, most, behind, [&](Utf8Char character, uint8_t) {
-      return propertyAccepts(item, character.value);
-    });
+  }
   int32_t count = 0;
   for (; count < most; ++count) {
     const int32_t length = itemLength(m, item, at);

@@ -36,25 +36,17 @@ ULK_INLINE Outcome enterCapture(const uint8_t* at, const RxNode* open, MatchCont
   const RxNode* const first = hopefulAlternative(m, at, open);
   if (first != open) m.surplus.clear();
   if (!first) return afterAll(at, open, m);
-  CaptureSlot& slot = m.state->captures[captureNumber(*open)];
-  GroupFrame& frame = frameOf(m, open);
-  const SavedSlot before = saved(m, slot);
+  const SavedSlot before = saved(m, m.state->captures[captureNumber(*open)]);
   auto& choice = push<PlainCaptureChoice>(m, ChoiceKind::kPlainCapture, at, first);
   choice.captureAt = before.at;
   choice.captureLength = before.length;
-  choice.remaining = frame.remainingAtIteration;
-  frame.remainingAtIteration = m.remaining(at);
-  slot = {at, 0};
+  choice.remaining = frameOf(m, open).remainingAtIteration;
+  openCapture(at, open, m);
   return goOnWithChoice(at, first + 1, m);
 }
 
 ULK_INLINE Outcome enter(const uint8_t* at, const RxNode* open, MatchContext& m) {
   return codeOf(*open) == RX_CAPTURE ? enterCapture(at, open, m) : enterPlain(at, open, m);
-}
-
-ULK_INLINE void setCapture(const uint8_t* at, const RxNode* open, MatchContext& m) {
-  const int32_t length = frameOf(m, open).remainingAtIteration - m.remaining(at);
-  m.state->captures[captureNumber(*open)] = {at - length, length};
 }
 
 }  // namespace
@@ -84,13 +76,13 @@ ULK_STEP stepEndPlain(const uint8_t* at, const RxNode* node, MatchContext& m) {
 }
 
 ULK_STEP stepEndCapture(const uint8_t* at, const RxNode* node, MatchContext& m) {
-  setCapture(at, linkedOpen(*node), m);
+  endCapture(at, linkedOpen(*node), m);
   return goOn(at, node + 1, m);
 }
 
 ULK_STEP stepEndQuantifiedPlain(const uint8_t* at, const RxNode* node, MatchContext& m) {
   const RxNode* const open = linkedOpen(*node);
-  if (codeOf(*open) == RX_CAPTURE) setCapture(at, open, m);
+  if (codeOf(*open) == RX_CAPTURE) endCapture(at, open, m);
   return goOn(at, node + 2, m);
 }
 

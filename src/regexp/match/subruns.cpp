@@ -5,6 +5,7 @@
 // alternative is run from the same place. A body that leaves no choices is matched in place, without a run.
 #include <algorithm>
 
+#include "regexp/match/assertions.h"
 #include "regexp/match/group.h"
 #include "regexp/text/utf8.h"
 
@@ -76,8 +77,9 @@ ULK_INLINE Outcome runLookaround(const uint8_t* at, const RxNode* node, MatchCon
   return goOnWithChoice(bodyAt, node + 1, m);
 }
 
-// As itemLength, but quick for what lookarounds mostly look for.
+// As itemLength, but quick for what lookarounds mostly look for, and 0 for an assertion that holds.
 ULK_INLINE int32_t lengthInPlace(const MatchContext& m, const RxNode* node, const uint8_t* at) {
+  if (codeOf(*node) == RX_ASSERT) return assertionHolds(m, at, assertionOf(*node)) ? 0 : kNoMatch;
   if (at >= m.textEnd) return kNoMatch;
   switch (stepOf(*node)) {
     case Step::kByte:
@@ -97,7 +99,7 @@ ULK_INLINE int32_t lengthInPlace(const MatchContext& m, const RxNode* node, cons
   return itemLength(m, *node, at);
 }
 
-// Whether a row of items matches, each of which is a step. A bar at its end is one as well.
+// Whether a row of items and assertions matches, each of which is a step. A bar at its end is one as well.
 bool itemsMatch(const uint8_t* at, const RxNode* node, MatchContext& m) {
   for (;;) {
     if (m.budget.isExhausted()) return false;

@@ -12,13 +12,7 @@ constexpr uint8_t kNoCharacter = 0x80;  // is no ASCII character
 
 using Bytes = Vec16<uint8_t>;
 
-template <class Accepts>
-ULK_INLINE const uint8_t* behindAccepted(const uint8_t* at, const uint8_t* end, Accepts accepts) {
-  while (at < end && *at < 0x80 && accepts(*at)) ++at;
-  return at;
-}
-
-// The same for bytes of a set, many at a time where there are as many: `accepts` tells of one.
+// As behindAccepted for bytes of a set, many at a time where there are as many: `accepts` tells of one.
 template <class Set, class Accepts>
 ULK_INLINE const uint8_t* behindMembers(const uint8_t* at, const uint8_t* end, const Set& set,
                                         Accepts accepts) {

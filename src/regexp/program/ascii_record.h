@@ -33,6 +33,11 @@ struct AsciiRecord {
   Set128 set;
   AsciiRanges ranges;  // not always there
 };
+// The record of a category goes on with the kinds of characters that it accepts, of which there are two
+// words.
+inline const uint32_t* kindsOf(const AsciiRecord& record) {
+  return reinterpret_cast<const uint32_t*>(&record + 1);
+}
 inline constexpr int32_t kRecordWords = kWordsPerSet + 1;
 static_assert(sizeof(AsciiRecord) == kRecordWords * sizeof(uint32_t));
 

@@ -55,6 +55,11 @@ void addShorthand(int32_t letter, uint32_t options, ByteSet256& set) {
 
 void addAllHighBytes(ByteSet256& set) { std::fill(set.words + 4, set.words + 8, ~0u); }
 
+void addLeads(uint64_t leads, ByteSet256& set) {
+  set.words[6] |= static_cast<uint32_t>(leads);
+  set.words[7] |= static_cast<uint32_t>(leads >> 32);
+}
+
 void addLeads(int32_t low, int32_t high, ByteSet256& set) {
   constexpr struct {
     int32_t last;  // code point that sequences of this length are for

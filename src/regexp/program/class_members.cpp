@@ -145,7 +145,7 @@ void ClassMembers::addShorthand(const RxNode& member) {
   ulk::addShorthand(letterOf(member), 0, set);
   const bool negated = memberNegation(member) != 0;
   const bool highBytes = inByteSet(0x80, byteSetOf(letterOf(member), 0)) != negated;
-  const Set128 ascii{{set.words[0], set.words[1], set.words[2], set.words[3]}};
+  const Set128 ascii = asciiOf(set);
   addInBoth(negated ? inverse(ascii) : ascii);
   if (highBytes) high = kAll128;
   anyMultibyte |= highBytes;

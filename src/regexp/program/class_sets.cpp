@@ -1,6 +1,7 @@
 #include "regexp/program/class_sets.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "regexp/program/class_members.h"
 
@@ -42,13 +43,6 @@ const uint32_t* partsOf(const RxNode& header) {
   return furtherSets(header)[ClassNote(header).numStored()].words;
 }
 
-bool inIntervals(int32_t codePoint, const Interval* first, int32_t count) {
-  const Interval* const end = first + count;
-  const Interval* const above =
-      std::upper_bound(first, end, codePoint, [](int32_t c, Interval interval) { return c < interval.low; });
-  return above != first && codePoint <= above[-1].high;
-}
-
 // ---- Answers of the members, without the negation of the class
 
 bool acceptHighByte(const RxNode& header, uint8_t byte, uint32_t options) {
@@ -80,8 +74,8 @@ bool partsAccept(const RxNode& header, ClassNote note, int32_t c, uint32_t optio
   if (!note.lists()) return false;
   const auto numPlain = static_cast<int32_t>(part[0]);
   const auto* const list = reinterpret_cast<const Interval*>(part + kListLengths);
-  if (!(options & RX_OPT_CASELESS)) return inIntervals(c, list, numPlain);
-  return inIntervals(foldCase(c), list + numPlain, static_cast<int32_t>(part[1]));
+  if (!(options & RX_OPT_CASELESS)) return inIntervals(c, {list, numPlain});
+  return inIntervals(foldCase(c), {list + numPlain, static_cast<int32_t>(part[1])});
 }
 
 bool acceptMultibyte(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options) {
@@ -96,14 +90,17 @@ bool acceptMultibyte(const RxNode& header, Utf8Char character, uint8_t byte, uin
   return note.hasParts() && partsAccept(header, note, c, options);
 }
 
-// The first bytes of the characters of several bytes that they accept, where lists alone tell those; false
-// where they do not.
-bool addListedLeads(const RxNode& header, uint32_t options, ByteSet256& set) {
+// The first bytes of the characters of several bytes that they accept; false where those are not known.
+bool addMultibyteLeads(const RxNode& header, uint32_t options, ByteSet256& set) {
   const ClassNote note(header);
-  if (note.anyMultibyte() || note.kinds() || note.scripts() || (options & RX_OPT_CASELESS)) return false;
+  if (note.anyMultibyte() || note.scripts() || (options & RX_OPT_CASELESS)) return false;
   if (note.numCharSets() > 0) addLeads(0x80, 0x1FF, set);
+  const uint32_t* part = partsOf(header);
+  if (note.kinds()) {
+    addLeads(leadsOfKinds(part[0] | uint64_t{part[1]} << 32), set);
+    part += kKindWords;
+  }
   if (!note.lists()) return true;
-  const uint32_t* const part = partsOf(header);
   const auto* const list = reinterpret_cast<const Interval*>(part + kListLengths);
   for (uint32_t i = 0; i < part[0]; ++i) addLeads(list[i].low, list[i].high, set);
   return true;
@@ -123,6 +120,29 @@ const Set128* otherClassSet(const RxNode& header) {
   if (!recordOf(header) || !note.otherAscii()) return firstSet(header);
   const uint32_t place = otherAsciiPlace(note);
   return place < note.numStored() ? furtherSets(header) + place : nullptr;
+}
+
+bool listsMultibyte(const RxNode& header, uint32_t options) {
+  const ClassNote note(header);
+  if (!recordOf(header) || note.anyMultibyte() || note.numCharSets() > 0) return false;
+  if (note.kinds() || note.scripts()) return false;
+  return !note.lists() || !(options & RX_OPT_CASELESS);
+}
+
+Intervals listedIntervals(const RxNode& header) {
+  if (!ClassNote(header).lists()) return {nullptr, 0};
+  const uint32_t* const part = partsOf(header);
+  return {reinterpret_cast<const Interval*>(part + kListLengths), static_cast<int32_t>(part[0])};
+}
+
+bool inIntervals(int32_t codePoint, Intervals intervals) {
+  constexpr int32_t kFew = 8;
+  const Interval* const end = intervals.first + intervals.count;
+  const auto isBehind = [codePoint](const Interval& interval) { return codePoint <= interval.high; };
+  const Interval* const found = intervals.count <= kFew
+                                    ? std::find_if(intervals.first, end, isBehind)
+                                    : std::partition_point(intervals.first, end, std::not_fn(isBehind));
+  return found != end && codePoint >= found->low;
 }
 
 bool walkAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options) {
@@ -157,7 +177,7 @@ void addClassBytes(const RxNode& header, uint32_t options, ByteSet256& set) {
   }
   const ClassNote note(header);
   if (!recordOf(header) || classNegation(header) != 0 || note.highBytes() == ClassNote::kAll ||
-      (mayAcceptMultibyte(header, options) && !addListedLeads(header, options, set))) {
+      (mayAcceptMultibyte(header, options) && !addMultibyteLeads(header, options, set))) {
     addAllHighBytes(set);
   } else if (note.highBytes() != ClassNote::kNone && isKept(note, highBytesPlace(note))) {
     for (int i = 0; i < kWordsPerSet; ++i)

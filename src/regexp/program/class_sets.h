@@ -28,6 +28,7 @@
 #include <cstdint>
 
 #include "regexp/program/ascii_record.h"
+#include "regexp/program/class_members.h"
 #include "regexp/program/program.h"
 #include "regexp/program/state.h"
 #include "regexp/text/set128.h"
@@ -109,6 +110,16 @@ inline const Set128* classSet(const RxNode& header, uint32_t options) {
 
 // Whether the class accepts a character; `byte` is its first byte.
 bool classAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options);
+
+// Whether intervals of code points tell which characters of several bytes the members accept, and nothing
+// else; then those.
+bool listsMultibyte(const RxNode& header, uint32_t options);
+struct Intervals {
+  const Interval* first;
+  int32_t count;
+};
+Intervals listedIntervals(const RxNode& header);
+bool inIntervals(int32_t codePoint, Intervals intervals);
 
 // The bytes that can begin a character that the class accepts.
 void addClassBytes(const RxNode& header, uint32_t options, ByteSet256& set);

@@ -180,6 +180,9 @@ inline int32_t nextNode(const RxNode* nodes, int32_t i) {
   return i + 1 + (codeOf(nodes[i]) == RX_CLASS ? memberCount(nodes[i]) : 0);
 }
 
+// Whether an item takes one byte, be it part of a character or not.
+inline bool takesByte(const RxNode& item) { return codeOf(item) == RX_CHAR || codeOf(item) == RX_BYTE; }
+
 // The index behind the item or closed group that begins at `i`: the place of its quantifier if it has one.
 inline int32_t nextItem(const RxNode* nodes, int32_t i) {
   return isGroupOpen(nodes[i]) ? i + bodyLength(nodes[i]) + 2 : nextNode(nodes, i);

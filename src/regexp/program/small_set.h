@@ -17,6 +17,9 @@ struct SmallSet {
   uint8_t bytes[4];
 };
 
+// Lists the bounds of a set of one or two ranges, the one twice; false for other sets.
+bool listRanges(const Set128& set, uint8_t (&bounds)[4]);
+
 // Describes a small set of bytes; false for others.
 bool describe(const ByteSet256& set, SmallSet& small);
 

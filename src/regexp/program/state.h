@@ -85,7 +85,8 @@ enum class StartKind : uint8_t {
 enum class WindowState : uint8_t { kUnknown, kNone, kFound };
 
 struct StartFilter {
-  Anchor anchor;
+  Anchor anchor : 4;
+  bool boundsSteps : 1;  // attempts elsewhere cost at most so many steps, which is not told exactly
   StartKind kind;
   uint8_t options;  // in force when an attempt begins, without which nothing is known, and when it has failed
   bool hasFrames : 1;   // the frames named below belong to no group

@@ -40,7 +40,7 @@ enum class Step : uint8_t {
   kRunBar,  // at top level, in lookarounds and atomic groups
   // Lookarounds and atomic groups
   kLookahead,
-  kLookaheadItems,  // whose alternatives are rows of items that are not quantified
+  kLookaheadItems,  // whose alternatives are rows of items and assertions that are not quantified
   kLookbehind,
   kLookbehindItems,
   kAtomic,

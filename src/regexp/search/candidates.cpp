@@ -18,6 +18,7 @@ int32_t Candidates::make(ulkRegExpState& state) {
   Candidates& made = *new (&state.frames[room.first]) Candidates;
   if (!made.automaton_.make(state)) return 0;
   made.bounds_.make(state);
+  made.required_ = findRequiredBytes(made.automaton_.positions());
   const bool hasPair = findRarePair(made.automaton_.positions(), made.pair_);
   // Where the pair is not, nothing goes on behind it.
   if (hasPair)
@@ -29,9 +30,10 @@ int32_t Candidates::make(ulkRegExpState& state) {
 
 // The way, or the next one that there is.
 void Candidates::choose(Way way) {
-  if (way == Way::kRequired && !findRequiredBytes(automaton_.positions(), required_)) way = Way::kBlocks;
+  if (way == Way::kRequired && !required_.areRare) way = Way::kBlocks;
   way_ = way;
   areEarly_ = isOpen_ = false;
+  hope_ = way == Way::kBlocks && required_.count > 0 ? 1 : 0;
   if (way != Way::kPair) bounds_.limitNoBytes();
   automaton_.restart(way == Way::kBlocks);
   blockBegin_ = blockEnd_ = nullptr;
@@ -94,10 +96,22 @@ bool Candidates::readBlock(const uint8_t* begin) {
 
 // ---- The required bytes. A match that begins before the next place of them, or there, has that place in it.
 
-bool Candidates::readToRequired(const uint8_t* begin) {
+ULK_INLINE int32_t Candidates::findRequired(const uint8_t* begin) const {
   const auto length = static_cast<int32_t>(textEnd_ - begin);
-  const int32_t found = required_.count == 1 ? findUnit(begin, length, required_.bytes[0])
-                                             : findSubstring(begin, length, required_.bytes, 2);
+  return required_.count == 1 ? findUnit(begin, length, required_.bytes[0])
+                              : findSubstring(begin, length, required_.bytes, 2);
+}
+
+bool Candidates::asksForRequired(const uint8_t* text) {
+  constexpr int32_t kMostHope = 16;
+  constexpr int32_t kWorth = 4;  // looks for nothing, each that finds them missing
+  const bool lacks = findRequired(text) < 0;
+  hope_ = lacks ? std::min(hope_ + kWorth, kMostHope) : hope_ - 1;
+  return lacks;
+}
+
+bool Candidates::readToRequired(const uint8_t* begin) {
+  const int32_t found = findRequired(begin);
   if (found < 0) return false;
   blockEnd_ = begin + found + 1;
   const uint8_t* const least = found < kBlock ? begin : blockEnd_ - kBlock;

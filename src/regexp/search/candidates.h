@@ -50,6 +50,9 @@ class Candidates {
   int32_t bytesBefore() const { return automaton_.positions().bytesBefore; }
   // The first candidate from `at` on, the text's end if there is none.
   const uint8_t* next(const uint8_t* at) { return way_ == Way::kPair ? nextPair(at) : nextInBlocks(at); }
+  // Whether there is none, as the text lacks a byte that every match has. Told only while that often is so,
+  // and where looking for candidates takes longer.
+  bool lacksRequired(const uint8_t* text) { return hope_ > 0 && asksForRequired(text); }
   // Candidates tell nothing any more: the automaton has too many states.
   bool givesUp() const { return automaton_.hasTooManyStates(); }
 
@@ -76,10 +79,13 @@ class Candidates {
     areEarly_ = found < early_;
     early_ = nullptr;
   }
+  bool asksForRequired(const uint8_t* text);
+  int32_t findRequired(const uint8_t* begin) const;
   bool readToRequired(const uint8_t* begin);
 
   Way way_;
   RequiredBytes required_;
+  int32_t hope_;  // that texts lack them
   RarePair pair_;
   BackwardAutomaton automaton_;
 

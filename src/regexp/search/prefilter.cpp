@@ -94,7 +94,8 @@ bool Prefilter::findsNone(ulkRegExpState& state, const uint8_t* text, const uint
   budget.start(state.matchLimit, false);
   note.foundNone = false;
   if (!candidates.begin(state, text, textEnd, budget)) return false;
-  note.foundNone = candidates.next(text) == textEnd && !candidates.givesUp();
+  note.foundNone =
+      candidates.lacksRequired(text) || (candidates.next(text) == textEnd && !candidates.givesUp());
   if (!note.foundNone) {
     candidates.keepOpen();
     return false;

@@ -5,6 +5,7 @@
 
 #include "kernels/find_any.h"
 #include "kernels/find_substring.h"
+#include "regexp/match/assertions.h"
 #include "regexp/search/attempt.h"
 #include "regexp/search/caseless_search.h"
 #include "regexp/search/small_set_vectors.h"
@@ -184,13 +185,25 @@ bool Starts::lacksLiterals(const uint8_t* at) const {
   return true;
 }
 
-// Whether the one item that a match begins with does not accept a character that its first byte may begin.
-// Not told where the text's end might cut the character, which an attempt need not read.
-bool Starts::lacksItem(const uint8_t* at) const {
+// Passes the characters of several bytes that the one item does not accept that a match begins with, as far
+// as the text's end does not cut them; false if there are none.
+bool Starts::passLackingItem(const uint8_t*& at) {
   if (*at < 0x80 || m_.textEnd - at < kLongestUtf8) return false;
-  if (filter().kind != StartKind::kSet && filter().kind != StartKind::kSmallSet) return false;
-  if (filter().item < 0) return false;
-  return itemLength(m_, m_.nodes()[filter().item], at) == kNoMatch;
+  const StartKind kind = filter().kind;
+  if (kind != StartKind::kSet && kind != StartKind::kSmallSet && kind != StartKind::kByte) return false;
+  if (filter().item < 0 || m_.state->format != kFormatUtf8) return false;
+  const RxNode& item = m_.nodes()[filter().item];
+  const CharacterTest test(item, m_.options);
+  const uint8_t* const end = std::min(strideFrom(at), m_.textEnd - kLongestUtf8 + 1);
+  int32_t count = 0;
+  for (; at < end && *at >= 0x80; ++count) {
+    const Utf8Char character = decodeMultibyte(at);
+    if (test.accepts(character, *at)) break;
+    at += character.length;
+  }
+  pay(count * int64_t{filter().steps});
+  prefilter_.addWork(count);
+  return count > 0;
 }
 
 // For expressions that begin with a repeat, while attempts fail. In "123 45x", an
@@ -200,18 +213,19 @@ bool Starts::lacksItem(const uint8_t* at) const {
 // is, so are those in the rest of the run: pays for all of them with their tries, and returns the position
 // behind. Else returns `at`, and notes up to where attempts have such a place.
 const uint8_t* Starts::passRun(const uint8_t* at) {
-  constexpr int64_t kPlenty = 1 << 17;  // the sum of the tries of so many attempts exhausts every budget
-  const Follow follow = followOf(m_, runQuantifier(), m_.options);
+  const RxNode& quantifier = runQuantifier();
+  const Follow follow = followOf(m_, quantifier, m_.options);
   if (at >= runEnd_) {
     runEnd_ = at;
     while (runEnd_ < m_.textEnd && *runEnd_ < 0x80 && set().contains(*runEnd_)) ++runEnd_;
     prefilter_.addWork(static_cast<int32_t>(runEnd_ - at) / kBytesPerWork);
   }
   const uint8_t* const end = attemptsEnd_ = std::min(runEnd_, m_.textEnd);
-  if (end == at || (end < m_.textEnd && set().contains(*end))) return at;
+  if (end < m_.textEnd && set().contains(*end)) return passRunOfCharacters(at, quantifier, follow);
+  if (end == at) return at;
 
-  const int32_t least = minOf(runQuantifier());
-  if (maxOf(runQuantifier()) != kUnbounded) return passBounded(at, end, follow);
+  const int32_t least = minOf(quantifier);
+  if (maxOf(quantifier) != kUnbounded) return passBounded(at, end, quantifier, follow);
   const uint8_t* last = end;
   if (follow.note.disjoint()) {
     if (!follow.admits(m_, last)) last = at;
@@ -222,20 +236,42 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
     attemptsEnd_ = last - least + 1;
     return at;
   }
-  const int64_t tries = std::clamp<int64_t>(end - at - least + 1, 0, kPlenty);
-  pay((end - at) * int64_t{filter().steps} + tries * (tries + 1) / 2 * follow.note.steps());
+  payForRun(end - at, least, follow);
   return end;
 }
 
+// Pays for the attempts in a run of so many items, each with its tries behind every item that it need not
+// have.
+void Starts::payForRun(int64_t items, int32_t least, const Follow& follow) {
+  constexpr int64_t kPlenty = 1 << 17;  // the sum of the tries of so many attempts exhausts every budget
+  const int64_t tries = std::clamp<int64_t>(items - least + 1, 0, kPlenty);
+  pay(items * filter().steps + tries * (tries + 1) / 2 * follow.note.steps());
+}
+
+// As passRun where the run goes on with characters of several bytes, which are looked at one by one.
+const uint8_t* Starts::passRunOfCharacters(const uint8_t* at, const RxNode& quantifier,
+                                           const Follow& follow) {
+  const RxNode& item = m_.nodes()[filter().item];
+  if (m_.state->format != kFormatUtf8 || takesByte(item)) return at;
+  if (!follow.note.disjoint() || maxOf(quantifier) != kUnbounded) return at;
+  const Taken run = takeItems(m_, item, at, m_.remaining(at));
+  prefilter_.addWork(static_cast<int32_t>(run.end - at) / kBytesPerWork);
+  attemptsEnd_ = run.end;
+  if (run.count == 0 || run.end > m_.textEnd || follow.admits(m_, run.end)) return at;
+  payForRun(run.count, minOf(quantifier), follow);
+  return run.end;
+}
+
 // As passRun, one attempt after the other, for a repeat with a bound.
-const uint8_t* Starts::passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow) {
-  const int32_t least = minOf(runQuantifier());
+const uint8_t* Starts::passBounded(const uint8_t* at, const uint8_t* end, const RxNode& quantifier,
+                                   const Follow& follow) {
+  const int32_t least = minOf(quantifier);
   // Where none of the items may follow the repeat, only the run's end is a place to go on from.
   const bool onlyAtEnd = follow.note.disjoint();
   const bool admitsEnd = follow.admits(m_, end);
   int64_t steps = 0;
   while (at < end && m_.budget.suffices(steps)) {
-    const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(maxOf(runQuantifier()), end - at));
+    const auto most = static_cast<int32_t>(std::min<ptrdiff_t>(maxOf(quantifier), end - at));
     bool hopeless = true;
     if (onlyAtEnd) {
       hopeless = !admitsEnd || most < end - at || most < least;
@@ -310,7 +346,8 @@ const uint8_t* Starts::skip(const uint8_t* at) {
   while (at < m_.textEnd && !m_.budget.isExhausted()) {
     if (prefilter_.use(at)) return prefilter_.next(at);
     if (!passFiltered(at, strideFrom(at))) continue;
-    if ((filter().literals && lacksLiterals(at)) || (lastFailed_ && lacksItem(at))) {
+    if (lastFailed_ && passLackingItem(at)) continue;
+    if (filter().literals && lacksLiterals(at)) {
       pay(filter().steps);
       at = characterAfter(at);
     } else if (knowsLines() && !set().contains(*at)) {
@@ -330,9 +367,7 @@ const uint8_t* Starts::skip(const uint8_t* at) {
 
 // What an attempt costs at the text's end, whether there is a word boundary or not.
 int32_t Starts::stepsAtLastBoundary() const {
-  const uint8_t* const end = m_.textEnd;
-  const bool inWord = end != m_.textStart && inByteSet(end[-1], kWord);
-  return inWord != inByteSet(*end, kWord) ? filter().steps : filter().placeSteps;
+  return isWordBoundary(m_, m_.textEnd) ? filter().steps : filter().placeSteps;
 }
 
 // The next line start, of which those far away are looked for that have a byte of the set; pays for those

@@ -25,7 +25,7 @@ class Starts {
   const uint8_t* next(const uint8_t* at) {
     if (prefilter_.use(at)) {
       at = prefilter_.next(at);
-    } else if (at >= attemptsEnd_ && filter().kind != StartKind::kAny && knowsOptions()) {
+    } else if (at >= attemptsEnd_ && filter().kind != StartKind::kAny && knowsOptions() && knowsSteps()) {
       at = skip(at);
     }
     if (at == m_.textEnd && knowsEnd()) {
@@ -65,8 +65,10 @@ class Starts {
   const StartPair& pair() const { return m_.state->frames[kStartPairFrame].pair; }
   const RxNode& runQuantifier() const { return *afterItem(m_.nodes() + filter().item); }
   bool knowsOptions() const { return (filter().options & kMatcherOptions) == m_.options; }
+  bool knowsSteps() const { return !filter().boundsSteps || !m_.budget.paysExactly(); }
   bool knowsEnd() const {
-    return filter().failsAtEnd && (knowsOptions() || m_.options == (m_.state->options & kMatcherOptions));
+    return filter().failsAtEnd && knowsSteps() &&
+           (knowsOptions() || m_.options == (m_.state->options & kMatcherOptions));
   }
   // Whether the set tells at which anchored places an attempt is needed.
   bool knowsLines() const {
@@ -80,10 +82,13 @@ class Starts {
   const uint8_t* asciiEnd(const uint8_t* at);
   int32_t passCharacters(const uint8_t*& at, const uint8_t* end);
   bool lacksLiterals(const uint8_t* at) const;
-  bool lacksItem(const uint8_t* at) const;
+  bool passLackingItem(const uint8_t*& at);
   bool passFiltered(const uint8_t*& at, const uint8_t* end);
   const uint8_t* passRun(const uint8_t* at);
-  const uint8_t* passBounded(const uint8_t* at, const uint8_t* end, const Follow& follow);
+  const uint8_t* passBounded(const uint8_t* at, const uint8_t* end, const RxNode& quantifier,
+                             const Follow& follow);
+  void payForRun(int64_t items, int32_t least, const Follow& follow);
+  const uint8_t* passRunOfCharacters(const uint8_t* at, const RxNode& quantifier, const Follow& follow);
   const uint8_t* nextLine(const uint8_t* at);
   const uint8_t* passOutsideSet(const uint8_t* at, const uint8_t* end);
   const uint8_t* passNonBoundaries(const uint8_t* at, const uint8_t* end);
@@ -92,7 +97,7 @@ class Starts {
   Place findBoundary(const uint8_t* text, int32_t length) const;
   Place findPlace(const uint8_t* text, int32_t length) const;
   const uint8_t* payForAll(const uint8_t* at, const uint8_t* end);
-  void pay(int64_t steps) { m_.budget.pay(steps); }
+  void pay(int64_t steps) { filter().boundsSteps ? m_.budget.payBound(steps) : m_.budget.pay(steps); }
   ptrdiff_t stride() const { return m_.textEnd - m_.textStart <= kLeastStride ? kLeastStride : longStride(); }
   ptrdiff_t longStride() const;
   const uint8_t* strideFrom(const uint8_t* at) const {
