@@ -533,6 +533,7 @@ GeneratedSearch generateSearch(Choices& choices, const GeneratedExpression& expr
   if (choices.oneIn(3)) search.capacity = 1 + static_cast<int32_t>(choices.few(12));
   search.replace = choices.oneIn(4);
   search.earlier = static_cast<Earlier>(choices.below(6));
+  search.glances = choices.oneIn(2);
   search.limitShare = static_cast<int32_t>(choices.below(256));
   return search;
 }

@@ -107,11 +107,12 @@ Outcome Comparison::reference(const GeneratedSearch& search, int32_t limit) {
           found_.records};
 }
 
-void Comparison::leaveNote(Earlier earlier) {
+void Comparison::leaveNote(Earlier earlier, bool glances) {
   constexpr int32_t kMuch = 1 << 20;
   if (!ulk::startFilterOf(*state()).hasFrames) return;
   ulk::PrefilterNote& note = state()->frames[ulk::kPrefilterFrame].prefilter;
   note = ulk::kNewPrefilterNote;
+  if (!glances) note.hope = INT8_MIN;
   if (earlier == Earlier::kNothing) return;
   note.look = kMuch;
   note.workLeft = 0;
@@ -121,7 +122,6 @@ void Comparison::leaveNote(Earlier earlier) {
   if (earlier == Earlier::kInVainWithoutPair || ulk::startFilterOf(*state()).anchor != ulk::Anchor::kNone)
     return;
   note.use = ulk::PrefilterUse::kOn;
-  note.foundNone = true;
   note.workLeft = kMuch;
 }
 
@@ -131,7 +131,7 @@ Outcome Comparison::library(const GeneratedSearch& search, int32_t limit) {
   std::memcpy(text, textAndBehind_.data(), textAndBehind_.size());
   ulksRegExpSetMatchLimit(limit, state());
   ulksRegExpSetFormat(search.format, state());
-  leaveNote(search.earlier);
+  leaveNote(search.earlier, search.glances);
   const auto length = static_cast<int32_t>(search.text.size());
   const auto find = [&](ulkRegExpFind* records, int32_t* count) -> ulkStatus {
     // The number of records to be used stands for the status, which no one looks at.

@@ -34,7 +34,7 @@ class Comparison {
 
  private:
   Outcome reference(const GeneratedSearch& search, int32_t limit);
-  void leaveNote(Earlier earlier);
+  void leaveNote(Earlier earlier, bool glances);
   Outcome library(const GeneratedSearch& search, int32_t limit);
   std::string row(const GeneratedSearch& search, int32_t limit) const;
   ulkRegExpState* state() { return reinterpret_cast<ulkRegExpState*>(state_.data()); }

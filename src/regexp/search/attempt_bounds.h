@@ -5,6 +5,7 @@
 // the runs are measured, and where that does not do, the attempts counted that may not fail at once.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -25,9 +26,9 @@ class AttemptBounds {
 
   bool areKnown() const { return attempt_ < kNoBound || few_ < kNoBound; }
   // The bound for all attempts in [text, end). Where it is above the limit it may be too large.
-  int64_t ofAll(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end, int32_t limit) {
-    const bool isShort = end - text <= kShortText;
-    return isShort && shortSearch_ <= limit ? shortSearch_ : boundAll(state, text, end, limit);
+  int32_t ofAll(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end, int32_t limit) {
+    if (end - text <= kShortText && shortSearch_ <= limit) return shortSearch_;
+    return static_cast<int32_t>(std::min<int64_t>(boundAll(state, text, end, limit), INT32_MAX));
   }
 
  private:

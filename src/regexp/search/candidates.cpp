@@ -33,7 +33,7 @@ void Candidates::choose(Way way) {
   if (way == Way::kRequired && !required_.areRare) way = Way::kBlocks;
   way_ = way;
   areEarly_ = isOpen_ = false;
-  hope_ = way == Way::kBlocks && required_.count > 0 ? 1 : 0;
+  hope_ = way == Way::kBlocks && required_.count > 0 ? 4 : 0;
   if (way != Way::kPair) bounds_.limitNoBytes();
   automaton_.restart(way == Way::kBlocks);
   blockBegin_ = blockEnd_ = nullptr;

@@ -3,6 +3,7 @@
 // little behind the end of each.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "regexp/analysis/rare_bytes.h"
@@ -32,7 +33,7 @@ class Candidates {
     isOpen_ = false;
     // What remains of the budget has to do for the attempts that are made.
     const int32_t limit = budget.left() - budget.left() / 4;
-    const int64_t bound = bounds_.ofAll(state, text, textEnd, limit);
+    const int32_t bound = bounds_.ofAll(state, text, textEnd, limit);
     if (bound > limit) return false;
     budget.payBound(bound);
     return true;
@@ -50,6 +51,14 @@ class Candidates {
   int32_t bytesBefore() const { return automaton_.positions().bytesBefore; }
   // The first candidate from `at` on, the text's end if there is none.
   const uint8_t* next(const uint8_t* at) { return way_ == Way::kPair ? nextPair(at) : nextInBlocks(at); }
+  // The first place from `at` on where a match may begin, the text's end if there is none. What candidates
+  // are told by may begin before it, but not before the text.
+  const uint8_t* nextPlace(const uint8_t* at, const uint8_t* text) {
+    const ptrdiff_t before = bytesBefore();
+    if (before == 0) return next(at);
+    const uint8_t* const found = next(at - std::min(before, at - text));
+    return std::max(at, before < textEnd_ - found ? found + before : textEnd_);
+  }
   // Whether there is none, as the text lacks a byte that every match has. Told only while that often is so,
   // and where looking for candidates takes longer.
   bool lacksRequired(const uint8_t* text) { return hope_ > 0 && asksForRequired(text); }

@@ -48,7 +48,9 @@ bool Prefilter::decide(const uint8_t* at) {
 // Begins to count anew.
 void Prefilter::forget(PrefilterNote& note, PrefilterUse use) {
   const int32_t least = kLeastPrefilterWork * (use == PrefilterUse::kOn ? kPatience : 1);
-  note = {use, note.foundNone, note.frame, least, least, 0};
+  note.use = use;
+  note.look = note.workLeft = least;
+  note.bytes = 0;
 }
 
 void Prefilter::forgetMany(PrefilterNote& note) {
@@ -78,41 +80,15 @@ void Prefilter::turnOn(const uint8_t* at) {
   workLeft_ = note().workLeft;
 }
 
-// What candidates are told by may begin before the match does.
-ULK_INLINE const uint8_t* Prefilter::candidateFrom(const uint8_t* at) const {
-  const ptrdiff_t before = candidates_->bytesBefore();
-  const uint8_t* const found = candidates_->next(at - std::min(before, at - m_.textStart));
-  return std::max(at, before < m_.textEnd - found ? found + before : m_.textEnd);
-}
-
-bool Prefilter::findsNone(ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd) {
-  constexpr ptrdiff_t kShort = 256;  // where a search costs more than looking twice
-  PrefilterNote& note = state.frames[kPrefilterFrame].prefilter;
-  if (!startFilterOf(state).failsAtEnd || text == textEnd || textEnd - text > kShort) return false;
-  Candidates& candidates = *Candidates::in(state, note.frame);
-  StepBudget budget;
-  budget.start(state.matchLimit, false);
-  note.foundNone = false;
-  if (!candidates.begin(state, text, textEnd, budget)) return false;
-  note.foundNone =
-      candidates.lacksRequired(text) || (candidates.next(text) == textEnd && !candidates.givesUp());
-  if (!note.foundNone) {
-    candidates.keepOpen();
-    return false;
-  }
-  addBytes(note, textEnd - text);
-  return true;
-}
-
 const uint8_t* Prefilter::next(const uint8_t* at) {
   if (m_.nonEmpty) return at;  // what is searched then ends behind the next byte
-  const uint8_t* candidate = candidateFrom(at);
+  const uint8_t* candidate = candidates_->nextPlace(at, m_.textStart);
   if (m_.state->format == kFormatUtf8) {
     const uint8_t* start;
-    while ((start = characterFrom(candidate, at)) != candidate) candidate = candidateFrom(start);
+    while ((start = characterFrom(candidate, at)) != candidate)
+      candidate = candidates_->nextPlace(start, m_.textStart);
   }
   if (candidates_->givesUp()) turnOff(PrefilterUse::kUseless);
-  note().foundNone = at == m_.textStart && candidate >= m_.textEnd;
   return candidate;
 }
 

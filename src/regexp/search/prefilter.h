@@ -24,13 +24,6 @@ class Prefilter {
  public:
   explicit Prefilter(MatchContext& m) : m_(m) {}
 
-  // Whether a text has no candidate, so that it need not be searched. Looks only if that is likely.
-  static bool rejects(ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd) {
-    const PrefilterNote& note = state.frames[kPrefilterFrame].prefilter;
-    return startFilterOf(state).candidates && note.foundNone && note.use == PrefilterUse::kOn &&
-           findsNone(state, text, textEnd);
-  }
-
   // A search begins at the start of the text,
   void begin() {
     isOn_ = counts_ = false;
@@ -53,33 +46,43 @@ class Prefilter {
   void addWork(int32_t work) {
     workLeft_ = static_cast<int32_t>(static_cast<uint32_t>(workLeft_) - static_cast<uint32_t>(work));
   }
+  // The work of an attempt that has failed after so many steps.
+  static int32_t workOfAttempt(uint32_t steps) {
+    return kWorkPerAttempt + static_cast<int32_t>(steps / kStepsPerWork);
+  }
+  // That of looking at so many bytes one by one,
+  static int32_t workOfBytes(ptrdiff_t bytes) { return static_cast<int32_t>(bytes) / 4; }
+  // and many at a time.
+  static int32_t workOfScan(ptrdiff_t bytes) { return static_cast<int32_t>(bytes) / 64; }
   // Whether candidates are to be used from this place on.
   bool use(const uint8_t* at) { return workLeft_ > 0 ? isOn_ : decide(at); }
+
+  // So many bytes have been searched.
+  static void addBytes(PrefilterNote& note, ptrdiff_t bytes) {
+    note.bytes += static_cast<int32_t>(std::min(bytes, kMostBytes));
+    if (note.bytes >= kManyBytes) forgetMany(note);
+  }
 
   // The first candidate from `at` on, at most the text's end or behind a character that it cuts.
   const uint8_t* next(const uint8_t* at);
 
  private:
-  static bool findsNone(ulkRegExpState& state, const uint8_t* text, const uint8_t* textEnd);
   PrefilterNote& note() { return m_.state->frames[kPrefilterFrame].prefilter; }
   const PrefilterNote& note() const { return m_.state->frames[kPrefilterFrame].prefilter; }
-  ULK_INLINE const uint8_t* candidateFrom(const uint8_t* at) const;
   // What the automaton has to read until the search has come to this place.
   ptrdiff_t bytesInBlocks(const uint8_t* at) const {
     return std::min<ptrdiff_t>(at - since_ + Candidates::kBlock, m_.textEnd - since_);
   }
   bool takesLess(const uint8_t* at, int64_t work) const;
   void make();
-  static void addBytes(PrefilterNote& note, ptrdiff_t bytes) {
-    note.bytes += static_cast<int32_t>(std::min(bytes, kMostBytes));
-    if (note.bytes >= kManyBytes) forgetMany(note);
-  }
   static void forgetMany(PrefilterNote& note);
   static void forget(PrefilterNote& note, PrefilterUse use);
   bool decide(const uint8_t* at);
   void turnOn(const uint8_t* at);
   void turnOff(PrefilterUse use);
 
+  static constexpr int32_t kWorkPerAttempt = 4;
+  static constexpr uint32_t kStepsPerWork = 2;
   // More than is ever added before `use` is asked again: no attempt has more steps, nor a text more bytes.
   static constexpr int32_t kPlenty = 1 << 30;
   static constexpr ptrdiff_t kManyBytes = 1 << 17;  // after which texts may have become others,

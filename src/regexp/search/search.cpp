@@ -5,6 +5,7 @@
 
 #include "kernels/find_substring.h"
 #include "kernels/find_unit.h"
+#include "regexp/analysis/step_bound.h"
 #include "regexp/search/attempt.h"
 #include "regexp/search/caseless_search.h"
 #include "regexp/search/starts.h"
@@ -158,6 +159,12 @@ ulkStatus Search::find(ulkRegExpFind* records, int32_t* numRecords, bool wholeMa
 ulkStatus searchText(ulkRegExpState& state, const uint8_t* text, const uint8_t* end, ulkRegExpFind* records,
                      int32_t* numRecords) {
   return Search(state, text, end).find(records, numRecords, false);
+}
+
+int32_t stepsInEmptyText(ulkRegExpState& state) {
+  int32_t& steps = state.frames[kPrefilterFrame].prefilter.stepsInEmpty;
+  if (steps == 0) steps = static_cast<int32_t>(shortAttemptBound(state, 0));
+  return steps;
 }
 
 int32_t rxFindForReplace(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState,

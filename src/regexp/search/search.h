@@ -9,7 +9,7 @@
 #include <cstdint>
 
 #include "regexp/search/attempt.h"
-#include "regexp/search/prefilter.h"
+#include "regexp/search/glance.h"
 #include "ulkch.h"
 
 #pragma GCC visibility push(hidden)
@@ -20,13 +20,18 @@ namespace ulk {
 ulkStatus searchText(ulkRegExpState& state, const uint8_t* text, const uint8_t* end, ulkRegExpFind* records,
                      int32_t* numRecords);
 
+// A bound for the steps of an attempt in an empty text, for states whose frames are free.
+int32_t stepsInEmptyText(ulkRegExpState& state);
+
 // Whether a search of an empty text is known to find nothing, within the limit.
-inline bool failsInEmptyText(const ulkRegExpState& state) {
+inline bool failsInEmptyText(ulkRegExpState& state) {
   const StartFilter& filter = startFilterOf(state);
-  return filter.failsAtEnd && state.matchLimit >= std::max(filter.steps, filter.placeSteps);
+  if (filter.failsAtEnd) return state.matchLimit >= std::max(filter.steps, filter.placeSteps);
+  return state.trailingLiteral >= 0 && state.trailingLiteral == state.numNodes - 1 && filter.firstBar < 0 &&
+         filter.hasFrames && stepsInEmptyText(state) < state.matchLimit;
 }
 
-// ulksRegExpFind_8u, checks included. Texts in which a glance finds nothing are not searched.
+// ulksRegExpFind_8u, checks included. Where a glance decides, no search is set up.
 inline ulkStatus rxFind(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRegExpState,
                         ulkRegExpFind* pFind, int32_t* pNumFind) {
   if (!pSrc || !pRegExpState || !pFind) return ulkErrNullPtr;
@@ -34,10 +39,11 @@ inline ulkStatus rxFind(const uint8_t* pSrc, int32_t srcLen, ulkRegExpState* pRe
   if (*pNumFind < 1) return ulkErrSize;
   if (pRegExpState->magic != kStateMagic) return ulkErrInvalidState;
   const uint8_t* const end = pSrc + cutAtTrailingLiteral(*pRegExpState, pSrc, srcLen);
-  if (end == pSrc ? failsInEmptyText(*pRegExpState) : Prefilter::rejects(*pRegExpState, pSrc, end)) {
+  if (end == pSrc && failsInEmptyText(*pRegExpState)) {
     *pNumFind = 0;
     return ulkOk;
   }
+  if (end != pSrc && decidesAtAGlance(*pRegExpState, pSrc, end, pFind, pNumFind)) return ulkOk;
   return searchText(*pRegExpState, pSrc, end, pFind, pNumFind);
 }
 

@@ -16,14 +16,6 @@ namespace ulk {
 
 namespace {
 
-// The first byte in [at, end) that is in the set. A function of its own, which keeps all it needs in
-// registers.
-__attribute__((noinline)) ULK_IN_REGISTERS const uint8_t* passOutside(const uint8_t* at, const uint8_t* end,
-                                                                      const ByteSet256& set) {
-  while (at < end && !set.contains(*at)) ++at;
-  return at;
-}
-
 // How many bytes at the start are below 0x80.
 size_t asciiPrefix(const uint8_t* text, size_t length) {
   size_t i = 0;
@@ -87,37 +79,11 @@ const uint8_t* Starts::payForAll(const uint8_t* at, const uint8_t* end) {
 // The first place in the first `length` bytes where a match may begin, or `length`. A string may reach beyond
 // them.
 int32_t Starts::find(const uint8_t* at, int32_t length) const {
-  int32_t found = -1;
-  switch (filter().kind) {
-    case StartKind::kByte:
-      found = findUnit(at, length, filter().small.bytes[0]);
-      break;
-    case StartKind::kSmallSet:
-      found = withSmallSet(filter().small, [=](auto set) {
-        SetProbe<decltype(set)> probe{at, set};
-        return scan<Forward>(at, static_cast<size_t>(length), probe);
-      });
-      break;
-    case StartKind::kString:
-    case StartKind::kCaselessString: {
-      const RxNode& literal = m_.nodes()[filter().item];
-      const auto behind = static_cast<int32_t>(m_.textEnd - at) - length;
-      const int32_t reach = length + std::min(stringLength(literal) - 1, behind);
-      found = filter().kind == StartKind::kString
-                  ? findSubstring(at, reach, stringOf(literal), stringLength(literal))
-                  : findCaseless(at, reach, stringOf(literal), stringLength(literal));
-      break;
-    }
-    case StartKind::kLineStart:
-      if (at == m_.textStart || at[-1] == '\n') return 0;
-      found = findUnit(at, length, static_cast<uint8_t>('\n'));
-      return found < 0 ? length : found + 1;
-    case StartKind::kTextStart:
-      return at == m_.textStart ? 0 : length;
-    default:
-      return 0;
-  }
-  return found < 0 ? length : found;
+  if (filter().kind == StartKind::kTextStart) return at == m_.textStart ? 0 : length;
+  if (filter().kind != StartKind::kLineStart) return findStart(*m_.state, at, length, m_.textEnd);
+  if (at == m_.textStart || at[-1] == '\n') return 0;
+  const int32_t found = findUnit(at, length, static_cast<uint8_t>('\n'));
+  return found < 0 ? length : found + 1;
 }
 
 // The first position in [at, end) with a byte of the set, the next one from `end` on if there is none. Pays
@@ -126,7 +92,7 @@ const uint8_t* Starts::passOutsideSet(const uint8_t* at, const uint8_t* end) {
   const uint8_t* found;
   do {
     found = passOutside(at, end, set());
-    prefilter_.addWork(static_cast<int32_t>(found - at) / kBytesPerWork);
+    prefilter_.addWork(Prefilter::workOfBytes(found - at));
     at = payForAll(at, found);
   } while (at != found && at < end);
   return at;
@@ -155,7 +121,7 @@ const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) 
       starts += place.at;
       boundaries += place.singles;
       at += place.at;
-      prefilter_.addWork(place.at / kBytesPerWorkOfScan);
+      prefilter_.addWork(Prefilter::workOfScan(place.at));
       if (place.found) break;
       inWord = inByteSet(at[-1], kWord);
     }
@@ -218,7 +184,7 @@ const uint8_t* Starts::passRun(const uint8_t* at) {
   if (at >= runEnd_) {
     runEnd_ = at;
     while (runEnd_ < m_.textEnd && *runEnd_ < 0x80 && set().contains(*runEnd_)) ++runEnd_;
-    prefilter_.addWork(static_cast<int32_t>(runEnd_ - at) / kBytesPerWork);
+    prefilter_.addWork(Prefilter::workOfBytes(runEnd_ - at));
   }
   const uint8_t* const end = attemptsEnd_ = std::min(runEnd_, m_.textEnd);
   if (end < m_.textEnd && set().contains(*end)) return passRunOfCharacters(at, quantifier, follow);
@@ -255,7 +221,7 @@ const uint8_t* Starts::passRunOfCharacters(const uint8_t* at, const RxNode& quan
   if (m_.state->format != kFormatUtf8 || takesByte(item)) return at;
   if (!follow.note.disjoint() || maxOf(quantifier) != kUnbounded) return at;
   const Taken run = takeItems(m_, item, at, m_.remaining(at));
-  prefilter_.addWork(static_cast<int32_t>(run.end - at) / kBytesPerWork);
+  prefilter_.addWork(Prefilter::workOfBytes(run.end - at));
   attemptsEnd_ = run.end;
   if (run.count == 0 || run.end > m_.textEnd || follow.admits(m_, run.end)) return at;
   payForRun(run.count, minOf(quantifier), follow);
@@ -297,19 +263,11 @@ bool Starts::passFar(const uint8_t*& at, const uint8_t* end) {
   return at == candidate && at != end;
 }
 
-// Where a pair of the filter stands first in the text.
-Place Starts::findPlace(const uint8_t* text, int32_t length) const {
-  return withSmallSet(filter().small, [&](auto first) {
-    if (pair().run > 0) return findRun(text, length, first, pair().run + 1);
-    return withSmallSet(pair().second, [&](auto second) { return findPair(text, length, first, second); });
-  });
-}
-
 // As passFar, for what follows the first byte as well.
 bool Starts::passPairless(const uint8_t*& at, const uint8_t* end) {
-  const Place place = findPlace(at, static_cast<int32_t>(end - at));
+  const Place place = findStartPair(*m_.state, at, static_cast<int32_t>(end - at));
   if (place.at == 0 && !place.found) return passFar(at, end);
-  prefilter_.addWork(place.at / kBytesPerWorkOfScan);
+  prefilter_.addWork(Prefilter::workOfScan(place.at));
   at = payForAll(at, at + place.at);
   pay(int64_t{place.singles} * pair().extraSteps);
   return place.found;

@@ -9,6 +9,7 @@
 #include "regexp/match/items.h"
 #include "regexp/match/matcher.h"
 #include "regexp/search/prefilter.h"
+#include "regexp/search/start_scan.h"
 
 #pragma GCC visibility push(hidden)
 
@@ -42,7 +43,7 @@ class Starts {
   // To be told of an attempt that has failed, and of its steps,
   void noteFailure(uint32_t steps) {
     lastFailed_ = true;
-    prefilter_.addWork(kWorkPerAttempt + static_cast<int32_t>(steps / kStepsPerWork));
+    prefilter_.addWork(Prefilter::workOfAttempt(steps));
   }
   // of one that has not,
   void noteMatch() { lastFailed_ = false; }
@@ -61,8 +62,8 @@ class Starts {
 
  private:
   const StartFilter& filter() const { return startFilterOf(*m_.state); }
-  const ByteSet256& set() const { return m_.state->frames[kStartSetFrame].bytes; }
-  const StartPair& pair() const { return m_.state->frames[kStartPairFrame].pair; }
+  const ByteSet256& set() const { return startSetOf(*m_.state); }
+  const StartPair& pair() const { return startPairOf(*m_.state); }
   const RxNode& runQuantifier() const { return *afterItem(m_.nodes() + filter().item); }
   bool knowsOptions() const { return (filter().options & kMatcherOptions) == m_.options; }
   bool knowsSteps() const { return !filter().boundsSteps || !m_.budget.paysExactly(); }
@@ -95,7 +96,6 @@ class Starts {
   bool passFar(const uint8_t*& at, const uint8_t* end);
   bool passPairless(const uint8_t*& at, const uint8_t* end);
   Place findBoundary(const uint8_t* text, int32_t length) const;
-  Place findPlace(const uint8_t* text, int32_t length) const;
   const uint8_t* payForAll(const uint8_t* at, const uint8_t* end);
   void pay(int64_t steps) { filter().boundsSteps ? m_.budget.payBound(steps) : m_.budget.pay(steps); }
   ptrdiff_t stride() const { return m_.textEnd - m_.textStart <= kLeastStride ? kLeastStride : longStride(); }
@@ -105,12 +105,8 @@ class Starts {
   }
 
   static constexpr ptrdiff_t kLeastStride = 4096;
-  static constexpr int32_t kWorkPerHit = 4;  // of the filter that turns out to be in vain
-  static constexpr int32_t kWorkPerAttempt = 4;
+  static constexpr int32_t kWorkPerHit = 4;     // of the filter that turns out to be in vain
   static constexpr int32_t kWorkPerSearch = 1;  // that finds nothing, beside its attempts
-  static constexpr uint32_t kStepsPerWork = 2;
-  static constexpr int32_t kBytesPerWork = 4;         // looked at one by one,
-  static constexpr int32_t kBytesPerWorkOfScan = 64;  // many at a time
 
   MatchContext& m_;
   const uint8_t* asciiEnd_;     // of the ASCII text that was looked at last

@@ -1,0 +1,182 @@
+#include "regexp/search/glance.h"
+
+#include <algorithm>
+
+#include "kernels/byte_sets.h"
+#include "regexp/search/attempt.h"
+#include "regexp/search/prefilter.h"
+#include "regexp/search/start_scan.h"
+#include "regexp/text/utf8.h"
+
+namespace ulk {
+
+namespace {
+
+constexpr ptrdiff_t kShort = 256;  // bytes that are looked at many at a time,
+constexpr ptrdiff_t kNear = 16;    // and one by one
+
+// Attempts of a search for the first match.
+class Attempts {
+ public:
+  Attempts(ulkRegExpState& state, const uint8_t* text, const uint8_t* end, int32_t steps) {
+    prepareMatcher(m_, state, choices_);
+    m_.textStart = text;
+    m_.textEnd = end;
+    m_.options = state.options & kMatcherOptions;
+    m_.budget.start(steps, true);
+  }
+
+  bool matchAt(const uint8_t* at, ulkRegExpFind* records, int32_t* numRecords) {
+    if (!ulk::matchAt(m_, at)) return false;
+    *numRecords = std::min(*numRecords, m_.state->numCaptures);
+    copyCaptures(*m_.state, 0, *numRecords, records);
+    return true;
+  }
+  int32_t stepsLeft() const { return m_.budget.left(); }
+  const uint8_t* placeBehind(const uint8_t* at) const { return nextStart(m_, Anchor::kNone, at); }
+
+ private:
+  MatchContext m_;
+  alignas(RunChoice) std::byte choices_[kSearchChoices];
+};
+
+// To be told whether a glance has decided. It takes more of those to outweigh one in vain.
+ULK_INLINE bool noteGlance(PrefilterNote& note, bool decided) {
+  constexpr int32_t kMostHope = 8;
+  constexpr int32_t kLoss = 4;
+  constexpr int32_t kPause = 16;  // searches without a glance
+  if (!decided) {
+    note.hope = static_cast<int8_t>(note.hope > kLoss ? note.hope - kLoss : -kPause);
+  } else if (note.hope < kMostHope) {
+    ++note.hope;
+  }
+  return decided;
+}
+
+ULK_INLINE bool writeNone(int32_t* numRecords) {
+  *numRecords = 0;
+  return true;
+}
+
+// Whether a character begins at the place, if one does at the text's start.
+ULK_INLINE bool beginsCharacter(const ulkRegExpState& state, const uint8_t* text, const uint8_t* at) {
+  return state.format != kFormatUtf8 || characterFrom(at, text) == at;
+}
+
+// ---- The first place that the start filter lets pass
+
+// Looks for a byte of the set, of a small one further. `end` if there is none; null if it is not near.
+const uint8_t* nearestStart(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end) {
+  const StartKind kind = startFilterOf(state).kind;
+  const ByteSet256& set = startSetOf(state);
+  const uint8_t* const near = end - text > kNear ? text + kNear : end;
+  const uint8_t* at = text;
+  if (kind == StartKind::kBoundary) {
+    const auto isWord = [](const uint8_t* place) { return inByteSet(*place, kWord); };
+    while (at < near && !(set.contains(*at) && isWord(at) != (at != text && isWord(at - 1)))) ++at;
+  } else {
+    at = passOutside(at, near, set);
+  }
+  if (at < near || near == end) return at;
+  if (kind == StartKind::kBoundary || kind == StartKind::kSet) return nullptr;
+  const auto length = static_cast<int32_t>(std::min(end - at, kShort));
+  const int32_t found = findStart(state, at, length, end);
+  return found < length || at + found == end ? at + found : nullptr;
+}
+
+// The first place that needs an attempt, `end` if there is none; null if that is not known.
+ULK_INLINE const uint8_t* firstStart(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end) {
+  const StartFilter& filter = startFilterOf(state);
+  if (filter.kind == StartKind::kLineStart || filter.kind == StartKind::kTextStart)
+    return filter.placeSteps == 0 || startSetOf(state).contains(*text) ? text : nullptr;
+  if (filter.kind == StartKind::kAny || filter.anchor != Anchor::kNone || !filtersAllAttempts(state))
+    return text;
+  const uint8_t* const at = nearestStart(state, text, end);
+  if (!at || (at == end ? !filter.failsAtEnd : !beginsCharacter(state, text, at))) return nullptr;
+  return at;
+}
+
+ULK_INLINE bool findsAtFirstStart(ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
+                                  ulkRegExpFind* records, int32_t* numRecords) {
+  const StartFilter& filter = startFilterOf(state);
+  PrefilterNote& note = state.frames[kPrefilterFrame].prefilter;
+  const bool counts = filter.candidates && note.use != PrefilterUse::kUseless;
+  if (counts && note.workLeft <= 0) return false;
+  const uint8_t* const at = firstStart(state, text, end);
+  if (!at) return false;
+  const int64_t steps = (at - text + (at == end)) * int64_t{std::max(filter.steps, filter.placeSteps)};
+  if (steps > state.matchLimit) return false;
+  if (at == end) {
+    if (counts)
+      note.workLeft -= 1 + (filter.kind == StartKind::kSet ? Prefilter::workOfBytes(end - text)
+                                                           : Prefilter::workOfScan(end - text));
+    return writeNone(numRecords);
+  }
+  return !(state.options & RX_OPT_GLOBAL) &&
+         Attempts(state, text, end, state.matchLimit - static_cast<int32_t>(steps))
+             .matchAt(at, records, numRecords);
+}
+
+// ---- Candidates
+
+// Makes attempts at the candidates from the one at `at` on.
+__attribute__((noinline)) bool triesCandidates(ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
+                                               const uint8_t* at, int32_t steps, ulkRegExpFind* records,
+                                               int32_t* numRecords) {
+  PrefilterNote& note = state.frames[kPrefilterFrame].prefilter;
+  Candidates& candidates = *Candidates::in(state, note.frame);
+  Attempts attempts(state, text, end, steps);
+  while (beginsCharacter(state, text, at)) {
+    if (attempts.matchAt(at, records, numRecords)) {
+      Prefilter::addBytes(note, at - text);
+      return true;
+    }
+    const int32_t left = attempts.stepsLeft();
+    note.workLeft -= Prefilter::workOfAttempt(static_cast<uint32_t>(steps) - static_cast<uint32_t>(left));
+    if (left < 0 || note.workLeft <= 0) return false;
+    steps = left;
+    at = candidates.nextPlace(attempts.placeBehind(at), text);
+    if (candidates.givesUp()) return false;
+    if (at == end) {
+      Prefilter::addBytes(note, end - text);
+      return writeNone(numRecords);
+    }
+  }
+  return false;
+}
+
+ULK_INLINE bool findsAtCandidates(ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
+                                  ulkRegExpFind* records, int32_t* numRecords) {
+  PrefilterNote& note = state.frames[kPrefilterFrame].prefilter;
+  if (!startFilterOf(state).failsAtEnd || end - text > kShort) return false;
+  Candidates& candidates = *Candidates::in(state, note.frame);
+  StepBudget budget;
+  budget.start(state.matchLimit, false);
+  if (!candidates.begin(state, text, end, budget)) return false;
+  const uint8_t* const at = candidates.lacksRequired(text) ? end : candidates.nextPlace(text, text);
+  if (at == end && !candidates.givesUp()) {
+    Prefilter::addBytes(note, end - text);
+    return writeNone(numRecords);
+  }
+  if (!candidates.givesUp() && !(state.options & RX_OPT_GLOBAL) &&
+      triesCandidates(state, text, end, at, budget.left(), records, numRecords))
+    return true;
+  candidates.keepOpen();
+  return false;
+}
+
+}  // namespace
+
+bool glanceAtFirstStart(ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
+                        ulkRegExpFind* records, int32_t* numRecords) {
+  return noteGlance(state.frames[kPrefilterFrame].prefilter,
+                    findsAtFirstStart(state, text, end, records, numRecords));
+}
+
+bool glanceAtCandidates(ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
+                        ulkRegExpFind* records, int32_t* numRecords) {
+  return noteGlance(state.frames[kPrefilterFrame].prefilter,
+                    findsAtCandidates(state, text, end, records, numRecords));
+}
+
+}  // namespace ulk
