@@ -41,7 +41,8 @@ class RecordMaker {
   bool chooseParts(int64_t room);
   void placeSets(int64_t room);
   uint32_t* writeSets(uint32_t* record);
-  uint32_t* writeParts(uint32_t* at);
+  uint32_t* writeParts(uint32_t* at, const uint32_t* end);
+  uint32_t* writePage(const Interval* list, int32_t count, uint32_t* at, const uint32_t* end);
   Set128 inClass(const Set128& set) const { return classNegation(header_) != 0 ? inverse(set) : set; }
 
   RxNode& header_;
@@ -119,7 +120,23 @@ uint32_t* RecordMaker::writeSets(uint32_t* record) {
   return record;
 }
 
-uint32_t* RecordMaker::writeParts(uint32_t* at) {
+// Makes a page of a list, if it tells all and fits. Returns the end of the page.
+uint32_t* RecordMaker::writePage(const Interval* list, int32_t count, uint32_t* at, const uint32_t* end) {
+  constexpr int32_t kTwoBytes = 0x800;  // code points below have two bytes at most
+  if (count == 0 || facts_.kinds || facts_.scripts || facts_.numCharSets > 0 || end - at < kPageWords)
+    return at;
+  const int32_t first = list[0].low / 64 * 64;
+  const int32_t last = list[count - 1].high;
+  if (first < 0x80 || last >= kTwoBytes || last - first >= CodePointPage::kSize) return at;
+  auto& page = *new (at) CodePointPage{static_cast<uint32_t>(first), {}};
+  for (int32_t i = 0; i < count; ++i)
+    for (int32_t bit = list[i].low - first; bit <= list[i].high - first; ++bit)
+      page.bits[bit / 32] |= 1U << bit % 32;
+  facts_.page = true;
+  return at + kPageWords;
+}
+
+uint32_t* RecordMaker::writeParts(uint32_t* at, const uint32_t* end) {
   if (facts_.kinds) at = writeKinds(members_.kinds, at);
   if (facts_.scripts) at = std::copy(members_.scripts, members_.scripts + kScriptWords, at);
   if (!facts_.lists) return at;
@@ -128,7 +145,7 @@ uint32_t* RecordMaker::writeParts(uint32_t* at) {
   const int32_t folded = numFolded_ > 0 ? members_.writeFolded(header_, list + plain) : 0;
   at[0] = static_cast<uint32_t>(plain);
   at[1] = static_cast<uint32_t>(folded);
-  return reinterpret_cast<uint32_t*>(list + plain + folded);
+  return writePage(list, plain, reinterpret_cast<uint32_t*>(list + plain + folded), end);
 }
 
 uint32_t* RecordMaker::make(uint32_t* at, int64_t room) {
@@ -139,8 +156,9 @@ uint32_t* RecordMaker::make(uint32_t* at, int64_t room) {
   if (!chooseParts(room)) return at;
   placeSets(room);
   setRecord(header_, at);
+  uint32_t* const end = writeParts(writeSets(at), at + room);
   classNote(header_) = ClassNote::pack(facts_);
-  return writeParts(writeSets(at));
+  return end;
 }
 
 // A property has at least three bytes in the pattern, so that there is room. Returns the end of the record.

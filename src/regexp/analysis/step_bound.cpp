@@ -105,12 +105,29 @@ Cost Walk::repeat(const RxNode& item, const RxNode& quantifier, uint32_t options
   return {1, most + 1};
 }
 
-// Whether the program accepts behind the repeat, the last of `a+|b+` or of `a(b+)`: an attempt that fails has
-// not left it.
+// Whether what the quantifier repeats may be left out, and the program goes on in any case.
+bool isOptional(const RxNode& piece, const RxNode* quantifier) {
+  const RxCode code = codeOf(piece);
+  const bool goesOn = code == RX_GROUP || code == RX_CAPTURE || code == RX_OPTGROUP || isItem(piece);
+  return goesOn && quantifier && quantifier->code == RX_REPEAT && minOf(*quantifier) == 0;
+}
+
+// Whether the program accepts behind the quantifier: as that of the last repeat of `a+|b+`, of `a(b+)` or of
+// `a+(?:,a+)*`. An attempt that fails has not come there.
 bool Walk::endsProgram(const RxNode& quantifier) const {
   if (looksBehind_) return false;
   auto next = static_cast<int32_t>(&quantifier - nodes_) + 1;
-  while (next < numNodes_ && codeOf(nodes_[next]) == RX_END && !quantifierOf(nodes_, numNodes_, next)) ++next;
+  while (next < numNodes_) {
+    const RxNode* const own = quantifierOf(nodes_, numNodes_, next);
+    if (codeOf(nodes_[next]) == RX_END && !own) {
+      ++next;
+    } else if (isOptional(nodes_[next], own) &&
+               !quantifierOf(nodes_, numNodes_, static_cast<int32_t>(own - nodes_))) {
+      next = static_cast<int32_t>(own - nodes_) + 1;
+    } else {
+      break;
+    }
+  }
   return next == numNodes_ || (codeOf(nodes_[next]) == RX_ALT && serialOf(nodes_[next]) == kTopLevel);
 }
 
@@ -170,7 +187,7 @@ Cost Walk::body(int32_t open, uint32_t options) {
 Cost Walk::group(int32_t open, const RxNode* quantifier, uint32_t options) {
   const Cost once = body(open, options);
   if (!quantifier) return then({1, 1}, once);
-  int64_t most = maxOf(*quantifier);
+  int64_t most = endsProgram(*quantifier) ? minOf(*quantifier) : maxOf(*quantifier);
   ByteSet256 bytes{};
   if (most > kFew) {
     if (!bytesOfBody(open, options, bytes)) return unbounded();

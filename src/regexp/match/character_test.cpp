@@ -11,6 +11,9 @@ CharacterTest::CharacterTest(const RxNode& item, uint32_t options) : item_(item)
   } else if (codeOf(item) == RX_SCRIPT) {
     form_ = Form::kScript;
     isNegated_ = propertyNegation(item) != 0;
+  } else if (codeOf(item) == RX_CLASS && recordOf(item) && (page_ = pageOf(item, options))) {
+    form_ = Form::kPage;
+    isNegated_ = classNegation(item) != 0;
   } else if (codeOf(item) == RX_CLASS && listsMultibyte(item, options)) {
     form_ = Form::kIntervals;
     isNegated_ = classNegation(item) != 0;

@@ -28,6 +28,8 @@ class CharacterTest {
         return contains(kinds_, kindOf(character.value));
       case Form::kScript:
         return (scriptOf(character.value) == scriptNumber(item_)) != isNegated_;
+      case Form::kPage:
+        return page_->contains(character.value) != isNegated_;
       case Form::kIntervals:
         return inIntervals(character.value, intervals_) != isNegated_;
       default:
@@ -36,13 +38,14 @@ class CharacterTest {
   }
 
  private:
-  enum class Form : uint8_t { kOther, kKinds, kScript, kIntervals };
+  enum class Form : uint8_t { kOther, kKinds, kScript, kPage, kIntervals };
 
   const RxNode& item_;
   const uint32_t options_;
   Form form_ = Form::kOther;
   bool isNegated_ = false;
   const uint32_t* kinds_ = nullptr;
+  const CodePointPage* page_ = nullptr;
   Intervals intervals_{};
 };
 

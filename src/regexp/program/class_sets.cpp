@@ -82,6 +82,7 @@ bool acceptMultibyte(const RxNode& header, Utf8Char character, uint8_t byte, uin
   const ClassNote note(header);
   if (note.anyMultibyte()) return true;
   const int32_t c = character.value;
+  if (const CodePointPage* const page = pageOf(header, options)) return page->contains(c);
   if (c < static_cast<int32_t>(0x80 + 0x80 * note.numCharSets())) {
     const uint32_t set = static_cast<uint32_t>(c >> 7) - 1;
     if (!isKept(note, set)) return anyMemberAccepts(header, character, byte, options);
@@ -120,6 +121,12 @@ const Set128* otherClassSet(const RxNode& header) {
   if (!recordOf(header) || !note.otherAscii()) return firstSet(header);
   const uint32_t place = otherAsciiPlace(note);
   return place < note.numStored() ? furtherSets(header) + place : nullptr;
+}
+
+const CodePointPage* pageOf(const RxNode& header, uint32_t options) {
+  if (!ClassNote(header).page() || (options & RX_OPT_CASELESS)) return nullptr;
+  const uint32_t* const part = partsOf(header);
+  return reinterpret_cast<const CodePointPage*>(part + kListLengths + 2 * (part[0] + part[1]));
 }
 
 bool listsMultibyte(const RxNode& header, uint32_t options) {

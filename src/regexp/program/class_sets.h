@@ -11,6 +11,7 @@
 //  - 2, if a member can accept characters of several bytes by their value: the lengths of the next two lists
 //  - 2 each: intervals of code points
 //  - 2 each: intervals of code points folded to lowercase
+//  - 5, where the first of these lists is all that counts, and where there is room: the same as a page
 //
 // Only the first set counts the negation of the class in. Options may change while a search goes on, so that
 // a class is tested with another caseless bit than was foreseen; where an expression changes that bit at all,
@@ -60,15 +61,16 @@ class ClassNote {
     bool kinds;
     bool scripts;
     bool lists;
+    bool page;
     bool anyMultibyte;  // the members accept all characters of several bytes, nothing of this is asked
   };
 
   static int32_t pack(const Facts& facts) {
-    return static_cast<int32_t>(facts.caseless | (facts.otherAscii ? kOtherAscii : 0) |
-                                (facts.walk ? kWalk : 0) | (facts.kinds ? kKinds : 0) |
-                                (facts.scripts ? kScripts : 0) | (facts.lists ? kLists : 0) |
-                                (facts.anyMultibyte ? kAnyMultibyte : 0) | (facts.ranges ? kRanges : 0) |
-                                facts.numCharSets << 8 | facts.highBytes << 10 | facts.numStored << 12);
+    return static_cast<int32_t>(
+        facts.caseless | (facts.otherAscii ? kOtherAscii : 0) | (facts.walk ? kWalk : 0) |
+        (facts.kinds ? kKinds : 0) | (facts.scripts ? kScripts : 0) | (facts.lists ? kLists : 0) |
+        (facts.anyMultibyte ? kAnyMultibyte : 0) | (facts.ranges ? kRanges : 0) | (facts.page ? kPage : 0) |
+        facts.numCharSets << 8 | facts.highBytes << 10 | facts.numStored << 12);
   }
 
   explicit ClassNote(const RxNode& header) : packed_(static_cast<uint32_t>(classNote(header))) {}
@@ -82,6 +84,7 @@ class ClassNote {
   bool kinds() const { return packed_ & kKinds; }
   bool scripts() const { return packed_ & kScripts; }
   bool lists() const { return packed_ & kLists; }
+  bool page() const { return packed_ & kPage; }
   bool hasParts() const { return packed_ & (kKinds | kScripts | kLists); }
   bool anyMultibyte() const { return packed_ & kAnyMultibyte; }
 
@@ -93,6 +96,7 @@ class ClassNote {
   static constexpr uint32_t kLists = 32;
   static constexpr uint32_t kAnyMultibyte = 64;
   static constexpr uint32_t kRanges = 128;
+  static constexpr uint32_t kPage = 1 << 15;
   static_assert(RX_OPT_CASELESS == 4);
 
   uint32_t packed_;
@@ -110,6 +114,23 @@ inline const Set128* classSet(const RxNode& header, uint32_t options) {
 
 // Whether the class accepts a character; `byte` is its first byte.
 bool classAccepts(const RxNode& header, Utf8Char character, uint8_t byte, uint32_t options);
+
+// Code points of two bytes that lie near each other, one by one: letters of an alphabet, say.
+struct CodePointPage {
+  static constexpr int32_t kSize = 128;
+
+  bool contains(int32_t codePoint) const {
+    const auto i = static_cast<uint32_t>(codePoint) - first;
+    return i < kSize && (bits[i / 32] >> (i % 32) & 1);
+  }
+
+  uint32_t first;
+  uint32_t bits[kSize / 32];
+};
+inline constexpr int32_t kPageWords = sizeof(CodePointPage) / sizeof(uint32_t);
+
+// The page that tells which characters of several bytes the members accept; null if there is none.
+const CodePointPage* pageOf(const RxNode& header, uint32_t options);
 
 // Whether intervals of code points tell which characters of several bytes the members accept, and nothing
 // else; then those.

@@ -17,9 +17,11 @@ int32_t Candidates::make(ulkRegExpState& state) {
   if (sizeof(Candidates) > static_cast<size_t>(room.count) * sizeof(WorkFrame)) return 0;
   Candidates& made = *new (&state.frames[room.first]) Candidates;
   if (!made.automaton_.make(state)) return 0;
+  const PositionAutomaton& positions = made.automaton_.positions();
+  made.mayBeAtEnd_ = positions.bytesBefore > 0 || (positions.first & positions.atEnd) != 0;
   made.bounds_.make(state);
-  made.required_ = findRequiredBytes(made.automaton_.positions());
-  const bool hasPair = findRarePair(made.automaton_.positions(), made.pair_);
+  made.required_ = findRequiredBytes(positions);
+  const bool hasPair = findRarePair(positions, made.pair_);
   // Where the pair is not, nothing goes on behind it.
   if (hasPair)
     made.bounds_.limitBytes(state, std::max(made.pair_.firstAt, made.pair_.secondAt) - made.bytesBefore());

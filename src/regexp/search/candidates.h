@@ -59,6 +59,8 @@ class Candidates {
     const uint8_t* const found = next(at - std::min(before, at - text));
     return std::max(at, before < textEnd_ - found ? found + before : textEnd_);
   }
+  // Whether a match may begin at the text's end. The bound is one for the attempt there as well.
+  bool mayBeAtEnd() const { return mayBeAtEnd_; }
   // Whether there is none, as the text lacks a byte that every match has. Told only while that often is so,
   // and where looking for candidates takes longer.
   bool lacksRequired(const uint8_t* text) { return hope_ > 0 && asksForRequired(text); }
@@ -93,6 +95,7 @@ class Candidates {
   bool readToRequired(const uint8_t* begin);
 
   Way way_;
+  bool mayBeAtEnd_;
   RequiredBytes required_;
   int32_t hope_;  // that texts lack them
   RarePair pair_;

@@ -119,7 +119,11 @@ ULK_INLINE bool findsAtFirstStart(ulkRegExpState& state, const uint8_t* text, co
 
 // ---- Candidates
 
-// Makes attempts at the candidates from the one at `at` on.
+ULK_INLINE bool mayBeAtEnd(const ulkRegExpState& state, const Candidates& candidates) {
+  return candidates.mayBeAtEnd() && !startFilterOf(state).failsAtEnd;
+}
+
+// Makes attempts at the candidates from the one at `at` on, also at the text's end where one might succeed.
 __attribute__((noinline)) bool triesCandidates(ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
                                                const uint8_t* at, int32_t steps, ulkRegExpFind* records,
                                                int32_t* numRecords) {
@@ -135,9 +139,10 @@ __attribute__((noinline)) bool triesCandidates(ulkRegExpState& state, const uint
     note.workLeft -= Prefilter::workOfAttempt(static_cast<uint32_t>(steps) - static_cast<uint32_t>(left));
     if (left < 0 || note.workLeft <= 0) return false;
     steps = left;
-    at = candidates.nextPlace(attempts.placeBehind(at), text);
+    at = attempts.placeBehind(at);
+    if (at <= end) at = candidates.nextPlace(at, text);
     if (candidates.givesUp()) return false;
-    if (at == end) {
+    if (at > end || (at == end && !mayBeAtEnd(state, candidates))) {
       Prefilter::addBytes(note, end - text);
       return writeNone(numRecords);
     }
@@ -148,13 +153,13 @@ __attribute__((noinline)) bool triesCandidates(ulkRegExpState& state, const uint
 ULK_INLINE bool findsAtCandidates(ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
                                   ulkRegExpFind* records, int32_t* numRecords) {
   PrefilterNote& note = state.frames[kPrefilterFrame].prefilter;
-  if (!startFilterOf(state).failsAtEnd || end - text > kShort) return false;
+  if (end - text > kShort) return false;
   Candidates& candidates = *Candidates::in(state, note.frame);
   StepBudget budget;
   budget.start(state.matchLimit, false);
   if (!candidates.begin(state, text, end, budget)) return false;
   const uint8_t* const at = candidates.lacksRequired(text) ? end : candidates.nextPlace(text, text);
-  if (at == end && !candidates.givesUp()) {
+  if (at == end && !candidates.givesUp() && !mayBeAtEnd(state, candidates)) {
     Prefilter::addBytes(note, end - text);
     return writeNone(numRecords);
   }

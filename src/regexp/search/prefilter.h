@@ -65,6 +65,8 @@ class Prefilter {
 
   // The first candidate from `at` on, at most the text's end or behind a character that it cuts.
   const uint8_t* next(const uint8_t* at);
+  // Whether it can be that end.
+  bool mayBeAtEnd() const { return !isOn_ || m_.nonEmpty || candidates_->mayBeAtEnd(); }
 
  private:
   PrefilterNote& note() { return m_.state->frames[kPrefilterFrame].prefilter; }

@@ -151,25 +151,39 @@ bool Starts::lacksLiterals(const uint8_t* at) const {
   return true;
 }
 
-// Passes the characters of several bytes that the one item does not accept that a match begins with, as far
-// as the text's end does not cut them; false if there are none.
+// Passes characters that the one item does not accept that a match begins with, from one of several bytes on,
+// as far as the text's end does not cut them and no long ASCII text comes, which is passed faster elsewhere.
+// True if one that is accepted does not follow.
 bool Starts::passLackingItem(const uint8_t*& at) {
+  constexpr int32_t kFar = 16;
   if (*at < 0x80 || m_.textEnd - at < kLongestUtf8) return false;
   const StartKind kind = filter().kind;
   if (kind != StartKind::kSet && kind != StartKind::kSmallSet && kind != StartKind::kByte) return false;
   if (filter().item < 0 || m_.state->format != kFormatUtf8) return false;
-  const RxNode& item = m_.nodes()[filter().item];
-  const CharacterTest test(item, m_.options);
+  const CharacterTest test(m_.nodes()[filter().item], m_.options);
   const uint8_t* const end = std::min(strideFrom(at), m_.textEnd - kLongestUtf8 + 1);
+  const uint8_t* const start = at;
+  const uint8_t* place = at;
+  const uint8_t* far = at + kFar;
+  bool isAccepted = false;
   int32_t count = 0;
-  for (; at < end && *at >= 0x80; ++count) {
-    const Utf8Char character = decodeMultibyte(at);
-    if (test.accepts(character, *at)) break;
-    at += character.length;
+  for (; place < end && place < far; ++count) {
+    if (*place < 0x80) {
+      isAccepted = set().contains(*place);
+      if (isAccepted) break;
+      ++place;
+    } else {
+      const Utf8Char character = decodeMultibyte(place);
+      isAccepted = test.accepts(character, *place);
+      if (isAccepted) break;
+      place += character.length;
+      far = place + kFar;
+    }
   }
+  at = place;
   pay(count * int64_t{filter().steps});
   prefilter_.addWork(count);
-  return count > 0;
+  return at != start && (!isAccepted || m_.budget.isExhausted());
 }
 
 // For expressions that begin with a repeat, while attempts fail. In "123 45x", an

@@ -26,6 +26,7 @@ class Starts {
   const uint8_t* next(const uint8_t* at) {
     if (prefilter_.use(at)) {
       at = prefilter_.next(at);
+      if (at == m_.textEnd && !prefilter_.mayBeAtEnd()) return at + 1;
     } else if (at >= attemptsEnd_ && filter().kind != StartKind::kAny && knowsOptions() && knowsSteps()) {
       at = skip(at);
     }
