@@ -11,7 +11,8 @@ namespace ulk {
 namespace {
 
 constexpr int32_t kMaxNesting = 32;
-constexpr int32_t kFew = 32;  // up to so many repetitions, runs are not worth measuring
+constexpr int64_t kFewSteps = 8;  // for a try behind an iteration that fails at once
+constexpr int32_t kFew = 32;      // up to so many repetitions, runs are not worth measuring
 
 // What a part of the program costs that is entered once: its own steps, and how often the rest of the program
 // is entered behind it. All of it saturates.
@@ -49,6 +50,8 @@ class Walk {
   Cost repeat(const RxNode& item, const RxNode& quantifier, uint32_t options);
   Cost unbounded();
   bool endsProgram(const RxNode& quantifier) const;
+  bool setsOptions() const;
+  bool mustGiveBackNone(const RxNode& quantifier, const ByteSet256& items, uint32_t options) const;
   int64_t longestRun(const ByteSet256& set);
   bool bytesOfBody(int32_t open, uint32_t options, ByteSet256& set) const;
   bool firstBytesOf(int32_t node, int32_t end, uint32_t options, ByteSet256& set) const;
@@ -102,7 +105,28 @@ Cost Walk::repeat(const RxNode& item, const RxNode& quantifier, uint32_t options
   const FollowNote note(followNote(quantifier));
   if (followSet(quantifier) && note.disjoint() && note.options() == (options & kMatcherOptions))
     return {saturated(1 + (most + 1) * note.steps()), 1};
+  if (mustGiveBackNone(quantifier, set, options)) return {saturated(1 + (most + 1) * kFewSteps), 1};
   return {1, most + 1};
+}
+
+bool Walk::setsOptions() const {
+  return std::any_of(nodes_, nodes_ + numNodes_, [](const RxNode& node) {
+    return codeOf(node) == RX_OPTIONS || codeOf(node) == RX_OPTGROUP;
+  });
+}
+
+// Whether the repeat ends the iterations of a group, as `,*` does in `(?:a+,*)+b`, and none of its items can
+// begin the next one or what follows the group: tries before one of them fail in a few steps.
+bool Walk::mustGiveBackNone(const RxNode& quantifier, const ByteSet256& items, uint32_t options) const {
+  const auto end = static_cast<int32_t>(&quantifier - nodes_) + 1;
+  if (end + 1 >= numNodes_ || codeOf(nodes_[end]) != RX_END || !isQuantifier(nodes_[end + 1])) return false;
+  const RxNode* open = &nodes_[end];
+  while (open > nodes_ && !(isGroupOpen(*open) && serialOf(*open) == serialOf(nodes_[end]))) --open;
+  if ((codeOf(*open) != RX_GROUP && codeOf(*open) != RX_CAPTURE) || nextBar(*open) || setsOptions())
+    return false;
+  ByteSet256 next{};
+  return firstBytesOf(static_cast<int32_t>(open - nodes_) + 1, end, options, next) &&
+         firstBytesOf(end + 2, numNodes_, options, next) && !intersect(items, next);
 }
 
 // Whether what the quantifier repeats may be left out, and the program goes on in any case.

@@ -26,12 +26,17 @@ struct Follow {
     return set && at <= m.textEnd && !admits(m, at);
   }
 
+  // Where the group begins that the repeat is all of, if a reference to it follows.
+  const uint8_t* startOfItself(const MatchContext& m) const {
+    return m.state->captures[captureNumber(*linkedOpen(*next))].start;
+  }
+
   // What so many tries cost.
   int64_t cost(int64_t tries) const { return note.steps() * tries; }
 
  private:
   bool isRepeated(const MatchContext& m, const uint8_t* at) const {
-    const uint8_t* const start = m.state->captures[captureNumber(*linkedOpen(*next))].start;
+    const uint8_t* const start = startOfItself(m);
     const auto length = static_cast<int32_t>(at - start);
     return length <= m.textEnd - at && sameBytes(start, at, length, m.options);
   }

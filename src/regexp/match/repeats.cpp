@@ -86,6 +86,24 @@ __attribute__((noinline)) bool giveBackToByte(const MatchContext& m, Greedy& gre
   return true;
 }
 
+// The same until what the repeat has taken, which is all that its group captures, comes once more.
+ULK_INLINE bool giveBackToItself(const MatchContext& m, Greedy& greedy, const Follow& follow) {
+  const uint8_t* const taken = follow.startOfItself(m);
+  const uint8_t* at = greedy.at;
+  int32_t spare = greedy.spare;
+  bool found = false;
+  while (spare > 0 && !found) {
+    --at;
+    --spare;
+    const ptrdiff_t length = at - taken;
+    found = length == 0 || (sameByte(*taken, *at, m.options) && length <= m.textEnd - at &&
+                            sameBytes(taken, at, static_cast<int32_t>(length), m.options));
+  }
+  greedy.at = at;
+  greedy.spare = spare;
+  return found;
+}
+
 // Takes back items until what follows may begin where the repeat then ends. False when it cannot.
 ULK_INLINE bool giveBackToFollow(MatchContext& m, Greedy& greedy, const Follow& follow) {
   constexpr int32_t kMany = 12;
@@ -97,6 +115,8 @@ ULK_INLINE bool giveBackToFollow(MatchContext& m, Greedy& greedy, const Follow& 
   } else if (spare >= kMany && greedy.kind == ChoiceKind::kGreedyBytes &&
              (only = onlyByte(*follow.set)) >= 0) {
     found = giveBackToByte(m, greedy, follow, static_cast<uint8_t>(only));
+  } else if (follow.note.itself() && follow.next && greedy.kind == ChoiceKind::kGreedyBytes) {
+    found = giveBackToItself(m, greedy, follow);
   } else {
     while (greedy.spare > 0 && !found) {
       giveBack(m, greedy);

@@ -156,7 +156,7 @@ bool Starts::lacksLiterals(const uint8_t* at) const {
 // True if one that is accepted does not follow.
 bool Starts::passLackingItem(const uint8_t*& at) {
   constexpr int32_t kFar = 16;
-  if (*at < 0x80 || m_.textEnd - at < kLongestUtf8) return false;
+  if (m_.textEnd - at < kLongestUtf8) return false;
   const StartKind kind = filter().kind;
   if (kind != StartKind::kSet && kind != StartKind::kSmallSet && kind != StartKind::kByte) return false;
   if (filter().item < 0 || m_.state->format != kFormatUtf8) return false;
@@ -318,7 +318,7 @@ const uint8_t* Starts::skip(const uint8_t* at) {
   while (at < m_.textEnd && !m_.budget.isExhausted()) {
     if (prefilter_.use(at)) return prefilter_.next(at);
     if (!passFiltered(at, strideFrom(at))) continue;
-    if (lastFailed_ && passLackingItem(at)) continue;
+    if (lastFailed_ && *at >= 0x80 && passLackingItem(at)) continue;
     if (filter().literals && lacksLiterals(at)) {
       pay(filter().steps);
       at = characterAfter(at);
