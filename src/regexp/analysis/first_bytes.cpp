@@ -159,6 +159,8 @@ FirstBytes::Way FirstBytes::sequence(int32_t& node, int32_t end, uint32_t& optio
     if (++steps > maxSteps_) return Way::kUndecided;
     if (item.code == RX_OPTIONS) {
       options = optionsAfter(item, options);
+      // Attempts that fail in a lookaround before would leave others.
+      if (boundsSteps && depth_ == 0 && options != exitOptions) return Way::kUndecided;
       leaveOptions(options);
       ++node;
       continue;

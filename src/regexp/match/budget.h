@@ -12,6 +12,9 @@ namespace ulk {
 
 class StepBudget {
  public:
+  // More than all but hopeless attempts need.
+  static constexpr int32_t kPlenty = 5000;
+
   void start(int32_t limit, bool exactly) {
     left_ = limit;
     exactly_ = exactly;
@@ -28,6 +31,9 @@ class StepBudget {
   void exhaust() { left_ = -1; }
 
   bool paysExactly() const { return exactly_; }
+  // Only while steps are plenty: an attempt that runs out of those that are left then would have run out of
+  // the exact number as well, and not looked elsewhere.
+  bool mayPayBounds() const { return !exactly_ && left_ >= kPlenty; }
   // At most so many steps.
   void payBound(int64_t steps) {
     pay(steps);

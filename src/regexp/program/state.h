@@ -126,11 +126,12 @@ struct PrefilterNote {
   int32_t look;          // the work in vain at which to decide anew,
   int32_t workLeft;      // and how much of it is still to be done,
   int32_t bytes;         // since that was last decided, in so many bytes
+  int32_t workWithout;   // in so many bytes, before candidates were used
   int32_t stepsInEmpty;  // that an attempt in an empty text takes at most, 0 until someone asks
 };
 inline constexpr int32_t kLeastPrefilterWork = 512;  // that says anything, and outweighs making an automaton
 inline constexpr PrefilterNote kNewPrefilterNote{PrefilterUse::kUndecided, 1, 0, kLeastPrefilterWork,
-                                                 kLeastPrefilterWork,      0, 0};
+                                                 kLeastPrefilterWork,      0, 0, 0};
 
 // One frame of the work area. Frame 0 and those above the highest serial belong to no group; what the
 // compiler finds out to make searching fast is kept there: the start filter in frame 0, byte sets from the

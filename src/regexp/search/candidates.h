@@ -32,7 +32,7 @@ class Candidates {
     if (!isOpen_) open(text, textEnd);
     isOpen_ = false;
     // What remains of the budget has to do for the attempts that are made.
-    const int32_t limit = budget.left() - budget.left() / 4;
+    const int32_t limit = budget.left() - std::max(budget.left() / 4, StepBudget::kPlenty);
     const int32_t bound = bounds_.ofAll(state, text, textEnd, limit);
     if (bound > limit) return false;
     budget.payBound(bound);

@@ -96,6 +96,12 @@ ULK_INLINE const uint8_t* firstStart(const ulkRegExpState& state, const uint8_t*
   return at;
 }
 
+// Whether the attempts at all places before `at` cost just the filter's steps for each byte.
+bool isPaidExactly(const StartFilter& filter, const uint8_t* text, const uint8_t* at) {
+  if (at != text && (filter.boundsSteps || filter.kind == StartKind::kBoundary)) return false;
+  return std::all_of(text, at, [](uint8_t byte) { return byte < 0x80; });
+}
+
 ULK_INLINE bool findsAtFirstStart(ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
                                   ulkRegExpFind* records, int32_t* numRecords) {
   const StartFilter& filter = startFilterOf(state);
@@ -112,9 +118,10 @@ ULK_INLINE bool findsAtFirstStart(ulkRegExpState& state, const uint8_t* text, co
                                                            : Prefilter::workOfScan(end - text));
     return writeNone(numRecords);
   }
-  return !(state.options & RX_OPT_GLOBAL) &&
-         Attempts(state, text, end, state.matchLimit - static_cast<int32_t>(steps))
-             .matchAt(at, records, numRecords);
+  const int32_t left = state.matchLimit - static_cast<int32_t>(steps);
+  if ((state.options & RX_OPT_GLOBAL) || (left < StepBudget::kPlenty && !isPaidExactly(filter, text, at)))
+    return false;
+  return Attempts(state, text, end, left).matchAt(at, records, numRecords);
 }
 
 // ---- Candidates
@@ -132,7 +139,7 @@ __attribute__((noinline)) bool triesCandidates(ulkRegExpState& state, const uint
   Attempts attempts(state, text, end, steps);
   while (beginsCharacter(state, text, at)) {
     if (attempts.matchAt(at, records, numRecords)) {
-      Prefilter::addBytes(note, at - text);
+      Prefilter::addBytes(note, end - text);
       return true;
     }
     const int32_t left = attempts.stepsLeft();

@@ -8,10 +8,11 @@ namespace ulk {
 
 namespace {
 
-constexpr int32_t kBytesPerWork = 5;        // that the automaton reads in the time of an attempt in vain,
+constexpr int32_t kBytesPerWork = 8;        // that the automaton reads in the time of an attempt in vain,
 constexpr int32_t kQuickBytesPerWork = 96;  // in which a quicker way finds candidates,
 constexpr int32_t kBytesMeasured = 256;     // and whose runs are measured then
-constexpr int32_t kPatience = 4;            // with candidates that are given up for good
+constexpr int32_t kRateBytes = 4096;
+constexpr int32_t kPatience = 4;  // with candidates that are given up for good
 
 }  // namespace
 
@@ -20,6 +21,12 @@ bool Prefilter::takesLess(const uint8_t* at, int64_t work) const {
   const bool isQuick = note().frame > 0 && Candidates::in(*m_.state, note().frame)->isQuick();
   if (isQuick && !isOn_) return work * kQuickBytesPerWork >= note().bytes + (at - since_);
   return work * kBytesPerWork >= note().bytes + bytesInBlocks(at);
+}
+
+// The work in kRateBytes bytes.
+int32_t Prefilter::rateOf(const uint8_t* at, int64_t work) const {
+  const int64_t bytes = std::max<int64_t>(note().bytes + bytesInBlocks(at), 1);
+  return static_cast<int32_t>(std::min<int64_t>(work * kRateBytes / bytes, kPlenty));
 }
 
 // Turns candidates on if they will take less time than attempts do, as far as is known; off if they leave too
@@ -33,13 +40,15 @@ bool Prefilter::decide(const uint8_t* at) {
   note().look = work + std::max(work / 4, kLeastPrefilterWork / 4);
   workLeft_ = note().look - work;
   if (note().use == PrefilterUse::kUndecided) make();
-  if (!takesLess(at, work)) return isOn_;
-  if (isOn_ && candidates_->isQuick()) {
+  if (isOn_ && !candidates_->isQuick()) {
+    if (rateOf(at, work) + kRateBytes / kBytesPerWork >= note().workWithout) turnOff(PrefilterUse::kUseless);
+  } else if (!takesLess(at, work)) {
+    return isOn_;
+  } else if (isOn_) {
     candidates_->takeSlowerWay();
     turnOff(PrefilterUse::kOff);
-  } else if (isOn_) {
-    turnOff(PrefilterUse::kUseless);
   } else if (!m_.nonEmpty && work > (m_.textEnd - at) / kBytesMeasured) {
+    note().workWithout = std::max(note().workWithout, rateOf(at, work));
     turnOn(at);
   }
   return isOn_;

@@ -28,7 +28,8 @@ class Prefilter {
   void begin() {
     isOn_ = counts_ = false;
     workLeft_ = kPlenty;
-    if (!startFilterOf(*m_.state).candidates || m_.textStart == m_.textEnd || m_.budget.paysExactly()) return;
+    if (!startFilterOf(*m_.state).candidates || m_.textStart == m_.textEnd || !m_.budget.mayPayBounds())
+      return;
     if (note().use == PrefilterUse::kUseless) return;
     since_ = m_.textStart;
     counts_ = true;
@@ -51,7 +52,7 @@ class Prefilter {
     return kWorkPerAttempt + static_cast<int32_t>(steps / kStepsPerWork);
   }
   // That of looking at so many bytes one by one,
-  static int32_t workOfBytes(ptrdiff_t bytes) { return static_cast<int32_t>(bytes) / 4; }
+  static int32_t workOfBytes(ptrdiff_t bytes) { return static_cast<int32_t>(bytes) / 7; }
   // and many at a time.
   static int32_t workOfScan(ptrdiff_t bytes) { return static_cast<int32_t>(bytes) / 64; }
   // Whether candidates are to be used from this place on.
@@ -76,6 +77,7 @@ class Prefilter {
     return std::min<ptrdiff_t>(at - since_ + Candidates::kBlock, m_.textEnd - since_);
   }
   bool takesLess(const uint8_t* at, int64_t work) const;
+  int32_t rateOf(const uint8_t* at, int64_t work) const;
   void make();
   static void forgetMany(PrefilterNote& note);
   static void forget(PrefilterNote& note, PrefilterUse use);

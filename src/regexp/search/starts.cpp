@@ -67,7 +67,7 @@ const uint8_t* Starts::payForAll(const uint8_t* at, const uint8_t* end) {
     pay(starts * filter().steps);
     return end;
   }
-  if (!m_.budget.paysExactly()) {
+  if (m_.budget.mayPayBounds()) {
     m_.budget.payBound(starts * filter().steps);
     return end < m_.textEnd && *end < 0x80 ? end : characterFrom(end, at);
   }

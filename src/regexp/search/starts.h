@@ -67,7 +67,7 @@ class Starts {
   const StartPair& pair() const { return startPairOf(*m_.state); }
   const RxNode& runQuantifier() const { return *afterItem(m_.nodes() + filter().item); }
   bool knowsOptions() const { return (filter().options & kMatcherOptions) == m_.options; }
-  bool knowsSteps() const { return !filter().boundsSteps || !m_.budget.paysExactly(); }
+  bool knowsSteps() const { return !filter().boundsSteps || m_.budget.mayPayBounds(); }
   bool knowsEnd() const {
     return filter().failsAtEnd && knowsSteps() &&
            (knowsOptions() || m_.options == (m_.state->options & kMatcherOptions));
