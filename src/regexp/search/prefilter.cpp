@@ -40,13 +40,12 @@ bool Prefilter::decide(const uint8_t* at) {
   note().look = work + std::max(work / 4, kLeastPrefilterWork / 4);
   workLeft_ = note().look - work;
   if (note().use == PrefilterUse::kUndecided) make();
-  if (isOn_ && !candidates_->isQuick()) {
-    if (rateOf(at, work) + kRateBytes / kBytesPerWork >= note().workWithout) turnOff(PrefilterUse::kUseless);
-  } else if (!takesLess(at, work)) {
-    return isOn_;
-  } else if (isOn_) {
+  if (!takesLess(at, work)) return isOn_;
+  if (isOn_ && candidates_->isQuick()) {
     candidates_->takeSlowerWay();
     turnOff(PrefilterUse::kOff);
+  } else if (isOn_) {
+    if (rateOf(at, work) + kRateBytes / kBytesPerWork >= note().workWithout) turnOff(PrefilterUse::kUseless);
   } else if (!m_.nonEmpty && work > (m_.textEnd - at) / kBytesMeasured) {
     note().workWithout = std::max(note().workWithout, rateOf(at, work));
     turnOn(at);
