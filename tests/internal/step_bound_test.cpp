@@ -51,6 +51,10 @@ TEST(StepBound, IsNotBelowTheStepsOfAFailingAttempt) {
       {"^a*?b", many},
       {"^(?>a+)+b", many},
       {"^(?:x|a+|y)$|^a*z", many + "b"},
+      // What the end of an iteration gives back, and what may be left out at the end.
+      {"^(?:b,*)+a", "b,,,,b,,,,b,,,,"},
+      {"^(?:b,*)+,a", "b,,,,b,,,,b,,,,"},
+      {"^a+\\pN*?", many + "b"},
   };
   for (const auto& row : kRows) {
     const auto state = compiled(row.pattern);

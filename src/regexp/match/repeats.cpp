@@ -96,8 +96,8 @@ ULK_INLINE bool giveBackToItself(const MatchContext& m, Greedy& greedy, const Fo
     --at;
     --spare;
     const ptrdiff_t length = at - taken;
-    found = length == 0 || (sameByte(*taken, *at, m.options) && length <= m.textEnd - at &&
-                            sameBytes(taken, at, static_cast<int32_t>(length), m.options));
+    found = sameByte(*taken, *at, m.options) && length <= m.textEnd - at &&
+            sameBytes(taken, at, static_cast<int32_t>(length), m.options);
   }
   greedy.at = at;
   greedy.spare = spare;
