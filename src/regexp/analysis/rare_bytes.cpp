@@ -80,6 +80,12 @@ RequiredBytes findRequiredBytes(const PositionAutomaton& automaton) {
   return required;
 }
 
+bool findRareStarts(const PositionAutomaton& automaton, SmallSet& starts) {
+  constexpr int32_t kRare = 100;  // of a thousand
+  const ByteSet256 bytes = bytesOf(automaton, automaton.first);
+  return frequencyOf(bytes) <= kRare && describe(bytes, starts);
+}
+
 bool findRarePair(const PositionAutomaton& automaton, RarePair& pair) {
   constexpr int32_t kRare = 12000;  // of a million places
   constexpr int32_t kNone = 1000;   // of a thousand

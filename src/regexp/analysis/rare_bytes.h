@@ -30,6 +30,9 @@ struct RequiredBytes {
 };
 RequiredBytes findRequiredBytes(const PositionAutomaton& automaton);
 
+// Those that a match can begin with, with what stands before it. False if they are not rare or no small set.
+bool findRareStarts(const PositionAutomaton& automaton, SmallSet& starts);
+
 }  // namespace ulk
 
 #pragma GCC visibility pop

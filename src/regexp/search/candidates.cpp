@@ -12,6 +12,20 @@
 
 namespace ulk {
 
+namespace {
+
+constexpr int32_t kFirstHope = 4;
+
+// Notes whether a quick look was worth it: one that was outweighs some that were not. There is no hope left
+// at 0.
+ULK_INLINE void noteHope(int32_t& hope, bool wasWorthIt) {
+  constexpr int32_t kMostHope = 16;
+  constexpr int32_t kWorth = 4;
+  hope = wasWorthIt ? std::min(hope + kWorth, kMostHope) : hope - 1;
+}
+
+}  // namespace
+
 int32_t Candidates::make(ulkRegExpState& state) {
   const FrameRange room = unusedFrames(state);
   if (sizeof(Candidates) > static_cast<size_t>(room.count) * sizeof(WorkFrame)) return 0;
@@ -21,6 +35,7 @@ int32_t Candidates::make(ulkRegExpState& state) {
   made.mayBeAtEnd_ = positions.bytesBefore > 0 || (positions.first & positions.atEnd) != 0;
   made.bounds_.make(state);
   made.required_ = findRequiredBytes(positions);
+  made.hasRareStarts_ = findRareStarts(positions, made.starts_);
   const bool hasPair = findRarePair(positions, made.pair_);
   // Where the pair is not, nothing goes on behind it.
   if (hasPair)
@@ -35,7 +50,8 @@ void Candidates::choose(Way way) {
   if (way == Way::kRequired && !required_.areRare) way = Way::kBlocks;
   way_ = way;
   areEarly_ = isOpen_ = false;
-  hope_ = way == Way::kBlocks && required_.count > 0 ? 4 : 0;
+  hope_ = way == Way::kBlocks && required_.count > 0 ? kFirstHope : 0;
+  startHope_ = hasRareStarts_ ? kFirstHope : 0;
   if (way != Way::kPair) bounds_.limitNoBytes();
   automaton_.restart(way == Way::kBlocks);
   blockBegin_ = blockEnd_ = nullptr;
@@ -80,9 +96,29 @@ void Candidates::readBack(const uint8_t* begin, uint16_t row) {
   }
 }
 
-// The next block, after what is a little ahead of it.
+// The first place from `at` on where a candidate can begin, as far as its first byte tells. Asked only while
+// that often is far.
+__attribute__((noinline)) const uint8_t* Candidates::passToStart(const uint8_t* at) {
+  constexpr int32_t kWorthBytes = 16;
+  const auto length = static_cast<int32_t>(textEnd_ - at);
+  const int32_t found = withSmallSet(starts_, [=](auto set) {
+    SetProbe<decltype(set)> probe{at, set};
+    return scan<Forward>(at, static_cast<size_t>(length), probe);
+  });
+  const uint8_t* const start = found < 0 ? textEnd_ : at + found;
+  noteHope(startHope_, start == textEnd_ || start - at >= kWorthBytes);
+  return start;
+}
+
+// The next block, after what is a little ahead of it. False if no candidate can begin there.
 bool Candidates::readBlock(const uint8_t* begin) {
-  const bool isEarly = areEarly_ && blockEnd_ == nullptr;
+  const bool isFirst = blockEnd_ == nullptr;
+  if (startHope_ > 0) {
+    begin = passToStart(begin);
+    if (begin == textEnd_) return false;
+    if (isFirst) early_ = begin + kEarlyBlock;
+  }
+  const bool isEarly = areEarly_ && isFirst;
   const int32_t size = isEarly ? kEarlyBlock : kBlock;
   const int32_t ahead = isEarly ? kEarlyAhead : kAhead;
   blockEnd_ = textEnd_ - begin > size ? begin + size : textEnd_;
@@ -105,10 +141,8 @@ ULK_INLINE int32_t Candidates::findRequired(const uint8_t* begin) const {
 }
 
 bool Candidates::asksForRequired(const uint8_t* text) {
-  constexpr int32_t kMostHope = 16;
-  constexpr int32_t kWorth = 4;  // looks for nothing, each that finds them missing
   const bool lacks = findRequired(text) < 0;
-  hope_ = lacks ? std::min(hope_ + kWorth, kMostHope) : hope_ - 1;
+  noteHope(hope_, lacks);
   return lacks;
 }
 

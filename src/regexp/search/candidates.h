@@ -85,6 +85,7 @@ class Candidates {
   const uint8_t* nextInBlocks(const uint8_t* at);
   const uint8_t* nextInBlock(const uint8_t* at) const;
   void readBack(const uint8_t* begin, uint16_t row);
+  const uint8_t* passToStart(const uint8_t* at);
   bool readBlock(const uint8_t* begin);
   void noteFirst(const uint8_t* found) {
     areEarly_ = found < early_;
@@ -99,6 +100,9 @@ class Candidates {
   RequiredBytes required_;
   int32_t hope_;  // that texts lack them
   RarePair pair_;
+  bool hasRareStarts_;
+  SmallSet starts_;    // bytes that candidates begin with, if those are rare
+  int32_t startHope_;  // that they are far
   BackwardAutomaton automaton_;
 
   AttemptBounds bounds_;
