@@ -86,6 +86,22 @@ __attribute__((noinline)) bool giveBackToByte(const MatchContext& m, Greedy& gre
   return true;
 }
 
+// The same one byte at a time.
+ULK_INLINE bool giveBackBytes(const MatchContext& m, Greedy& greedy, const Follow& follow) {
+  const ByteSet256& set = *follow.set;
+  const uint8_t* const least = greedy.at - greedy.spare;
+  const uint8_t* at = greedy.at;
+  bool found = false;
+  while (!found && at > least) {
+    while (--at > least && !set.contains(*at)) {
+    }
+    found = follow.admits(m, at);
+  }
+  greedy.at = at;
+  greedy.spare = static_cast<int32_t>(at - least);
+  return found;
+}
+
 // The same until what the repeat has taken, which is all that its group captures, comes once more.
 ULK_INLINE bool giveBackToItself(const MatchContext& m, Greedy& greedy, const Follow& follow) {
   const uint8_t* const taken = follow.startOfItself(m);
@@ -117,6 +133,8 @@ ULK_INLINE bool giveBackToFollow(MatchContext& m, Greedy& greedy, const Follow& 
     found = giveBackToByte(m, greedy, follow, static_cast<uint8_t>(only));
   } else if (follow.note.itself() && follow.next && greedy.kind == ChoiceKind::kGreedyBytes) {
     found = giveBackToItself(m, greedy, follow);
+  } else if (greedy.kind == ChoiceKind::kGreedyBytes) {
+    found = giveBackBytes(m, greedy, follow);
   } else {
     while (greedy.spare > 0 && !found) {
       giveBack(m, greedy);
