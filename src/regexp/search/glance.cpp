@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "kernels/byte_sets.h"
+#include "kernels/find_unit.h"
 #include "regexp/search/attempt.h"
 #include "regexp/search/prefilter.h"
 #include "regexp/search/start_scan.h"
@@ -89,8 +90,7 @@ ULK_INLINE const uint8_t* firstStart(const ulkRegExpState& state, const uint8_t*
   const StartFilter& filter = startFilterOf(state);
   if (filter.kind == StartKind::kLineStart || filter.kind == StartKind::kTextStart)
     return filter.placeSteps == 0 || startSetOf(state).contains(*text) ? text : nullptr;
-  if (filter.kind == StartKind::kAny || filter.anchor != Anchor::kNone || !filtersAllAttempts(state))
-    return text;
+  if (filter.kind == StartKind::kAny || !filtersAllAttempts(state)) return text;
   const uint8_t* const at = nearestStart(state, text, end);
   if (!at || (at == end ? !filter.failsAtEnd : !beginsCharacter(state, text, at))) return nullptr;
   return at;
@@ -122,6 +122,33 @@ ULK_INLINE bool findsAtFirstStart(ulkRegExpState& state, const uint8_t* text, co
   if ((state.options & RX_OPT_GLOBAL) || (left < StepBudget::kPlenty && !isPaidExactly(filter, text, at)))
     return false;
   return Attempts(state, text, end, left).matchAt(at, records, numRecords);
+}
+
+// ---- An anchored expression
+
+// Whether a line or text that begins so has no byte that a match can begin with.
+bool lacksStart(const ulkRegExpState& state, const uint8_t* text) {
+  const StartFilter& filter = startFilterOf(state);
+  return filter.placeSteps > 0 && filtersAllAttempts(state) && !startSetOf(state).contains(*text);
+}
+
+// Whether no attempt is made but that at the start: the text is one line, and short.
+bool isOneLine(Anchor anchor, const uint8_t* text, const uint8_t* end) {
+  if (anchor == Anchor::kTextStart) return true;
+  return end - text <= kShort && findUnit(text, static_cast<int32_t>(end - text), uint8_t{'\n'}) < 0;
+}
+
+bool findsAtTextStart(ulkRegExpState& state, const uint8_t* text, const uint8_t* end, ulkRegExpFind* records,
+                      int32_t* numRecords) {
+  const StartFilter& filter = startFilterOf(state);
+  int32_t left = state.matchLimit - filter.placeSteps;
+  if (!lacksStart(state, text)) {
+    if (state.options & RX_OPT_GLOBAL) return false;
+    Attempts attempts(state, text, end, state.matchLimit);
+    if (attempts.matchAt(text, records, numRecords)) return true;
+    left = attempts.stepsLeft();
+  }
+  return left >= 0 && isOneLine(filter.anchor, text, end) && writeNone(numRecords);
 }
 
 // ---- Candidates
@@ -181,8 +208,10 @@ ULK_INLINE bool findsAtCandidates(ulkRegExpState& state, const uint8_t* text, co
 
 bool glanceAtFirstStart(ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
                         ulkRegExpFind* records, int32_t* numRecords) {
+  const bool isAnchored = startFilterOf(state).anchor != Anchor::kNone;
   return noteGlance(state.frames[kPrefilterFrame].prefilter,
-                    findsAtFirstStart(state, text, end, records, numRecords));
+                    isAnchored ? findsAtTextStart(state, text, end, records, numRecords)
+                               : findsAtFirstStart(state, text, end, records, numRecords));
 }
 
 bool glanceAtCandidates(ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
