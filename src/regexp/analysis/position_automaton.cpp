@@ -4,6 +4,7 @@
 #include <bit>
 
 #include "regexp/analysis/first_bytes.h"
+#include "regexp/program/character_test.h"
 
 namespace ulk {
 
@@ -33,6 +34,30 @@ struct Part {
 constexpr Part kNothing{0, 0, true, false};
 constexpr Part kUnknown{0, 0, false, true};
 
+// Both of two ways.
+constexpr Part either(const Part& a, const Part& b) {
+  return {a.first | b.first, a.last | b.last, a.nullable || b.nullable, a.accepts || b.accepts};
+}
+
+// Where an item accepts characters of two bytes beside ASCII only, which begin with one of few bytes: adds
+// what their second bytes can be. Else false.
+bool addSecondBytes(const RxNode& item, uint32_t options, const ByteSet256& firsts, ByteSet256& seconds) {
+  constexpr int32_t kFewLeads = 4;
+  constexpr uint32_t kNoLeads = 3;  // 0xC0 and 0xC1
+  const uint32_t leads = firsts.words[6];
+  if (firsts.words[4] | firsts.words[5] | firsts.words[7] | (leads & kNoLeads)) return false;
+  if (std::popcount(leads) > kFewLeads) return false;
+  const CharacterTest test(item, options);
+  for (uint32_t left = leads; left; left &= left - 1) {
+    const int32_t number = std::countr_zero(left);
+    const auto lead = static_cast<uint8_t>(0xC0 + number);
+    if (test.accepts({lead - 0x100, 1}, lead)) return false;  // it may stand alone
+    for (int32_t i = 0; i < 0x40; ++i)
+      if (test.accepts({number << 6 | i, 2}, lead)) addByte(0x80 + i, 0, seconds);
+  }
+  return true;
+}
+
 class Builder {
  public:
   Builder(const ulkRegExpState& state, PositionAutomaton& automaton)
@@ -50,6 +75,9 @@ class Builder {
   Part piece(int32_t node, uint32_t options);
   Part once(int32_t node, uint32_t options);
   Part group(int32_t open, uint32_t options);
+  Part byte(const ByteSet256& bytes);
+  Part character(const ByteSet256& firsts);
+  Part twoBytes(const ByteSet256& leads, const ByteSet256& seconds);
   Part item(const RxNode& node, uint32_t options);
   Part string(const RxNode& node, uint32_t options);
   Part assertion(const ByteSet256& bytes);
@@ -91,18 +119,43 @@ Part Builder::joined(const Part& a, const Part& b) {
           a.accepts || (a.nullable && b.accepts)};
 }
 
-// One character: from 0x80 on, a byte and the continuation bytes behind it. A byte that is none by the rules
-// of UTF-8 is a character by itself.
-Part Builder::item(const RxNode& node, uint32_t options) {
+Part Builder::byte(const ByteSet256& bytes) {
   const int32_t at = add();
   if (at < 0) return kUnknown;
-  addFirstBytes(node, options, automaton_.bytes[at]);
-  if (takesByte(node) || !hasHighBytes(automaton_.bytes[at])) return {bit(at), bit(at), false, false};
+  automaton_.bytes[at] = bytes;
+  return {bit(at), bit(at), false, false};
+}
+
+// A character of one byte or more: a byte, and continuation bytes behind one from 0x80 on. A byte that is
+// none by the rules of UTF-8 is a character by itself.
+Part Builder::character(const ByteSet256& firsts) {
+  const Part first = byte(firsts);
   const int32_t tail = add();
   if (tail < 0) return kUnknown;
   automaton_.bytes[tail] = kContinuations;
-  link(bit(at) | bit(tail), bit(tail));
-  return {bit(at), bit(at) | bit(tail), false, false};
+  link(first.last | bit(tail), bit(tail));
+  return {first.first, first.last | bit(tail), false, false};
+}
+
+// A character of two bytes. The text's end may cut it, and is then taken for the second.
+Part Builder::twoBytes(const ByteSet256& leads, const ByteSet256& seconds) {
+  const Part whole = joined(byte(leads), byte(seconds));
+  automaton_.atEnd |= whole.last;
+  return whole;
+}
+
+Part Builder::item(const RxNode& node, uint32_t options) {
+  ByteSet256 firsts{};
+  addFirstBytes(node, options, firsts);
+  if (takesByte(node) || !hasHighBytes(firsts)) return byte(firsts);
+  ByteSet256 seconds{};
+  if (!addSecondBytes(node, options, firsts, seconds)) return character(firsts);
+  ByteSet256 ascii = firsts;
+  ByteSet256 leads = firsts;
+  std::fill_n(ascii.words + 4, 4, 0);
+  std::fill_n(leads.words, 4, 0);
+  const Part multibyte = twoBytes(leads, seconds);
+  return isEmpty(ascii) ? multibyte : either(byte(ascii), multibyte);
 }
 
 Part Builder::string(const RxNode& node, uint32_t options) {
@@ -202,12 +255,10 @@ Part Builder::piece(int32_t node, uint32_t options) {
 
 // An assertion asks for a byte as an item does, or for the end of the text. What follows it is not looked at.
 Part Builder::assertion(const ByteSet256& bytes) {
-  const int32_t at = add();
-  if (at < 0) return kUnknown;
-  automaton_.bytes[at] = bytes;
-  automaton_.accepting |= bit(at);
-  automaton_.atEnd |= bit(at);
-  return {bit(at), 0, false, false};
+  const Part asked = byte(bytes);
+  automaton_.accepting |= asked.last;
+  automaton_.atEnd |= asked.last;
+  return {asked.first, 0, false, asked.accepts};
 }
 
 Part Builder::endAssertion(int32_t kind) {
@@ -259,9 +310,7 @@ Part Builder::alternatives(int32_t first, int32_t end, int32_t serial, uint32_t 
   Part whole = sequence(first, end, options);
   for (int32_t i = first; i < end; i = nextItem(nodes_, i)) {
     if (codeOf(nodes_[i]) != RX_ALT || serialOf(nodes_[i]) != serial) continue;
-    const Part next = sequence(i + 1, end, static_cast<uint32_t>(optionsBehind(nodes_[i])));
-    whole = {whole.first | next.first, whole.last | next.last, whole.nullable || next.nullable,
-             whole.accepts || next.accepts};
+    whole = either(whole, sequence(i + 1, end, static_cast<uint32_t>(optionsBehind(nodes_[i]))));
   }
   return whole;
 }
@@ -294,6 +343,7 @@ Part Builder::lookbehind(int32_t node, uint32_t options) {
     if (codeOf(nodes_[i]) == RX_ALT) return kNothing;
   const int32_t count = automaton_.count;
   const PositionSet accepting = automaton_.accepting;
+  const PositionSet atEnd = automaton_.atEnd;
   const Part part = group(node, options);
   if (!part.accepts && !part.nullable && automaton_.accepting == accepting &&
       std::none_of(automaton_.bytes + count, automaton_.bytes + automaton_.count, hasHighBytes)) {
@@ -302,6 +352,7 @@ Part Builder::lookbehind(int32_t node, uint32_t options) {
   }
   automaton_.count = count;
   automaton_.accepting = accepting;
+  automaton_.atEnd = atEnd;
   return kNothing;
 }
 

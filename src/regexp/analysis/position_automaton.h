@@ -27,7 +27,7 @@ struct PositionAutomaton {
   int32_t bytesBefore;    // a match, which begins so many bytes behind what the first positions take
   PositionSet first;      // where a match can begin
   PositionSet accepting;  // where a match can end
-  PositionSet atEnd;      // those of assertions, which hold at the text's end
+  PositionSet atEnd;      // those that the text's end may stand for
   PositionSet follow[kMaxPositions];
   ByteSet256 bytes[kMaxPositions];
 };

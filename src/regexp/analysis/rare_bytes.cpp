@@ -14,8 +14,8 @@ constexpr int32_t kMaxDistance = 16;
 int32_t frequencyOf(uint8_t byte) {
   constexpr uint8_t kLetters[] = {60, 10, 25, 28, 90, 16, 14, 30, 55, 2,  6, 32, 20,
                                   55, 60, 18, 2,  50, 50, 65, 22, 8,  12, 3, 12, 2};
-  if (byte >= 0xC0) return 60;  // in a text of another script
-  if (byte >= 0x80) return 10;
+  if (byte >= 0xC0) return 100;  // in a text of another script
+  if (byte >= 0x80) return 3;
   if (byte >= 'a' && byte <= 'z') return kLetters[byte - 'a'];
   if (byte >= 'A' && byte <= 'Z') return 3;
   if (byte >= '0' && byte <= '9') return 8;
@@ -80,10 +80,11 @@ RequiredBytes findRequiredBytes(const PositionAutomaton& automaton) {
   return required;
 }
 
-bool findRareStarts(const PositionAutomaton& automaton, SmallSet& starts) {
+ByteSet256 startBytes(const PositionAutomaton& automaton) { return bytesOf(automaton, automaton.first); }
+
+bool describeRare(const ByteSet256& bytes, SmallSet& small) {
   constexpr int32_t kRare = 100;  // of a thousand
-  const ByteSet256 bytes = bytesOf(automaton, automaton.first);
-  return frequencyOf(bytes) <= kRare && describe(bytes, starts);
+  return frequencyOf(bytes) <= kRare && describeAny(bytes, small);
 }
 
 bool findRarePair(const PositionAutomaton& automaton, RarePair& pair) {
@@ -97,7 +98,7 @@ bool findRarePair(const PositionAutomaton& automaton, RarePair& pair) {
     const ByteSet256 bytes = bytesOf(automaton, positions);
     const int32_t frequency = frequencyOf(bytes);
     SmallSet small;
-    if (frequency < second && describe(bytes, small)) {
+    if (frequency < second && describeAny(bytes, small)) {
       if (frequency < first) {
         pair.second = pair.first;
         pair.secondAt = pair.firstAt;

@@ -30,8 +30,10 @@ struct RequiredBytes {
 };
 RequiredBytes findRequiredBytes(const PositionAutomaton& automaton);
 
-// Those that a match can begin with, with what stands before it. False if they are not rare or no small set.
-bool findRareStarts(const PositionAutomaton& automaton, SmallSet& starts);
+// Those that a match can begin with, or what stands before it.
+ByteSet256 startBytes(const PositionAutomaton& automaton);
+// False if they are not rare or no small set.
+bool describeRare(const ByteSet256& bytes, SmallSet& small);
 
 }  // namespace ulk
 

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "kernels/vec16.h"
-#include "regexp/match/character_test.h"
+#include "regexp/program/character_test.h"
 #include "regexp/match/matcher.h"
 #include "regexp/program/characters.h"
 #include "regexp/program/class_sets.h"

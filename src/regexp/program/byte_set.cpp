@@ -23,6 +23,10 @@ constexpr std::array<ByteSet256, 8> kShorthandSets = [] {
 
 }  // namespace
 
+bool isEmpty(const ByteSet256& set) {
+  return std::all_of(set.words, set.words + 8, [](uint32_t word) { return word == 0; });
+}
+
 bool intersect(const ByteSet256& a, const ByteSet256& b) {
   uint32_t common = 0;
   for (int i = 0; i < 8; ++i) common |= a.words[i] & b.words[i];

@@ -16,6 +16,7 @@ struct ByteSet256 {
   bool contains(uint8_t byte) const { return (words[byte >> 5] >> (byte & 31)) & 1; }
 };
 
+bool isEmpty(const ByteSet256& set);
 bool intersect(const ByteSet256& a, const ByteSet256& b);
 bool isSubset(const ByteSet256& a, const ByteSet256& b);
 inline bool hasHighBytes(const ByteSet256& set) {  // from 0x80 on

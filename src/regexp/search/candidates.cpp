@@ -9,6 +9,7 @@
 #include "kernels/find_unit.h"
 #include "regexp/analysis/follow_sets.h"
 #include "regexp/search/small_set_vectors.h"
+#include "regexp/search/start_scan.h"
 
 namespace ulk {
 
@@ -35,7 +36,8 @@ int32_t Candidates::make(ulkRegExpState& state) {
   made.mayBeAtEnd_ = positions.bytesBefore > 0 || (positions.first & positions.atEnd) != 0;
   made.bounds_.make(state);
   made.required_ = findRequiredBytes(positions);
-  made.hasRareStarts_ = findRareStarts(positions, made.starts_);
+  made.starts_ = startBytes(positions);
+  made.hasRareStarts_ = describeRare(made.starts_, made.rareStarts_);
   const bool hasPair = findRarePair(positions, made.pair_);
   // Where the pair is not, nothing goes on behind it.
   if (hasPair)
@@ -101,7 +103,7 @@ void Candidates::readBack(const uint8_t* begin, uint16_t row) {
 __attribute__((noinline)) const uint8_t* Candidates::passToStart(const uint8_t* at) {
   constexpr int32_t kWorthBytes = 16;
   const auto length = static_cast<int32_t>(textEnd_ - at);
-  const int32_t found = withSmallSet(starts_, [=](auto set) {
+  const int32_t found = withSmallSet(rareStarts_, [=](auto set) {
     SetProbe<decltype(set)> probe{at, set};
     return scan<Forward>(at, static_cast<size_t>(length), probe);
   });
@@ -159,11 +161,15 @@ bool Candidates::readToRequired(const uint8_t* begin) {
 
 // ---- The pair
 
+// The first place from `at` on, where the text may end before the pair, the text's end if there is none.
+ULK_INLINE const uint8_t* Candidates::lastPlace(const uint8_t* at) const {
+  return pair_.mayEnd ? passOutside(at, textEnd_, starts_) : std::max(at, textEnd_);
+}
+
 const uint8_t* Candidates::nextPair(const uint8_t* at) const {
   const int32_t distance = std::max(pair_.firstAt, pair_.secondAt);
-  const uint8_t* const none = std::max(at, textEnd_ - (pair_.mayEnd ? distance : 0));
   const ptrdiff_t places = textEnd_ - at - distance;
-  if (places <= 0) return none;
+  if (places <= 0) return lastPlace(at);
   const int32_t found = withSmallSet(pair_.first, [&](auto first) {
     return withSmallSet(pair_.second, [&](auto second) {
       TwoSetsProbe<decltype(first), decltype(second)> probe{at + pair_.firstAt, at + pair_.secondAt, first,
@@ -171,7 +177,7 @@ const uint8_t* Candidates::nextPair(const uint8_t* at) const {
       return scan<Forward>(at, static_cast<size_t>(places), probe);
     });
   });
-  return found < 0 ? none : at + found;
+  return found < 0 ? lastPlace(at + places) : at + found;
 }
 
 }  // namespace ulk

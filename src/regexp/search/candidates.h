@@ -49,7 +49,7 @@ class Candidates {
 
   // A candidate is the beginning of what a match must have, which lies so many bytes before the match.
   int32_t bytesBefore() const { return automaton_.positions().bytesBefore; }
-  // The first candidate from `at` on, the text's end if there is none.
+  // The first candidate from `at` on, the text's end if there is none; `at` behind it.
   const uint8_t* next(const uint8_t* at) { return way_ == Way::kPair ? nextPair(at) : nextInBlocks(at); }
   // The first place from `at` on where a match may begin, the text's end if there is none. What candidates
   // are told by may begin before it, but not before the text.
@@ -82,6 +82,7 @@ class Candidates {
     automaton_.begin();
   }
   const uint8_t* nextPair(const uint8_t* at) const;
+  const uint8_t* lastPlace(const uint8_t* at) const;
   const uint8_t* nextInBlocks(const uint8_t* at);
   const uint8_t* nextInBlock(const uint8_t* at) const;
   void readBack(const uint8_t* begin, uint16_t row);
@@ -100,8 +101,9 @@ class Candidates {
   RequiredBytes required_;
   int32_t hope_;  // that texts lack them
   RarePair pair_;
+  ByteSet256 starts_;     // that candidates begin with
+  SmallSet rareStarts_;   // the same if they are rare
   bool hasRareStarts_;
-  SmallSet starts_;    // bytes that candidates begin with, if those are rare
   int32_t startHope_;  // that they are far
   BackwardAutomaton automaton_;
 

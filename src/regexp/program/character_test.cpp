@@ -1,4 +1,4 @@
-#include "regexp/match/character_test.h"
+#include "regexp/program/character_test.h"
 
 #include "regexp/program/characters.h"
 
