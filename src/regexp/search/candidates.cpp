@@ -10,6 +10,7 @@
 #include "regexp/analysis/follow_sets.h"
 #include "regexp/search/small_set_vectors.h"
 #include "regexp/search/start_scan.h"
+#include "regexp/text/utf8.h"
 
 namespace ulk {
 
@@ -57,6 +58,13 @@ void Candidates::choose(Way way) {
   if (way != Way::kPair) bounds_.limitNoBytes();
   automaton_.restart(way == Way::kBlocks);
   blockBegin_ = blockEnd_ = nullptr;
+}
+
+__attribute__((noinline)) const uint8_t* Candidates::nextCharacter(const uint8_t* place, const uint8_t* from,
+                                                                   const uint8_t* text) {
+  const uint8_t* start;
+  while ((start = characterFrom(place, from)) != place) place = nextPlace(start, text);
+  return place;
 }
 
 const uint8_t* Candidates::nextInBlocks(const uint8_t* at) {

@@ -47,10 +47,6 @@ class Candidates {
   // The text has too many candidates of a quick way. It is left for a slower one that tells more.
   void takeSlowerWay() { choose(way_ == Way::kPair ? Way::kRequired : Way::kBlocks); }
 
-  // A candidate is the beginning of what a match must have, which lies so many bytes before the match.
-  int32_t bytesBefore() const { return automaton_.positions().bytesBefore; }
-  // The first candidate from `at` on, the text's end if there is none; `at` behind it.
-  const uint8_t* next(const uint8_t* at) { return way_ == Way::kPair ? nextPair(at) : nextInBlocks(at); }
   // The first place from `at` on where a match may begin, the text's end if there is none. What candidates
   // are told by may begin before it, but not before the text.
   const uint8_t* nextPlace(const uint8_t* at, const uint8_t* text) {
@@ -59,6 +55,9 @@ class Candidates {
     const uint8_t* const found = next(at - std::min(before, at - text));
     return std::max(at, before < textEnd_ - found ? found + before : textEnd_);
   }
+  // The same for such a place, or one behind it, where a character begins, as one does at `from`; behind the
+  // text's end if that cuts the last one.
+  const uint8_t* nextCharacter(const uint8_t* place, const uint8_t* from, const uint8_t* text);
   // Whether a match may begin at the text's end. The bound is one for the attempt there as well.
   bool mayBeAtEnd() const { return mayBeAtEnd_; }
   // Whether there is none, as the text lacks a byte that every match has. Told only while that often is so,
@@ -81,6 +80,10 @@ class Candidates {
     early_ = text + kEarlyBlock;
     automaton_.begin();
   }
+  // A candidate is the beginning of what a match must have, which lies so many bytes before the match.
+  int32_t bytesBefore() const { return automaton_.positions().bytesBefore; }
+  // The first candidate from `at` on, the text's end if there is none; `at` behind it.
+  const uint8_t* next(const uint8_t* at) { return way_ == Way::kPair ? nextPair(at) : nextInBlocks(at); }
   const uint8_t* nextPair(const uint8_t* at) const;
   const uint8_t* lastPlace(const uint8_t* at) const;
   const uint8_t* nextInBlocks(const uint8_t* at);

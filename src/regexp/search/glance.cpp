@@ -153,8 +153,10 @@ bool findsAtTextStart(ulkRegExpState& state, const uint8_t* text, const uint8_t*
 
 // ---- Candidates
 
-ULK_INLINE bool mayBeAtEnd(const ulkRegExpState& state, const Candidates& candidates) {
-  return candidates.mayBeAtEnd() && !startFilterOf(state).failsAtEnd;
+// Whether no attempt is needed from a place on that is the text's end or behind it.
+ULK_INLINE bool isOver(const ulkRegExpState& state, const Candidates& candidates, const uint8_t* at,
+                       const uint8_t* end) {
+  return at > end || (at == end && !(candidates.mayBeAtEnd() && !startFilterOf(state).failsAtEnd));
 }
 
 // Makes attempts at the candidates from the one at `at` on, also at the text's end where one might succeed.
@@ -164,7 +166,10 @@ __attribute__((noinline)) bool triesCandidates(ulkRegExpState& state, const uint
   PrefilterNote& note = state.frames[kPrefilterFrame].prefilter;
   Candidates& candidates = *Candidates::in(state, note.frame);
   Attempts attempts(state, text, end, steps);
-  while (beginsCharacter(state, text, at)) {
+  for (;;) {
+    if (!beginsCharacter(state, text, at)) at = candidates.nextCharacter(at, text, text);
+    if (candidates.givesUp()) return false;
+    if (isOver(state, candidates, at, end)) break;
     if (attempts.matchAt(at, records, numRecords)) {
       Prefilter::addBytes(note, end - text);
       return true;
@@ -175,13 +180,9 @@ __attribute__((noinline)) bool triesCandidates(ulkRegExpState& state, const uint
     steps = left;
     at = attempts.placeBehind(at);
     if (at <= end) at = candidates.nextPlace(at, text);
-    if (candidates.givesUp()) return false;
-    if (at > end || (at == end && !mayBeAtEnd(state, candidates))) {
-      Prefilter::addBytes(note, end - text);
-      return writeNone(numRecords);
-    }
   }
-  return false;
+  Prefilter::addBytes(note, end - text);
+  return writeNone(numRecords);
 }
 
 ULK_INLINE bool findsAtCandidates(ulkRegExpState& state, const uint8_t* text, const uint8_t* end,
@@ -193,7 +194,7 @@ ULK_INLINE bool findsAtCandidates(ulkRegExpState& state, const uint8_t* text, co
   budget.start(state.matchLimit, false);
   if (!candidates.begin(state, text, end, budget)) return false;
   const uint8_t* const at = candidates.lacksRequired(text) ? end : candidates.nextPlace(text, text);
-  if (at == end && !candidates.givesUp() && !mayBeAtEnd(state, candidates)) {
+  if (isOver(state, candidates, at, end) && !candidates.givesUp()) {
     Prefilter::addBytes(note, end - text);
     return writeNone(numRecords);
   }

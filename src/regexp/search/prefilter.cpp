@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "regexp/text/utf8.h"
-
 namespace ulk {
 
 namespace {
@@ -91,11 +89,7 @@ void Prefilter::turnOn(const uint8_t* at) {
 const uint8_t* Prefilter::next(const uint8_t* at) {
   if (m_.nonEmpty) return at;  // what is searched then ends behind the next byte
   const uint8_t* candidate = candidates_->nextPlace(at, m_.textStart);
-  if (m_.state->format == kFormatUtf8) {
-    const uint8_t* start;
-    while ((start = characterFrom(candidate, at)) != candidate)
-      candidate = candidates_->nextPlace(start, m_.textStart);
-  }
+  if (m_.state->format == kFormatUtf8) candidate = candidates_->nextCharacter(candidate, at, m_.textStart);
   if (candidates_->givesUp()) turnOff(PrefilterUse::kUseless);
   return candidate;
 }
