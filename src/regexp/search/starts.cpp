@@ -132,6 +132,7 @@ const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) 
     } else {
       for (; at < end && !inByteSet(*at, kWord); ++starts) at = *at < 0x80 ? at + 1 : characterAfter(at);
     }
+    prefilter_.addWork(Prefilter::workOfBytes(at - from) + 1);
     if (at >= end || set().contains(*at)) break;
     // The assertion holds here, but no item matches.
     ++boundaries;
