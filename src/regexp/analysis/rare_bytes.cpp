@@ -88,7 +88,7 @@ bool describeRare(const ByteSet256& bytes, SmallSet& small) {
 }
 
 bool findRarePair(const PositionAutomaton& automaton, RarePair& pair) {
-  constexpr int32_t kRare = 12000;  // of a million places
+  constexpr int32_t kRare = 30000;  // of a million places
   constexpr int32_t kNone = 1000;   // of a thousand
   int32_t first = kNone;
   int32_t second = kNone;
