@@ -83,6 +83,7 @@ class Builder {
   Part assertion(const ByteSet256& bytes);
   Part endAssertion(int32_t kind);
   Part wordBoundary(const Part& before);
+  Part negativeLookahead(int32_t open, uint32_t options);
   Part last(int32_t node, const Part& before, uint32_t options);
   Part repeated(int32_t node, const RxNode& quantifier, uint32_t options);
   bool takeWordsOnly(PositionSet positions) const;
@@ -285,10 +286,26 @@ bool Builder::takeWordsOnly(PositionSet positions) const {
   return positions == 0;
 }
 
+// A negative lookahead that the program ends with, of one item: it asks for a byte that the item does not
+// accept, as far as that is known.
+Part Builder::negativeLookahead(int32_t open, uint32_t options) {
+  const RxNode& item = nodes_[open + 1];
+  const RxCode code = codeOf(item);
+  options = optionsAfter(nodes_[open], options);
+  const bool isKnown = code == RX_CHAR || code == RX_CLASS || (code == RX_CHARTYPE && byteSetOf(item, options));
+  if (!isKnown || nextNode(nodes_, open + 1) != open + 1 + bodyLength(nodes_[open])) return kNothing;
+  ByteSet256 accepted{};
+  addFirstBytes(item, options, accepted);
+  ByteSet256 others{};
+  for (int32_t i = 0; i < 8; ++i) others.words[i] = i < kWordsPerSet ? ~accepted.words[i] : ~0u;
+  return assertion(others);
+}
+
 // A node that the program ends with.
 Part Builder::last(int32_t node, const Part& before, uint32_t options) {
   if (codeOf(nodes_[node]) == RX_ASSERT && assertionOf(nodes_[node]) == 'b') return wordBoundary(before);
   if (codeOf(nodes_[node]) == RX_LOOKAHEAD) return group(node, options);
+  if (codeOf(nodes_[node]) == RX_NLOOKAHEAD) return negativeLookahead(node, options);
   return piece(node, options);
 }
 

@@ -24,11 +24,15 @@ int32_t frequencyOf(uint8_t byte) {
   return byte > ' ' ? 5 : 1;
 }
 
+// Those from 0x80 on are not frequent in the same texts.
 int32_t frequencyOf(const ByteSet256& set) {
-  int32_t sum = 0;
+  constexpr int32_t kMostHigh = 300;
+  int32_t ascii = 0;
+  int32_t high = 0;
   for (int32_t byte = 0; byte < 256; ++byte)
-    if (set.contains(static_cast<uint8_t>(byte))) sum += frequencyOf(static_cast<uint8_t>(byte));
-  return sum;
+    if (set.contains(static_cast<uint8_t>(byte)))
+      (byte < 0x80 ? ascii : high) += frequencyOf(static_cast<uint8_t>(byte));
+  return ascii + std::min(high, kMostHigh);
 }
 
 PositionSet followOf(const PositionAutomaton& automaton, PositionSet positions) {
