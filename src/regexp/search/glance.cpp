@@ -179,7 +179,8 @@ __attribute__((noinline)) bool triesCandidates(ulkRegExpState& state, const uint
     if (left < 0 || note.workLeft <= 0) return false;
     steps = left;
     at = attempts.placeBehind(at);
-    if (at <= end) at = candidates.nextPlace(at, text);
+    if (at > end) break;
+    at = candidates.nextPlace(at, text);
   }
   Prefilter::addBytes(note, end - text);
   return writeNone(numRecords);
