@@ -90,7 +90,8 @@ const Items& singles() {
   static const Items kSingles = itemsOf(
       ". a \n é   \\d 1 0   \\w a _ Z   \\s \t \n \v   \\D a €   \\W - é \xA9   \\S a \xFF   \\C a \xC3   "
       "\\X a e\xCC\x81 \xCC\x81   [abc] a c   [^a] b \n é   [^ab\\n] c €   [a-f0-9] a 7   [ab1] b 1   "
-      "[^\\s\"] a 1   [ABab] a B   [à-ÿ] é É   [αβ] α Β   \\x{e9} é É   \\x{3c3} σ Σ   \\x{20ac} €   "
+      "[^\\s\"] a 1   [ABab] a B   [à-ÿ] é É   [αβ] α Β   [α-ωa] σ a \xCF   [^α] β   [б-яё] я Б \xD0   "
+      "\\x{e9} é É   \\x{3c3} σ Σ   \\x{20ac} €   "
       "\\x{61} a A   \\x{10428} 𐐨 𐐀   \\x{ffffffe9} \xE9   \\pL a é 漢   \\p{Lu} A É   \\P{Nd} a -   "
       "\\p{Greek} α σ   \\p{^Han} a 漢   \\p{Any} a \xFF   \\p{Mn} \xCC\x81");
   return kSingles;
