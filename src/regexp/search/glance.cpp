@@ -66,7 +66,15 @@ ULK_INLINE bool beginsCharacter(const ulkRegExpState& state, const uint8_t* text
 
 // ---- The first place that the start filter lets pass
 
-// Looks for a byte of the set, of a small one further. `end` if there is none; null if it is not near.
+// Looks for a byte of a small set in a short text,
+const uint8_t* nearestOfSmallSet(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end) {
+  const auto length = static_cast<int32_t>(std::min(end - text, kShort));
+  const int32_t found = findStart(state, text, length, end);
+  return found < length || length == end - text ? text + found : nullptr;
+}
+
+// for one of another set, or at a word boundary, where it is near. `end` if there is none; null if that is
+// not known.
 const uint8_t* nearestStart(const ulkRegExpState& state, const uint8_t* text, const uint8_t* end) {
   const StartKind kind = startFilterOf(state).kind;
   const ByteSet256& set = startSetOf(state);
@@ -75,14 +83,12 @@ const uint8_t* nearestStart(const ulkRegExpState& state, const uint8_t* text, co
   if (kind == StartKind::kBoundary) {
     const auto isWord = [](const uint8_t* place) { return inByteSet(*place, kWord); };
     while (at < near && !(set.contains(*at) && isWord(at) != (at != text && isWord(at - 1)))) ++at;
-  } else {
+  } else if (kind == StartKind::kSet) {
     at = passOutside(at, near, set);
+  } else {
+    return nearestOfSmallSet(state, text, end);
   }
-  if (at < near || near == end) return at;
-  if (kind == StartKind::kBoundary || kind == StartKind::kSet) return nullptr;
-  const auto length = static_cast<int32_t>(std::min(end - at, kShort));
-  const int32_t found = findStart(state, at, length, end);
-  return found < length || at + found == end ? at + found : nullptr;
+  return at < near || near == end ? at : nullptr;
 }
 
 // The first place that needs an attempt, `end` if there is none; null if that is not known.
