@@ -2,6 +2,7 @@
 // limit at which they give up.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -13,11 +14,15 @@
 namespace ulk_test {
 namespace {
 
-Outcome search(ulkRegExpState* state, const std::string& text, int32_t limit) {
+constexpr char kEnd = '\x1A';  // the text ends before it, and bytes follow
+
+Outcome search(ulkRegExpState* state, std::string text, int32_t limit) {
   ulksRegExpSetMatchLimit(limit, state);
+  const auto length = static_cast<int32_t>(std::min(text.find(kEnd), text.size()));
+  std::erase(text, kEnd);
   const auto* bytes = reinterpret_cast<const uint8_t*>(text.c_str());
   return outcomeOf(bytes, 8, [&](ulkRegExpFind* records, int32_t* count) {
-    return ulksRegExpFind_8u(bytes, static_cast<int32_t>(text.size()), state, records, count);
+    return ulksRegExpFind_8u(bytes, length, state, records, count);
   });
 }
 
@@ -65,6 +70,14 @@ const Row kRows[] = {
     {"^\\w+:", "m", kWords, {"a:", "x\nb: c", "\n", kPlace}},
     {"(?<!the )\\bsign", "", kWords, {"the sign", "a sign", "", "sig"}},
     {"(?:\\w+,\\s*)+\\w+;", "", kWords, {"a, b, c;", "a, b, c", "x a,b;", ",;"}},
+    {"[а-я]{2}", "", "я Ж ё Ж", {"Жая", "я\xD0\x1A\xB1", "\xD0\xD0\xB1я", "аЖ", kWords}},
+    {"[α-ωb]\\d|[β]", "", "α Ω b", {"Ωβ", "x\xCE\x1A\xB2", "b1", "xα2", "β"}},
+    {"a(?!\\w)", "", kWords, {"a", "ab a", "ab aé", "ab", "banana,"}},
+    {"(?:un|re|in)\\w", "", kWords, {"xre", "x rex", "in int", "nur"}},
+    {"[0-9]+(?:st|nd)\\b", "", kWords, {"1st", "x 12nd", "1stx 3", "12"}},
+    {"\\b(?:add|fix)ed\\b", "", kWords, {"added", "x fixed", "addedx", "add"}},
+    {"^\\s*#\\s*\\w", "m", kWords, {"#a", "  # b", "x\n#c", "x#", "#"}},
+    {"^[A-Z]+(?:\\d|$)", "", kWords, {"A1", "AB", "xA", "x\nA"}},
     {"([a-z]+)\\1,", "", kWords, {"abab,", "xabab", "aa,", "a,"}},
 };
 
