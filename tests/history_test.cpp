@@ -72,7 +72,7 @@ const Row kRows[] = {
     {"(?:\\w+,\\s*)+\\w+;", "", kWords, {"a, b, c;", "a, b, c", "x a,b;", ",;"}},
     {"[а-я]{2}", "", "я Ж ё Ж", {"Жая", "я\xD0\x1A\xB1", "\xD0\xD0\xB1я", "аЖ", kWords}},
     {"[α-ωb]\\d|[β]", "", "α Ω b", {"Ωβ", "x\xCE\x1A\xB2", "b1", "xα2", "β"}},
-    {"a(?!\\w)", "", kWords, {"a", "ab a", "ab aé", "ab", "banana,"}},
+    {"a(?!\\w)", "", "pairs have places, as wasps are", {"a", "ab a", "ab aé", "ab", "banana,"}},
     {"(?:un|re|in)\\w", "", kWords, {"xre", "x rex", "in int", "nur"}},
     {"[0-9]+(?:st|nd)\\b", "", kWords, {"1st", "x 12nd", "1stx 3", "12"}},
     {"\\b(?:add|fix)ed\\b", "", kWords, {"added", "x fixed", "addedx", "add"}},

@@ -95,7 +95,7 @@ struct GeneratedSearch {
   int32_t capacity = 64;
   bool replace = false;  // the search of a replacement
   Earlier earlier = Earlier::kNothing;
-  bool glances = true;  // the search is made only where a glance at the text does not decide
+  bool glances = true;     // the search is made only where a glance at the text does not decide
   int32_t limitShare = 0;  // one limit to try is this share of the steps needed, in 256ths
 };
 

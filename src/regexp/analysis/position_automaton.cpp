@@ -292,7 +292,8 @@ Part Builder::negativeLookahead(int32_t open, uint32_t options) {
   const RxNode& item = nodes_[open + 1];
   const RxCode code = codeOf(item);
   options = optionsAfter(nodes_[open], options);
-  const bool isKnown = code == RX_CHAR || code == RX_CLASS || (code == RX_CHARTYPE && byteSetOf(item, options));
+  const bool isKnown =
+      code == RX_CHAR || code == RX_CLASS || (code == RX_CHARTYPE && byteSetOf(item, options));
   if (!isKnown || nextNode(nodes_, open + 1) != open + 1 + bodyLength(nodes_[open])) return kNothing;
   ByteSet256 accepted{};
   addFirstBytes(item, options, accepted);
@@ -385,6 +386,7 @@ bool Builder::build(uint32_t options) {
   const Part whole = joined(lookbehind(node, options), match);
   automaton_.first = whole.first;
   automaton_.accepting |= whole.last;
+  automaton_.atEnd &= automaton_.accepting;  // behind a character that the text's end cuts nothing can match
   return !whole.nullable && !whole.accepts && whole.first;
 }
 

@@ -6,8 +6,8 @@
 #include <cstring>
 
 #include "kernels/vec16.h"
-#include "regexp/program/character_test.h"
 #include "regexp/match/matcher.h"
+#include "regexp/program/character_test.h"
 #include "regexp/program/characters.h"
 #include "regexp/program/class_sets.h"
 #include "regexp/text/bytes.h"

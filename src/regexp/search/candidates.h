@@ -104,8 +104,8 @@ class Candidates {
   RequiredBytes required_;
   int32_t hope_;  // that texts lack them
   RarePair pair_;
-  ByteSet256 starts_;     // that candidates begin with
-  SmallSet rareStarts_;   // the same if they are rare
+  ByteSet256 starts_;    // that candidates begin with
+  SmallSet rareStarts_;  // the same if they are rare
   bool hasRareStarts_;
   int32_t startHope_;  // that they are far
   BackwardAutomaton automaton_;

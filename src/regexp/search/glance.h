@@ -3,7 +3,8 @@
 // not set up.
 //
 // Where candidates are used, a glance at a short text makes attempts at all of them. Else it makes one, at
-// the first place that the start filter lets pass.
+// the first place that the start filter lets pass; where the expression is anchored, at the text's start,
+// which is the only one in a short text of one line.
 #pragma once
 
 #include <cstdint>
