@@ -70,7 +70,7 @@ const Row kRows[] = {
     {"^\\w+:", "m", kWords, {"a:", "x\nb: c", "\n", kPlace}},
     {"(?<!the )\\bsign", "", kWords, {"the sign", "a sign", "", "sig"}},
     {"(?:\\w+,\\s*)+\\w+;", "", kWords, {"a, b, c;", "a, b, c", "x a,b;", ",;"}},
-    {"[а-я]{2}", "", "я Ж ё Ж", {"Жая", "я\xD0\x1A\xB1", "\xD0\xD0\xB1я", "аЖ", kWords}},
+    {"[а-я]{2}", "", "я Ж ё Ж", {"Жая", "Ж ап", "я\xD0\x1A\xB1", "\xD0\xD0\xB1я", "аЖ", kWords}},
     {"[α-ωb]\\d|[β]", "", "α Ω b", {"Ωβ", "x\xCE\x1A\xB2", "b1", "xα2", "β"}},
     {"a(?!\\w)", "", "pairs have places, as wasps are", {"a", "ab a", "ab aé", "ab", "banana,"}},
     {"(?:un|re|in)\\w", "", kWords, {"xre", "x rex", "in int", "nur"}},
