@@ -38,7 +38,8 @@ inline const RxNode* afterItem(const RxNode* item) {
 // Whether a step at the node would fail because a literal, not quantified, stands there that does not match.
 inline bool failsAtLiteral(const MatchContext& m, const RxNode* node, const uint8_t* at) {
   if (codeOf(*node) > RX_STRING || at > m.textEnd || m.isQuantified(node + 1)) return false;
-  return itemLength(m, *node, at) == kNoMatch;
+  const int32_t first = codeOf(*node) == RX_CHAR ? byteOf(*node) : *stringOf(*node);
+  return at == m.textEnd || !sameByte(first, *at, m.options) || itemLength(m, *node, at) == kNoMatch;
 }
 
 // Items in a row, and where they end.

@@ -146,9 +146,9 @@ const uint8_t* Starts::passNonBoundaries(const uint8_t* at, const uint8_t* end) 
 
 // Whether none of the literals is at this place that a match begins with.
 bool Starts::lacksLiterals(const uint8_t* at) const {
-  if (itemLength(m_, m_.nodes()[pair().firstLiteral], at) != kNoMatch) return false;
+  if (!failsAtLiteral(m_, m_.nodes() + pair().firstLiteral, at)) return false;
   for (const RxNode* bar = m_.nodes() + pair().literalBar; bar; bar = nextBar(*bar))
-    if (codeOf(bar[1]) != RX_ASSERT && itemLength(m_, bar[1], at) != kNoMatch) return false;
+    if (codeOf(bar[1]) != RX_ASSERT && !failsAtLiteral(m_, bar + 1, at)) return false;
   return true;
 }
 
