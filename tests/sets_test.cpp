@@ -191,6 +191,32 @@ TEST(Sets, ReportsWhatEachFindReturns) {
   EXPECT_TRUE(unused.searched == -1 && unused.id == 2 && unused.numFind == -3 && unused.status == -4);
 }
 
+// Where a literal stands but not what must follow it, an attempt takes more steps than elsewhere.
+TEST(Sets, GiveUpAtTheLimitsAtWhichASearchAloneDoes) {
+  constexpr uint32_t kSlots = 20;
+  const std::string text = "some words, abcdx and abcde, abcd 1\n";
+  for (const char* pattern : {"abcd\\daaaa", "\\d{}abcd\\d", "abcd[12]efgh", "abc(?:de,x|d z)"}) {
+    for (int32_t limit = 0; limit < 160; ++limit) {
+      Set set(kSlots);
+      std::vector<CompiledExpression> expressions;
+      std::vector<ulkRegExpMultiFind> results(kSlots);
+      ulkRegExpFind record;
+      for (uint32_t i = 0; i < kSlots; ++i) {
+        expressions.push_back(compiled(i == 0 ? pattern : "zzqq" + std::to_string(i)));
+        if (i == 0) ulksRegExpSetMatchLimit(limit, expressions[i].get());
+        ASSERT_EQ(ulksRegExpMultiAdd(expressions[i].get(), i + 1, set.get()), ulkOk);
+        results[i] = {0, 0, 1, 0, &record};
+      }
+      const auto length = static_cast<int32_t>(text.size());
+      EXPECT_EQ(ulksRegExpMultiFind_8u(textOf(text), length, results.data(), set.get()), ulkOk);
+      int32_t found = 1;
+      EXPECT_EQ(results[0].status,
+                ulksRegExpFind_8u(textOf(text), length, expressions[0].get(), &record, &found))
+          << pattern << " at " << limit;
+    }
+  }
+}
+
 // A set of more expressions than a machine has processors, some slots free, over random texts.
 void searchALargeSet(unsigned seed) {
   constexpr uint32_t kSlots = 137;

@@ -137,6 +137,7 @@ class WindowFinder {
   void addPlace(int32_t node, bool first, const ByteSet256& set, Way& way);
   void finish(const Way& way);
   Neighbours neighboursOf(const Way& way, int32_t first, int32_t last) const;
+  int32_t lastAsked(const Way& way, const Choice& window) const;
   void addNeighbour(int32_t index, int32_t byte, Neighbours& neighbours) const;
   int32_t worthOf(const Way& way, int32_t first, int32_t size) const;
   Choice chooseWindow(const Way& way) const;
@@ -400,6 +401,13 @@ void WindowFinder::addKeys(const Way& way, const Choice& window) {
   }
 }
 
+// The last place that a key asks for: the window's, or the last of those behind it that tell more.
+int32_t WindowFinder::lastAsked(const Way& way, const Choice& window) const {
+  const int32_t last = window.first + window.size - 1;
+  const Neighbours more = neighboursOf(way, window.first, last + 1);
+  return std::max(last, more.first + (static_cast<int32_t>(std::bit_width(more.mask)) + 7) / 8 - 1);
+}
+
 void WindowFinder::finish(const Way& way) {
   const Choice window = chooseWindow(way);
   failed_ = window.size == 0 || ++numWays_ > kMaxWays;
@@ -407,7 +415,7 @@ void WindowFinder::finish(const Way& way) {
   const Place& place = places_[window.first];
   window_.most = std::max(window_.most, place.most);
   numBefore_ = std::max(numBefore_, place.numBefore);
-  cost_ += places_[window.first + window.size - 1].cost;
+  cost_ += places_[lastAsked(way, window)].cost;
   window_.shortest = static_cast<uint8_t>(std::min<int32_t>(window_.shortest, window.size));
   addKeys(way, window);
 }

@@ -126,7 +126,7 @@ const Set128* otherClassSet(const RxNode& header) {
 const CodePointPage* pageOf(const RxNode& header, uint32_t options) {
   if (!ClassNote(header).page() || (options & RX_OPT_CASELESS)) return nullptr;
   const uint32_t* const part = partsOf(header);
-  return reinterpret_cast<const CodePointPage*>(part + kListLengths + 2 * (part[0] + part[1]));
+  return reinterpret_cast<const CodePointPage*>(part + kListLengths + size_t{2} * (part[0] + part[1]));
 }
 
 bool listsMultibyte(const RxNode& header, uint32_t options) {
