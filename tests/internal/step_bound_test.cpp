@@ -55,6 +55,7 @@ TEST(StepBound, IsNotBelowTheStepsOfAFailingAttempt) {
       {"^(?:b,*)+a", "b,,,,b,,,,b,,,,"},
       {"^(?:b,*)+,a", "b,,,,b,,,,b,,,,"},
       {"^a+\\pN*?", many + "b"},
+      {"^a(?!b|(a)*)", many},
   };
   for (const auto& row : kRows) {
     const auto state = compiled(row.pattern);

@@ -64,6 +64,7 @@ class Walk {
   bool isBounded_ = true;
   bool looksAhead_ = false;   // what is looked at is not taken,
   bool looksBehind_ = false;  // and lies elsewhere
+  bool isRefused_ = false;    // in a negative lookahead an attempt fails behind what matches
   int32_t depth_ = 0;
 };
 
@@ -211,7 +212,7 @@ Cost Walk::body(int32_t open, uint32_t options) {
 Cost Walk::group(int32_t open, const RxNode* quantifier, uint32_t options) {
   const Cost once = body(open, options);
   if (!quantifier) return then({1, 1}, once);
-  int64_t most = endsProgram(*quantifier) ? minOf(*quantifier) : maxOf(*quantifier);
+  int64_t most = endsProgram(*quantifier) && !isRefused_ ? minOf(*quantifier) : maxOf(*quantifier);
   ByteSet256 bytes{};
   if (most > kFew) {
     if (!bytesOfBody(open, options, bytes)) return unbounded();
@@ -232,11 +233,14 @@ Cost Walk::oneWay(int32_t open, uint32_t options) {
   const RxCode code = codeOf(nodes_[open]);
   const bool lookedAhead = looksAhead_;
   const bool lookedBehind = looksBehind_;
+  const bool wasRefused = isRefused_;
   looksAhead_ = looksAhead_ || code == RX_LOOKAHEAD || code == RX_NLOOKAHEAD;
   looksBehind_ = looksBehind_ || code == RX_LOOKBEHIND || code == RX_NLOOKBEHIND;
+  isRefused_ = isRefused_ || code == RX_NLOOKAHEAD;
   const Cost inside = body(open, options);
   looksAhead_ = lookedAhead;
   looksBehind_ = lookedBehind;
+  isRefused_ = wasRefused;
   return {saturated(2 + inside.steps + inside.exits), 1};
 }
 

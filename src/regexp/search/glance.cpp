@@ -16,7 +16,8 @@ namespace {
 constexpr ptrdiff_t kShort = 256;  // bytes that are looked at many at a time,
 constexpr ptrdiff_t kNear = 16;    // and one by one
 
-// Attempts of a search for the first match.
+// Attempts of a search for the first match. One that runs out of steps decides nothing, also if it then
+// matches, as lazy code points do: more may have been paid before than is due.
 class Attempts {
  public:
   Attempts(ulkRegExpState& state, const uint8_t* text, const uint8_t* end, int32_t steps) {
@@ -25,10 +26,11 @@ class Attempts {
     m_.textEnd = end;
     m_.options = state.options & kMatcherOptions;
     m_.budget.start(steps, true);
+    m_.budget.payBound(0);  // what has been passed over
   }
 
   bool matchAt(const uint8_t* at, ulkRegExpFind* records, int32_t* numRecords) {
-    if (!ulk::matchAt(m_, at)) return false;
+    if (!ulk::matchAt(m_, at) || m_.budget.isExhausted()) return false;
     *numRecords = std::min(*numRecords, m_.state->numCaptures);
     copyCaptures(*m_.state, 0, *numRecords, records);
     return true;
