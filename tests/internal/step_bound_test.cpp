@@ -56,6 +56,8 @@ TEST(StepBound, IsNotBelowTheStepsOfAFailingAttempt) {
       {"^(?:b,*)+,a", "b,,,,b,,,,b,,,,"},
       {"^a+\\pN*?", many + "b"},
       {"^a(?!b|(a)*)", many},
+      {"^(?!a(?:(?:b|b)*c)*)", "a" + std::string(12, 'b')},
+      {"^(?!a*(?:b|b)*)", "aaaabbbb"},
   };
   for (const auto& row : kRows) {
     const auto state = compiled(row.pattern);

@@ -31,8 +31,8 @@ class StepBudget {
   void exhaust() { left_ = -1; }
 
   bool paysExactly() const { return exactly_; }
-  // Only while steps are plenty: an attempt that runs out of those that are left then would have run out of
-  // the exact number as well, and not looked elsewhere.
+  // Only while steps are plenty, as a search that then runs out is made again. Until it is, what it has found
+  // does not count.
   bool mayPayBounds() const { return !exactly_ && left_ >= kPlenty; }
   // At most so many steps.
   void payBound(int64_t steps) {
